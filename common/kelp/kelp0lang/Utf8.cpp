@@ -1,0 +1,178 @@
+#include "kelp0lang/Utf8.h"
+
+#include <bit>
+#include <cstdint>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace kelp::detail {
+namespace {
+
+// One step of decoding: takes at least one byte, never one at or behind end.
+std::uint32_t DecodeStep(const unsigned char*& byte, const unsigned char* end) {
+  const std::uint32_t lead = *byte++;
+  int continuation = 0;
+  std::uint32_t value = lead;
+  if ((lead & 0xE0) == 0xC0) {
+    continuation = 1;
+    value = lead & 0x1F;
+  } else if ((lead & 0xF0) == 0xE0) {
+    continuation = 2;
+    value = lead & 0x0F;
+  } else if ((lead & 0xF8) == 0xF0) {
+    continuation = 3;
+    value = lead & 0x07;
+  }
+  for (; continuation > 0; --continuation) {
+    value <<= 6;
+    if (byte < end) value |= *byte++ & 0x3Fu;
+  }
+  return value;
+}
+
+// One step of encoding: takes one unit, or two where the first is a high surrogate.
+std::uint32_t EncodeStep(const WChar*& unit, const WChar* end) {
+  const std::uint32_t first = static_cast<std::uint16_t>(*unit++);
+  if (first < 0xD800 || first > 0xDBFF || unit == end) return first;
+  return (first << 10) + static_cast<std::uint16_t>(*unit++) - 0x035FDC00u;
+}
+
+std::size_t EncodedSize(std::uint32_t value) {
+  return value < 0x80 ? 1 : value < 0x800 ? 2 : value < 0x10000 ? 3 : 4;
+}
+
+char* PutUtf8(std::uint32_t value, char* out) {
+  if (value < 0x80) {
+    *out++ = static_cast<char>(value);
+  } else if (value < 0x800) {
+    *out++ = static_cast<char>(0xC0 | value >> 6);
+    *out++ = static_cast<char>(0x80 | (value & 0x3F));
+  } else if (value < 0x10000) {
+    *out++ = static_cast<char>(0xE0 | value >> 12);
+    *out++ = static_cast<char>(0x80 | (value >> 6 & 0x3F));
+    *out++ = static_cast<char>(0x80 | (value & 0x3F));
+  } else {
+    *out++ = static_cast<char>(0xF0 | value >> 18);
+    *out++ = static_cast<char>(0x80 | (value >> 12 & 0x3F));
+    *out++ = static_cast<char>(0x80 | (value >> 6 & 0x3F));
+    *out++ = static_cast<char>(0x80 | (value & 0x3F));
+  }
+  return out;
+}
+
+WChar* PutUtf16(std::uint32_t value, WChar* out) {
+  if (value < 0x10000) {
+    *out++ = static_cast<WChar>(value);
+  } else {
+    *out++ = static_cast<WChar>((value >> 10) + 0xD7C0);
+    *out++ = static_cast<WChar>((value & 0x3FF) + 0xDC00);
+  }
+  return out;
+}
+
+#ifdef __SSE2__
+
+// Whole blocks of 16 are worth a look only where the text is plain for a while.
+constexpr std::ptrdiff_t kBlock = 16;
+
+// Sixteen bytes widened to sixteen units; bit i of the result is set where byte i isn't ASCII.
+unsigned WidenBlock(const unsigned char* bytes, WChar* out) {
+  const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+  const __m128i zero = _mm_setzero_si128();
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(block, zero));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 8), _mm_unpackhi_epi8(block, zero));
+  return static_cast<unsigned>(_mm_movemask_epi8(block));
+}
+
+unsigned NonAsciiBytes(const unsigned char* bytes) {
+  return static_cast<unsigned>(
+      _mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes))));
+}
+
+// Bit i of the result is set where unit i of sixteen isn't ASCII; narrows them into packed.
+unsigned NarrowBlock(const WChar* units, __m128i& packed) {
+  const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
+  const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + 8));
+  const __m128i mask = _mm_set1_epi16(static_cast<short>(0xFF80));
+  const __m128i zero = _mm_setzero_si128();
+  const __m128i plain = _mm_packs_epi16(_mm_cmpeq_epi16(_mm_and_si128(low, mask), zero),
+                                        _mm_cmpeq_epi16(_mm_and_si128(high, mask), zero));
+  packed = _mm_packus_epi16(low, high);
+  return ~static_cast<unsigned>(_mm_movemask_epi8(plain)) & 0xFFFFu;
+}
+
+#endif
+
+}  // namespace
+
+std::size_t DecodedUtf8Length(const char* bytes, std::size_t size) {
+  const auto* byte = reinterpret_cast<const unsigned char*>(bytes);
+  const unsigned char* end = byte + size;
+  std::size_t length = 0;
+  while (byte < end) {
+#ifdef __SSE2__
+    while (end - byte >= kBlock && NonAsciiBytes(byte) == 0) {
+      byte += kBlock;
+      length += kBlock;
+    }
+    if (byte == end) break;
+#endif
+    length += DecodeStep(byte, end) < 0x10000 ? 1 : 2;
+  }
+  return length;
+}
+
+std::size_t DecodeUtf8(const char* bytes, std::size_t size, WChar* target, std::size_t room) {
+  const auto* byte = reinterpret_cast<const unsigned char*>(bytes);
+  const unsigned char* end = byte + size;
+  WChar* out = target;
+  [[maybe_unused]] const WChar* outEnd = target + room;
+  while (byte < end) {
+#ifdef __SSE2__
+    // The plain units at the front of a block count; what stands behind them is written over.
+    while (*byte < 0x80 && end - byte >= kBlock && outEnd - out >= kBlock) {
+      const unsigned others = WidenBlock(byte, out);
+      const int plain = others == 0 ? kBlock : std::countr_zero(others);
+      byte += plain;
+      out += plain;
+      if (byte == end) return static_cast<std::size_t>(out - target);
+    }
+#endif
+    out = PutUtf16(DecodeStep(byte, end), out);
+  }
+  return static_cast<std::size_t>(out - target);
+}
+
+std::size_t EncodedUtf8Length(const WChar* units, std::size_t size) {
+  const WChar* unit = units;
+  const WChar* end = units + size;
+  std::size_t length = 0;
+  while (unit < end) length += EncodedSize(EncodeStep(unit, end));
+  return length;
+}
+
+std::size_t EncodeUtf8(const WChar* units, std::size_t size, char* target, std::size_t room) {
+  const WChar* unit = units;
+  const WChar* end = units + size;
+  char* out = target;
+  [[maybe_unused]] const char* outEnd = target + room;
+  while (unit < end) {
+#ifdef __SSE2__
+    while (*unit < 0x80 && end - unit >= kBlock && outEnd - out >= kBlock) {
+      __m128i packed;
+      const unsigned others = NarrowBlock(unit, packed);
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out), packed);
+      const int plain = others == 0 ? kBlock : std::countr_zero(others);
+      unit += plain;
+      out += plain;
+      if (unit == end) return static_cast<std::size_t>(out - target);
+    }
+#endif
+    out = PutUtf8(EncodeStep(unit, end), out);
+  }
+  return static_cast<std::size_t>(out - target);
+}
+
+}  // namespace kelp::detail

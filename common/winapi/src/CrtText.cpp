@@ -1,0 +1,186 @@
+// Terminated text: comparison, search, case, and conversion between the widths.
+#include <tchar.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <climits>
+#include <clocale>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+#include <cwctype>
+#include <string>
+
+namespace {
+
+// In the "C" locale glibc knows only ASCII; Windows passes every byte through.
+bool IsCLocale() {
+  const char* name = std::setlocale(LC_CTYPE, nullptr);
+  return name != nullptr && (std::strcmp(name, "C") == 0 || std::strcmp(name, "POSIX") == 0);
+}
+
+char16_t Lower(char16_t unit) { return static_cast<char16_t>(std::towlower(unit)); }
+char16_t Upper(char16_t unit) { return static_cast<char16_t>(std::towupper(unit)); }
+unsigned char LowerByte(char unit) {
+  return static_cast<unsigned char>(std::tolower(static_cast<unsigned char>(unit)));
+}
+
+// Text of either width without regard to case, up to count units.
+template <class C, class Fold>
+int CompareFolded(const C* a, const C* b, std::size_t count, Fold fold) {
+  for (; count > 0; --count, ++a, ++b) {
+    const int x = fold(*a);
+    const int y = fold(*b);
+    if (x != y) return x - y;
+    if (x == 0) break;
+  }
+  return 0;
+}
+
+bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
+// Takes one character off UTF-16 text; a lone surrogate gives WEOF.
+std::wint_t NextCharacter(const char16_t*& text) {
+  const char16_t first = *text++;
+  if (IsHighSurrogate(first) && IsLowSurrogate(*text)) {
+    return 0x10000u + ((first - 0xD800u) << 10) + (*text++ - 0xDC00u);
+  }
+  return IsHighSurrogate(first) || IsLowSurrogate(first) ? WEOF : first;
+}
+
+// One character as bytes of the locale; -1 where it has none.
+int PutCharacter(std::wint_t character, char* bytes, bool cLocale) {
+  if (cLocale) {
+    if (character > 0xFF) return -1;
+    *bytes = static_cast<char>(character);
+    return 1;
+  }
+  std::mbstate_t state{};
+  const std::size_t size = std::wcrtomb(bytes, static_cast<wchar_t>(character), &state);
+  return size == static_cast<std::size_t>(-1) ? -1 : static_cast<int>(size);
+}
+
+std::size_t Unconvertible() {
+  errno = EILSEQ;
+  return static_cast<std::size_t>(-1);
+}
+
+}  // namespace
+
+std::size_t wcslen(const char16_t* text) { return std::char_traits<char16_t>::length(text); }
+
+int wcscmp(const char16_t* a, const char16_t* b) { return wcsncmp(a, b, SIZE_MAX); }
+
+int wcsncmp(const char16_t* a, const char16_t* b, std::size_t count) {
+  return CompareFolded(a, b, count, [](char16_t unit) { return unit; });
+}
+
+const char16_t* wcschr(const char16_t* text, char16_t unit) {
+  while (*text != unit) {
+    if (*text++ == 0) return nullptr;
+  }
+  return text;
+}
+
+const char16_t* wcsrchr(const char16_t* text, char16_t unit) {
+  const char16_t* found = nullptr;
+  for (;; ++text) {
+    if (*text == unit) found = text;
+    if (*text == 0) return found;
+  }
+}
+
+const char16_t* wcsstr(const char16_t* text, const char16_t* wanted) {
+  const std::size_t length = wcslen(wanted);
+  if (length == 0) return text;
+  for (; (text = wcschr(text, *wanted)) != nullptr; ++text) {
+    if (wcsncmp(text, wanted, length) == 0) return text;
+  }
+  return nullptr;
+}
+
+int _stricmp(const char* a, const char* b) { return _strnicmp(a, b, SIZE_MAX); }
+
+int _strnicmp(const char* a, const char* b, std::size_t count) {
+  return CompareFolded(a, b, count, LowerByte);
+}
+
+int _wcsicmp(const char16_t* a, const char16_t* b) { return _wcsnicmp(a, b, SIZE_MAX); }
+
+int _wcsnicmp(const char16_t* a, const char16_t* b, std::size_t count) {
+  return CompareFolded(a, b, count, Lower);
+}
+
+char* _strlwr(char* text) {
+  for (char* c = text; *c != 0; ++c) *c = static_cast<char>(LowerByte(*c));
+  return text;
+}
+
+char* _strupr(char* text) {
+  for (char* c = text; *c != 0; ++c) {
+    *c = static_cast<char>(std::toupper(static_cast<unsigned char>(*c)));
+  }
+  return text;
+}
+
+char16_t* _wcslwr(char16_t* text) {
+  for (char16_t* c = text; *c != 0; ++c) *c = Lower(*c);
+  return text;
+}
+
+char16_t* _wcsupr(char16_t* text) {
+  for (char16_t* c = text; *c != 0; ++c) *c = Upper(*c);
+  return text;
+}
+
+std::size_t wcstombs(char* target, const char16_t* source, std::size_t size) {
+  const bool cLocale = IsCLocale();
+  std::size_t written = 0;
+  while (*source != 0) {
+    char bytes[MB_LEN_MAX];
+    const std::wint_t character = NextCharacter(source);
+    const int count = character == WEOF ? -1 : PutCharacter(character, bytes, cLocale);
+    if (count < 0) return Unconvertible();
+    if (target != nullptr) {
+      // A character that doesn't fit whole isn't begun.
+      if (written + static_cast<std::size_t>(count) > size) return written;
+      std::memcpy(target + written, bytes, static_cast<std::size_t>(count));
+    }
+    written += static_cast<std::size_t>(count);
+  }
+  if (target != nullptr && written < size) target[written] = 0;
+  return written;
+}
+
+std::size_t mbstowcs(char16_t* target, const char* source, std::size_t size) {
+  const bool cLocale = IsCLocale();
+  const char* const end = source + std::strlen(source);
+  std::mbstate_t state{};
+  std::size_t written = 0;
+  while (source < end) {
+    wchar_t character = static_cast<unsigned char>(*source);
+    std::size_t taken = 1;
+    if (!cLocale) {
+      taken = std::mbrtowc(&character, source, static_cast<std::size_t>(end - source), &state);
+      if (taken > static_cast<std::size_t>(end - source)) return Unconvertible();
+    }
+    source += taken;
+    char16_t units[2] = {static_cast<char16_t>(character), 0};
+    std::size_t count = 1;
+    if (character >= 0x10000) {
+      units[0] = static_cast<char16_t>(0xD7C0 + (character >> 10));
+      units[1] = static_cast<char16_t>(0xDC00 + (character & 0x3FF));
+      count = 2;
+    }
+    if (target != nullptr) {
+      if (written + count > size) return written;
+      std::copy_n(units, count, target + written);
+    }
+    written += count;
+  }
+  if (target != nullptr && written < size) target[written] = 0;
+  return written;
+}

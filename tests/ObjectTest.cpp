@@ -1,0 +1,125 @@
+#include "kelp0lang/Object.h"
+
+#include <exception>
+#include <thread>
+#include <type_traits>
+#include <vector>
+
+#include "kelp0lang/Exception.h"
+#include "tests/TestText.h"
+
+using namespace kelp;
+
+namespace {
+
+class Counted : public IRefCounter {
+ public:
+  explicit Counted(int* deaths) : m_deaths(deaths) {}
+  Counted(const Counted&) = default;
+  Counted& operator=(const Counted&) = default;
+
+ protected:
+  ~Counted() override { ++*m_deaths; }
+
+ private:
+  int* m_deaths;
+};
+
+TEST(RefCounter, DiesWithTheLastReference) {
+  int deaths = 0;
+  auto* once = new Counted(&deaths);
+  once->SubReference();
+  EXPECT_EQ(deaths, 1);
+
+  auto* twice = new Counted(&deaths);
+  twice->AddReference();
+  auto* copy = new Counted(*twice);
+  copy->SubReference();
+  EXPECT_EQ(deaths, 2) << "a copy counts for itself";
+  auto* other = new Counted(&deaths);
+  *twice = *other;
+  other->SubReference();
+  twice->SubReference();
+  EXPECT_EQ(deaths, 3) << "assignment leaves the count";
+  twice->SubReference();
+  EXPECT_EQ(deaths, 4);
+}
+
+TEST(RefCounter, SentinelKeepsAnObjectAlive) {
+  int deaths = 0;
+  auto* object = new Counted(&deaths);
+  {
+    CRefCounterSentinel sentinel(object);
+    object->SubReference();
+    EXPECT_EQ(deaths, 0);
+  }
+  EXPECT_EQ(deaths, 1);
+}
+
+TEST(RefCounter, ThreadsReleaseOnce) {
+  for (int round = 0; round < 200; ++round) {
+    int deaths = 0;
+    auto* object = new Counted(&deaths);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 3; ++t) {
+      object->AddReference();
+      threads.emplace_back([object] { object->SubReference(); });
+    }
+    object->SubReference();
+    for (std::thread& thread : threads) thread.join();
+    ASSERT_EQ(deaths, 1);
+  }
+}
+
+template <class E, class... Args>
+WString Message(Args... args) {
+  try {
+    throw E(args...);
+  } catch (const std::exception&) {
+    return KTEXT("caught as std::exception");
+  } catch (const IException& e) {
+    return e.GetMsg();
+  }
+}
+
+TEST(Exception, MessagesStartWithTheName) {
+  const WString x(KTEXT("x"));
+  struct {
+    WString plain, withMessage;
+    const WChar* name;
+    const WChar* full;
+  } cases[] = {
+      {Message<CIllegalThreadStateException>(), Message<CIllegalThreadStateException>(x),
+       KTEXT("IllegalThreadStateException"), KTEXT("IllegalThreadStateExceptionx")},
+      {Message<CIndexOutOfBoundsException>(), Message<CIndexOutOfBoundsException>(x),
+       KTEXT("IndexOutOfBoundsException"), KTEXT("IndexOutOfBoundsExceptionx")},
+      {Message<CStringIndexOutOfBoundsException>(), Message<CStringIndexOutOfBoundsException>(x),
+       KTEXT("StringIndexOutOfBoundsException"), KTEXT("StringIndexOutOfBoundsExceptionx")},
+      {Message<CNotImplementedException>(), Message<CNotImplementedException>(x),
+       KTEXT("NotImplementedException"), KTEXT("NotImplementedException: x")},
+      {Message<CNullPointerException>(), Message<CNullPointerException>(x),
+       KTEXT("NullPointerException"), KTEXT("NullPointerExceptionx")},
+      {Message<CVariableNotInitializedException>(), Message<CVariableNotInitializedException>(x),
+       KTEXT("VariableNotInitializedException"), KTEXT("VariableNotInitializedException: x")},
+      {Message<CIOException>(), Message<CIOException>(x), KTEXT("IOException"),
+       KTEXT("IOException: x")},
+      {Message<CFileNotFoundException>(), Message<CFileNotFoundException>(x),
+       KTEXT("FileNotFoundException"), KTEXT("FileNotFoundException: x")},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(c.plain, WString(c.name));
+    EXPECT_EQ(c.withMessage, WString(c.full));
+  }
+  EXPECT_EQ(Message<CExhaustedMemoryException>(), WString(KTEXT("ExhaustedMemoryException")));
+  EXPECT_EQ(Message<CStringIndexOutOfBoundsException>(-3),
+            WString(KTEXT("StringIndexOutOfBoundsException-3")));
+  EXPECT_EQ(Message<CIOException>(WString()), WString(KTEXT("IOException: ")));
+}
+
+TEST(Exception, OnlyTheInputOutputBranchIsPolymorphic) {
+  EXPECT_FALSE(std::is_polymorphic_v<CNullPointerException>);
+  EXPECT_TRUE(std::is_polymorphic_v<IIOException>);
+  EXPECT_THROW(throw CFileNotFoundException(), IIOException);
+}
+
+}  // namespace

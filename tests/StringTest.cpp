@@ -1,0 +1,371 @@
+#include "kelp0lang/String.h"
+
+#include <climits>
+#include <random>
+#include <thread>
+#include <vector>
+
+#include "tests/TestText.h"
+
+using kelp::ConvertString;
+using kelp::String;
+using kelp::WString;
+
+namespace {
+
+constexpr std::uint64_t kAll = ~std::uint64_t{0};
+
+TEST(StringBuffer, EmptyTextIsOneSharedBufferThatIsNeverWritten) {
+  WString a;
+  WString b(a);
+  EXPECT_EQ(a.c_str(), b.c_str());
+  EXPECT_EQ(a.c_str(), WString(static_cast<const WChar*>(nullptr)).c_str());
+
+  WChar* text = a.GetBufferSetLength(3);
+  text[0] = text[1] = text[2] = KTEXT('x');
+  EXPECT_EQ(a, WString(KTEXT("xxx")));
+  EXPECT_TRUE(b.empty());
+  EXPECT_EQ(b.c_str()[0], 0);
+  EXPECT_NE(a.c_str(), b.c_str());
+}
+
+TEST(StringBuffer, CopiesShareUntilOneIsWritten) {
+  const String b("text");
+  String a;
+  a = b;
+  EXPECT_EQ(a.c_str(), b.c_str());
+  a.SetChar(0, 'x');
+  EXPECT_STREQ(a.c_str(), "xext");
+  EXPECT_STREQ(b.c_str(), "text");
+
+  String c(b);
+  c.ReleaseBuffer(2);
+  EXPECT_STREQ(c.c_str(), "te");
+  EXPECT_STREQ(b.c_str(), "text");
+  c = *&c;
+  EXPECT_STREQ(c.c_str(), "te");
+}
+
+TEST(StringBuffer, CapacityIsExactAndKept) {
+  String a("abc");
+  EXPECT_EQ(a.Capacity(), 3);
+  a += "de";
+  EXPECT_EQ(a.Capacity(), 5);
+  const char* before = a.c_str();
+  a.GetBufferAsCString(2);
+  EXPECT_EQ(a.c_str(), before);
+  EXPECT_EQ(a.Length(), 5);
+  char* room = a.GetBufferAsCString(10);
+  EXPECT_EQ(a.Capacity(), 10);
+  EXPECT_STREQ(room, "abcde");
+  room[2] = 0;
+  a.ReleaseBuffer(-1);
+  EXPECT_EQ(a.Length(), 2);
+
+  a.resize(4, 'z');
+  EXPECT_STREQ(a.c_str(), "abzz");
+  a.resize(1, 'q');
+  EXPECT_STREQ(a.c_str(), "a");
+  EXPECT_EQ(a.Capacity(), 10);
+  a.resize(0);
+  a.Empty();
+  EXPECT_EQ(a.Capacity(), 10) << "a string without text keeps its buffer";
+}
+
+TEST(StringBuffer, RangesReachNoFurtherThanTheText) {
+  const String abcdef("abcdef");
+  EXPECT_EQ(String(abcdef, 1, 3), String("bcd"));
+  EXPECT_EQ(String(abcdef, 4, 100), String("ef"));
+  EXPECT_EQ(String(abcdef, 9, 2), String());
+  EXPECT_EQ(String("abcdef", 2, 3), String("cde"));
+  EXPECT_EQ(String("abcdef", 4, INT_MAX), String("ef"));
+  EXPECT_EQ(WString(KTEXT("abc"), 0, -1), WString());
+  EXPECT_EQ(abcdef.Substring(3, 100), String("def"));
+}
+
+TEST(StringConcat, AppendsInPlaceAlsoItself) {
+  WString a(KTEXT("ab"));
+  a += a;
+  EXPECT_EQ(a, WString(KTEXT("abab")));
+  a += a.c_str() + 1;
+  EXPECT_EQ(a, WString(KTEXT("ababbab")));
+  a = a.c_str() + 4;
+  EXPECT_EQ(a, WString(KTEXT("bab")));
+  a += static_cast<const WChar*>(nullptr);
+  EXPECT_EQ(a.Length(), 3);
+
+  const WString result = a.append(WString(KTEXT("!")));
+  EXPECT_EQ(result.c_str(), a.c_str()) << "append gives a shared copy";
+
+  a += WChar{0};
+  EXPECT_EQ(a.Length(), 5);
+  a.append(WChar{0});
+  EXPECT_EQ(a.Length(), 5);
+  a = WChar{0};
+  EXPECT_EQ(a.Length(), 1);
+}
+
+TEST(StringConcat, JoinsIntoNewText) {
+  const String a("ab");
+  EXPECT_EQ(a + 'c', String("abc"));
+  EXPECT_EQ(a + "cd", String("abcd"));
+  EXPECT_EQ('x' + a, String("xab"));
+  EXPECT_EQ("xy" + a, String("xyab"));
+  EXPECT_EQ(a.Concat(String("!")), String("ab!"));
+  EXPECT_EQ(String().Concat(String()).c_str(), String().c_str());
+  EXPECT_EQ((WString(KTEXT("a")) + KTEXT("b")).Capacity(), 2);
+}
+
+TEST(StringSearch, FindsTextAndUnitsFromAPosition) {
+  const String abc("abc");
+  EXPECT_EQ(abc.IndexOf(String(""), 3), -1);
+  EXPECT_EQ(abc.IndexOf(String(""), 2), 2);
+  EXPECT_EQ(String().IndexOf(String(), 0), -1);
+  EXPECT_EQ(abc.IndexOf(String("bc"), -7), 1);
+  EXPECT_EQ(abc.IndexOf('c', 0), 2);
+  EXPECT_EQ(abc.find('\0', 0), -1) << "never the terminator";
+
+  EXPECT_EQ(abc.LastIndexOf(String(""), 10), 3);
+  EXPECT_EQ(abc.LastIndexOf(String("bc"), 1), 1);
+  EXPECT_EQ(abc.LastIndexOf(String("bc"), 0), -1);
+  EXPECT_EQ(abc.LastIndexOf('a', -5), 0);
+  EXPECT_EQ(abc.LastIndexOf('b', -5), -1);
+  EXPECT_EQ(abc.LastIndexOf(String("a"), -5), -1);
+  EXPECT_EQ(abc.LastIndexOf('c', 99), 2);
+  EXPECT_EQ(abc.rfind(String("")), 2);
+  EXPECT_EQ(String().rfind(String("")), -1);
+  EXPECT_EQ(abc.rfind('a'), 0);
+
+  WString zero(KTEXT("ab?ab"));
+  zero.SetChar(2, 0);
+  EXPECT_EQ(zero.IndexOf(WChar{0}), 2);
+  EXPECT_EQ(zero.IndexOf(WString(KTEXT("ab")), 1), -1) << "a text search stops at a zero unit";
+  EXPECT_EQ(zero.IndexOf(WString(KTEXT("ab")), 3), 3);
+}
+
+// Every length and place around the width of a block, against a plain search.
+TEST(StringSearch, AgreesWithAPlainSearchAtEveryLength) {
+  for (int length = 1; length <= 70; ++length) {
+    WString text;
+    text.resize(length, KTEXT('a'));
+    for (int place = 0; place < length; ++place) {
+      WString marked(text);
+      marked.SetChar(place, KTEXT('b'));
+      ASSERT_EQ(marked.IndexOf(KTEXT('b')), place);
+      ASSERT_EQ(marked.IndexOf(KTEXT('b'), place + 1), -1);
+      ASSERT_EQ(marked.IndexOf(WString(KTEXT("ab"))), place == 0 ? -1 : place - 1);
+      ASSERT_EQ(marked.IndexOf(WString(KTEXT("ba"))), place == length - 1 ? -1 : place);
+      ASSERT_EQ(marked.LastIndexOf(WString(KTEXT("ab")), length), place == 0 ? -1 : place - 1);
+    }
+  }
+}
+
+TEST(StringSearch, PrefixSuffixAndRegion) {
+  const String abc("abc");
+  EXPECT_TRUE(abc.StartsWith(String(""), 0));
+  EXPECT_FALSE(String("").StartsWith(String(""), 0));
+  EXPECT_TRUE(abc.StartsWith(String("bc"), 1));
+  EXPECT_FALSE(abc.StartsWith(String("bc"), -1));
+  EXPECT_FALSE(abc.StartsWith(String(""), 3));
+  EXPECT_FALSE(abc.EndsWith(String("")));
+  EXPECT_FALSE(abc.EndsWith(String("abcd")));
+  EXPECT_TRUE(abc.EndsWith(String("bc")));
+
+  EXPECT_TRUE(abc.RegionMatches(1, String("xBC"), 1, 2, true));
+  EXPECT_FALSE(abc.RegionMatches(1, String("xBC"), 1, 2, false));
+  EXPECT_FALSE(abc.RegionMatches(2, String("xBC"), 1, 2, true));
+  EXPECT_FALSE(abc.RegionMatches(-1, String("xBC"), 1, 2, true));
+  EXPECT_TRUE(abc.RegionMatches(3, String("x"), 1, 0, false));
+  EXPECT_TRUE(abc.RegionMatches(1, "xbcd", 1, 2, false));
+  EXPECT_TRUE(abc.RegionMatches(1, "bc", 0, 99, false)) << "the terminators end it";
+  EXPECT_TRUE(abc.RegionMatches(0, "x", 0, 0, false));
+}
+
+TEST(StringSearch, ComparesUnitsAsUnsigned) {
+  EXPECT_EQ(String("\x80").Compare("a"), 1);
+  EXPECT_EQ(String("ab").Compare("abc"), -1);
+  EXPECT_EQ(WString(KTEXT("\xFFFF")).Compare(KTEXT("a")), 1);
+  EXPECT_EQ(WString(KTEXT("a")).Compare(KTEXT("a")), 0);
+  EXPECT_EQ(WString(KTEXT("AbC")).CompareIgnoreCase(KTEXT("aBc")), 0);
+  EXPECT_LT(WString(KTEXT("a")).CompareIgnoreCase(KTEXT("B")), 0);
+  EXPECT_LT(String("a"), String("\x80"));
+  EXPECT_LT(WString(KTEXT("a")), WString(KTEXT("ab")));
+}
+
+TEST(StringDerive, EraseInsertAndParts) {
+  const String abcdef("abcdef");
+  EXPECT_EQ(abcdef.Erase(2, -1), String("ab"));
+  EXPECT_EQ(abcdef.Erase(2, 100), String("ab"));
+  EXPECT_EQ(abcdef.Erase(2, INT_MAX), String("ab"));
+  EXPECT_EQ(abcdef.Erase(1, 2), String("adef"));
+  EXPECT_EQ(abcdef.Erase(7, 1).c_str(), abcdef.c_str());
+
+  const String abc("abc");
+  EXPECT_EQ(abc.Insert(1, "xy", -1), String("axybc"));
+  EXPECT_EQ(abc.Insert(-3, "xy", 1), String("xabc"));
+  EXPECT_EQ(abc.insert(3, '!'), String("abc!"));
+  const String padded = abc.Insert(1, "x", 3);
+  EXPECT_EQ(padded.Length(), 6);
+  EXPECT_EQ(std::string(padded.c_str(), 6), std::string("ax\0\0bc", 6));
+  String target(abc);
+  EXPECT_EQ(target.assign(String("xy"), 1, kAll), String("axybc"));
+  EXPECT_EQ(target, String("axybc"));
+  EXPECT_EQ(target.assign(String("xy"), 0, 1), String("xaxybc"));
+
+  EXPECT_EQ(abc.substr(1, -1), String("bc"));
+  EXPECT_EQ(abc.substr(1, 100), String("bc"));
+  EXPECT_EQ(abc.substr(5), String());
+  EXPECT_EQ(abc.Substring(-1, 2), String());
+  EXPECT_EQ(abc.Substring(0, 3).c_str(), abc.c_str());
+}
+
+TEST(StringDerive, ReplaceTrimAndCase) {
+  EXPECT_EQ(String("a.b.a").Replace('a', 'c'), String("c.b.c"));
+  EXPECT_EQ(WString(KTEXT("MiXed")).ToLowerCase(), WString(KTEXT("mixed")));
+  EXPECT_EQ(String("MiXed").ToUpperCase(), String("MIXED"));
+
+  const WString padded(KTEXT(" \t ab \n"));
+  EXPECT_EQ(padded.TrimLeft(), WString(KTEXT("ab \n")));
+  EXPECT_EQ(padded.TrimRight(), WString(KTEXT(" \t ab")));
+  EXPECT_EQ(padded.Trim(), WString(KTEXT("ab")));
+  EXPECT_EQ(WString(KTEXT(" \n ")).Trim(), WString());
+  EXPECT_EQ(String("--a--").TrimLeft('-').TrimRight('-'), String("a"));
+  const WString plain(KTEXT("ab"));
+  EXPECT_EQ(plain.TrimLeft().c_str(), plain.c_str());
+}
+
+TEST(StringDerive, ReplacesInPlace) {
+  struct {
+    const WChar* text;
+    const WChar* from;
+    const WChar* to;
+    int count;
+    const WChar* result;
+  } cases[] = {
+      {KTEXT("a.b.a"), KTEXT("a"), KTEXT("xyz"), 2, KTEXT("xyz.b.xyz")},
+      {KTEXT("a.b.a"), KTEXT("a"), nullptr, 2, KTEXT(".b.")},
+      {KTEXT("a.b.a"), KTEXT(""), KTEXT("x"), 0, KTEXT("a.b.a")},
+      {KTEXT("a.b.a"), nullptr, KTEXT("x"), 0, KTEXT("a.b.a")},
+      {KTEXT("aaaa"), KTEXT("aa"), KTEXT("aaa"), 2, KTEXT("aaaaaa")},
+      {KTEXT("aXbX"), KTEXT("X"), KTEXT("Y"), 2, KTEXT("aYbY")},
+      {KTEXT(""), KTEXT("X"), KTEXT("Y"), 0, KTEXT("")},
+  };
+  for (const auto& c : cases) {
+    WString text(c.text);
+    const WString other(text);
+    EXPECT_EQ(text.ReplaceInPlace(c.from, c.to), c.count);
+    EXPECT_EQ(text, WString(c.result));
+    EXPECT_EQ(other, WString(c.text));
+  }
+
+  WString zero(KTEXT("a?a?"));
+  zero.SetChar(1, 0);
+  zero.SetChar(3, 0);
+  EXPECT_EQ(zero.ReplaceInPlace(KTEXT("a"), KTEXT("bc")), 2);
+  EXPECT_EQ(zero.Length(), 6);
+  EXPECT_EQ(zero.GetChar(2), 0);
+  EXPECT_EQ(zero.GetChar(4), KTEXT('c'));
+
+  WString own(KTEXT("ab"));
+  EXPECT_EQ(own.ReplaceInPlace(own.c_str() + 1, own.c_str()), 1);
+  EXPECT_EQ(own, WString(KTEXT("aab")));
+}
+
+TEST(StringUtf8, DecodesEveryKindOfSequence) {
+  struct {
+    const char* bytes;
+    const WChar* units;
+  } cases[] = {
+      {"", KTEXT("")},
+      {"plain", KTEXT("plain")},
+      {"citt\xC3\xA0", KTEXT("citt\x00E0")},
+      {"\xE2\x82\xAC", KTEXT("\x20AC")},
+      {"\xF0\x9F\x98\x80", KTEXT("\xD83D\xDE00")},
+      {"\x85", KTEXT("\x0085")},
+      {"\xFF", KTEXT("\x00FF")},
+      {"\xC1\x81", KTEXT("A")},               // overlong
+      {"\xED\xA0\xBD", KTEXT("\xD83D")},      // a surrogate value
+      {"\xC3" "A", KTEXT("\x00C1")},          // continuation bytes are only masked
+      {"ab\xE2\x82", KTEXT("ab\x2080")},      // cut short: zero bits follow
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(String(c.bytes).FromUtf8(), WString(c.units)) << c.bytes;
+    EXPECT_EQ(WString::ConvertFromUtf8(c.bytes), WString(c.units)) << c.bytes;
+  }
+  EXPECT_EQ(WString::ConvertFromUtf8(nullptr), WString());
+}
+
+TEST(StringUtf8, EncodesPairsAndLoneSurrogates) {
+  EXPECT_EQ(WString(KTEXT("\xD83D\xDE00")).ToUtf8(), String("\xF0\x9F\x98\x80"));
+  EXPECT_EQ(WString(KTEXT("\xDE00")).ToUtf8(), String("\xED\xB8\x80"));
+  EXPECT_EQ(WString(KTEXT("x\xD83D")).ToUtf8(), String("x\xED\xA0\xBD"));
+  // A high surrogate is joined with whatever follows: (0xD83D << 10) + 'A' - 0x035FDC00.
+  EXPECT_EQ(String::ConvertToUtf8(KTEXT("\xD83D" "A")), String("\xF0\x91\xA1\x81"));
+}
+
+// All code points, alone and in text long enough for blocks and for two passes.
+TEST(StringUtf8, RoundTripsAllCodePoints) {
+  WString all;
+  WChar* unit = all.GetBufferSetLength(0x10000 + 0x100000 * 2);
+  const WChar* begin = unit;
+  for (unsigned value = 1; value < 0x110000; ++value) {
+    if (value >= 0xD800 && value < 0xE000) continue;
+    if (value < 0x10000) {
+      *unit++ = static_cast<WChar>(value);
+    } else {
+      *unit++ = static_cast<WChar>(0xD7C0 + (value >> 10));
+      *unit++ = static_cast<WChar>(0xDC00 + (value & 0x3FF));
+    }
+  }
+  all.ReleaseBuffer(static_cast<int>(unit - begin));
+  EXPECT_EQ(all.ToUtf8().FromUtf8(), all);
+
+  std::mt19937 random(5);
+  for (int round = 0; round < 2000; ++round) {
+    const int start = static_cast<int>(random() % 0x10000);
+    WString part = all.Substring(start, 1 + static_cast<int>(random() % 200));
+    // A pair that is cut in two would be joined with the unit that follows.
+    const WChar last = part.GetChar(part.Length() - 1);
+    if (last >= 0xD800 && last <= 0xDBFF) part.resize(part.Length() - 1);
+    const WString mixed = WString(KTEXT("0123456789abcdefghi")).Concat(part) + KTEXT("0123456789");
+    const String bytes = mixed.ToUtf8();
+    EXPECT_EQ(bytes.Capacity(), bytes.Length());
+    ASSERT_EQ(bytes.FromUtf8(), mixed);
+  }
+}
+
+TEST(StringLocale, ConvertsByTheProcessLocale) {
+  EXPECT_EQ(ConvertString(KTEXT("plain"), 0), String("plain"));
+  EXPECT_EQ(ConvertString("plain", 2, 0), WString(KTEXT("ain")));
+  EXPECT_EQ(ConvertString(static_cast<const char*>(nullptr), 0), WString());
+  EXPECT_EQ(String::AcceptString(KTEXT("a\x20AC")), String()) << "no partial text";
+  EXPECT_EQ(WString::AcceptString("caff\xE8", 99), WString(KTEXT("caff\x00E8")));
+
+  LocaleScope german(LC_ALL, kGermanLocale);
+  ASSERT_TRUE(german.Ok());
+  const WString umlaut(KTEXT("Gr\x00FC\x00DF" "e"));
+  EXPECT_EQ(WString::AcceptString(String::AcceptString(umlaut.c_str()).c_str()), umlaut);
+}
+
+// Under the thread sanitizer this shows that handles of one buffer can be copied, changed and
+// destroyed from many threads.
+TEST(StringThreads, HandlesOnOneBufferAreIndependent) {
+  const WString shared(KTEXT("shared text"));
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([shared, t] {
+      for (int i = 0; i < 2000; ++i) {
+        WString own(shared);
+        const WString empty;
+        own.SetChar(0, static_cast<WChar>('a' + t));
+        own += own;
+        ASSERT_EQ(own.GetChar(shared.Length()), 'a' + t);
+        ASSERT_EQ(shared.GetChar(0), 's');
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(shared, WString(KTEXT("shared text")));
+}
+
+}  // namespace

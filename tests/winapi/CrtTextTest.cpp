@@ -1,0 +1,73 @@
+// The C runtime's text functions.
+#include <gtest/gtest.h>
+#include <tchar.h>
+#include <windows.h>
+
+#include <cerrno>
+#include <clocale>
+#include <cstdlib>
+#include <cwchar>
+
+#ifdef _WIN32
+#define WTEXT(text) L##text
+#else
+#define WTEXT(text) u##text
+#endif
+
+namespace {
+
+TEST(CrtText, ComparesAndFinds) {
+  EXPECT_EQ(wcslen(WTEXT("abc")), 3u);
+  EXPECT_LT(wcscmp(WTEXT("ab"), WTEXT("b")), 0);
+  EXPECT_GT(wcscmp(WTEXT("\xFFFF"), WTEXT("a")), 0);
+  EXPECT_EQ(wcsncmp(WTEXT("abX"), WTEXT("abY"), 2), 0);
+  EXPECT_EQ(wcsncmp(WTEXT("a"), WTEXT("b"), 0), 0);
+
+  const WCHAR* text = WTEXT("a.b.c");
+  EXPECT_EQ(wcschr(text, '.'), text + 1);
+  EXPECT_EQ(wcsrchr(text, '.'), text + 3);
+  EXPECT_EQ(wcschr(text, 'x'), nullptr);
+  EXPECT_EQ(wcschr(text, 0), text + 5);
+  EXPECT_EQ(wcsstr(text, WTEXT(".c")), text + 3);
+  EXPECT_EQ(wcsstr(text, WTEXT("")), text);
+  EXPECT_EQ(wcsstr(text, WTEXT(".x")), nullptr);
+}
+
+TEST(CrtText, FoldsCase) {
+  EXPECT_EQ(_stricmp("AbC", "aBc"), 0);
+  EXPECT_LT(_stricmp("a", "B"), 0);
+  EXPECT_LT(_wcsicmp(WTEXT("_"), WTEXT("A")), 0) << "compared as lower case";
+  EXPECT_EQ(_strnicmp("abX", "ABy", 2), 0);
+  EXPECT_NE(_wcsnicmp(WTEXT("abX"), WTEXT("ABy"), 3), 0);
+
+  char narrow[] = "aB1";
+  EXPECT_STREQ(_strupr(narrow), "AB1");
+  EXPECT_STREQ(_strlwr(narrow), "ab1");
+  WCHAR wide[] = WTEXT("aB1\x00C0");
+  EXPECT_EQ(wcscmp(_wcslwr(wide), WTEXT("ab1\x00C0")), 0) << "the C locale knows ASCII letters";
+  EXPECT_EQ(wcscmp(_wcsupr(wide), WTEXT("AB1\x00C0")), 0);
+}
+
+TEST(CrtText, ConvertsBytesOneToOneInTheCLocale) {
+  ASSERT_STREQ(setlocale(LC_CTYPE, nullptr), "C");
+  EXPECT_EQ(wcstombs(nullptr, WTEXT("a\x00E0"), 0), 2u);
+  char narrow[4] = "???";
+  EXPECT_EQ(wcstombs(narrow, WTEXT("a\x00E0"), 4), 2u);
+  EXPECT_STREQ(narrow, "a\xE0");
+  WCHAR wide[4] = {'?', '?', '?', '?'};
+  EXPECT_EQ(mbstowcs(wide, "\xE0z", 4), 2u);
+  EXPECT_EQ(wcscmp(wide, WTEXT("\x00E0z")), 0);
+
+  errno = 0;
+  EXPECT_EQ(wcstombs(narrow, WTEXT("\x20AC"), 4), static_cast<size_t>(-1));
+  EXPECT_EQ(errno, EILSEQ);
+}
+
+TEST(CrtText, WritesNoTerminatorWithoutRoom) {
+  char narrow[4] = "xyz";
+  EXPECT_EQ(wcstombs(narrow, WTEXT("ab"), 2), 2u);
+  EXPECT_STREQ(narrow, "abz");
+  EXPECT_EQ(mbstowcs(static_cast<WCHAR*>(nullptr), "abc", 0), 3u);
+}
+
+}  // namespace
