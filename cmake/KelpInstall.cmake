@@ -1,0 +1,30 @@
+# cmake --install lays out the libraries, their headers under the names that sources use, and a CMake
+# package: find_package(kelp0lang) gives kelp0lang::kelp0lang.
+include(CMakePackageConfigHelpers)
+
+set(libraries kelp0lang sarnutils)
+if(NOT WIN32)
+  list(APPEND libraries winapi)
+  install(DIRECTORY common/winapi/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/winapi)
+endif()
+install(TARGETS ${libraries} EXPORT kelp0langTargets
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY common/kelp/kelp0lang DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+        FILES_MATCHING PATTERN "*.h"
+        PATTERN "TextScan.h" EXCLUDE
+        PATTERN "Utf8.h" EXCLUDE)
+install(DIRECTORY common/sarnutils DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+        FILES_MATCHING PATTERN "*.h")
+install(EXPORT kelp0langTargets NAMESPACE kelp0lang::
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/kelp0lang)
+
+configure_package_config_file(cmake/kelp0langConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/kelp0langConfig.cmake
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/kelp0lang)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/kelp0langConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/kelp0langConfig.cmake
+              ${PROJECT_BINARY_DIR}/kelp0langConfigVersion.cmake
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/kelp0lang)

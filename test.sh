@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# Builds and runs the tests.
+#   ./test.sh            on Linux
+#   ./test.sh windows    built for Windows by mingw-w64, run under Wine
+#   ./test.sh asan       under the address and undefined-behaviour sanitizers, fuzzers included
+#   ./test.sh ubsan      under the undefined-behaviour sanitizer alone
+#   ./test.sh tsan       under the thread sanitizer
+#   ./test.sh all        all of these
+set -euo pipefail
+cd "$(dirname "$0")"
+. scripts/setup.sh
+
+run_linux() {
+  need_compiler
+  need_packages libgtest-dev
+  need_german_locale
+  build "$1"
+  ctest --preset "$1"
+}
+
+run_sanitizer() {
+  need_packages clang libclang-rt-14-dev
+  run_linux "$1"
+}
+
+run_windows() {
+  need_compiler
+  need_packages g++-mingw-w64-x86-64-posix wine64 googletest
+  build windows
+  # A Windows of the build's own, made before several tests start at once.
+  export WINEPREFIX=$root/build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+  [ -f "$WINEPREFIX/system.reg" ] || /usr/lib/wine/wine64 wineboot --init >&2
+  ctest --preset windows
+}
+
+case "${1:-linux}" in
+  linux) run_linux release ;;
+  windows) run_windows ;;
+  asan | ubsan | tsan) run_sanitizer "$1" ;;
+  all)
+    run_linux release
+    run_windows
+    for sanitizer in asan ubsan tsan; do run_sanitizer "$sanitizer"; done
+    ;;
+  *) die "unknown kind of run '$1'; there are: windows, asan, ubsan, tsan, all" ;;
+esac
