@@ -9,8 +9,10 @@
 // locale bytes and units from 0 to 255 stand for each other, and case is that of the ASCII letters.
 #pragma once
 
+#include <locale.h>
 #include <stddef.h>
 #include <stdio.h>
+#include <wchar.h>
 
 #include "winapi_export.h"
 
@@ -39,3 +41,32 @@ WINAPI_EXPORT char16_t* _wcsupr(char16_t* text);
 // (size_t)-1 and EILSEQ. At most size units are written, the terminator only if there is room.
 WINAPI_EXPORT size_t wcstombs(char* target, const char16_t* source, size_t size);
 WINAPI_EXPORT size_t mbstowcs(char16_t* target, const char* source, size_t size);
+
+// Numbers at the begin of a text, leading white space skipped. Text without one gives 0. The whole
+// numbers have 32 bits, as there: a larger value gives the nearest that fits, and ERANGE.
+WINAPI_EXPORT int _wtoi(const char16_t* text);
+WINAPI_EXPORT long _wtol(const char16_t* text);
+// Decimal, with the decimal point of the locale.
+WINAPI_EXPORT double _wtof(const char16_t* text);
+
+// A locale as an object, which changes nothing in the process. A name that the machine doesn't know
+// gives null. The category is one of <locale.h>; the rest of the object stays "C".
+typedef locale_t _locale_t;
+WINAPI_EXPORT _locale_t _create_locale(int category, const char* name);
+// A copy of the locale that the calling thread runs under, for _free_locale too.
+WINAPI_EXPORT _locale_t _get_current_locale();
+// A null locale is no error.
+WINAPI_EXPORT void _free_locale(_locale_t locale);
+
+// The number that text begins with: white space, a sign, digits with the locale's decimal point, and
+// an exponent behind "e" or "E". Other text gives 0. A null locale means the current one.
+WINAPI_EXPORT double _atof_l(const char* text, _locale_t locale);
+WINAPI_EXPORT double _wtof_l(const char16_t* text, _locale_t locale);
+
+// Wide text into a stream as multibyte text of the locale. A character that has no such form gives
+// WEOF and EILSEQ, and nothing of the text is written. fputwc takes a whole character.
+WINAPI_EXPORT int fputws(const char16_t* text, FILE* file);
+WINAPI_EXPORT wint_t fputwc(char16_t unit, FILE* file);
+// Keeps other threads off a stream; a thread may lock it more than once.
+WINAPI_EXPORT void _lock_file(FILE* file);
+WINAPI_EXPORT void _unlock_file(FILE* file);

@@ -1,4 +1,8 @@
 // The subset of the Windows API that the libraries call, by the names and headers of the SDK.
 #pragma once
 
+#include "errhandlingapi.h"
+#include "stringapiset.h"
+#include "synchapi.h"
 #include "windef.h"
+#include "winerror.h"

@@ -1,0 +1,350 @@
+#include "kelp0lang/DecimalText.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+namespace kelp::detail {
+
+namespace {
+
+using Wide = unsigned __int128;
+
+constexpr int kFractionBits = 52;
+constexpr int kExponentBias = 1023;
+constexpr std::uint64_t kFractionMask = (std::uint64_t{1} << kFractionBits) - 1;
+constexpr std::uint64_t kHiddenBit = std::uint64_t{1} << kFractionBits;
+
+constexpr auto kPowersOf10 = [] {
+  std::array<std::uint64_t, 20> powers{1};
+  for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
+  return powers;
+}();
+
+// "00", "01" to "99".
+template <class C>
+constexpr auto kDigitPairs = [] {
+  std::array<C, 200> pairs{};
+  for (int i = 0; i < 100; ++i) {
+    pairs[2 * i] = static_cast<C>('0' + i / 10);
+    pairs[2 * i + 1] = static_cast<C>('0' + i % 10);
+  }
+  return pairs;
+}();
+
+// Mantissa and exponent of a finite magnitude: mantissa * 2^exponent.
+struct BinaryParts {
+  std::uint64_t mantissa;
+  int exponent;
+};
+
+BinaryParts Split(std::uint64_t bits) {
+  const int biased = static_cast<int>(bits >> kFractionBits & 0x7FF);
+  const std::uint64_t fraction = bits & kFractionMask;
+  return {biased == 0 ? fraction : fraction | kHiddenBit,
+          std::max(biased, 1) - kExponentBias - kFractionBits};
+}
+
+int CountDigits(std::uint64_t value) {
+  value |= 1;  // 0 has one digit too
+  const int guess = std::bit_width(value) * 1233 >> 12;
+  return guess + (value >= kPowersOf10[guess]);
+}
+
+// Exactly count digits, with leading zeros.
+template <class C>
+void WriteDigits(C* target, std::uint64_t value, int count) {
+  for (; count >= 2; value /= 100) {
+    count -= 2;
+    std::memcpy(target + count, &kDigitPairs<C>[value % 100 * 2], 2 * sizeof(C));
+  }
+  if (count == 1) *target = static_cast<C>('0' + value);
+}
+
+// A magnitude below 2^63 as its whole part and its decimals, which count in units of
+// 10^-decimals.
+struct FixedParts {
+  std::uint64_t whole;
+  std::uint64_t decimals;
+};
+
+FixedParts RoundToDecimals(const BinaryParts& value, int decimals) {
+  if (value.exponent >= 0) return {value.mantissa << value.exponent, 0};
+  const int shift = -value.exponent;
+  const std::uint64_t whole = shift < 64 ? value.mantissa >> shift : 0;
+  const std::uint64_t fraction = shift < 64 ? value.mantissa - (whole << shift) : value.mantissa;
+  // The scaled fraction has at most 53 + 57 bits, so behind this shift it rounds to nothing.
+  if (shift > 120) return {whole, 0};
+
+  const std::uint64_t scale = kPowersOf10[decimals];
+  const Wide scaled = Wide{fraction} * scale;
+  auto result = static_cast<std::uint64_t>(scaled >> shift);
+  const Wide rest = scaled - (Wide{result} << shift);
+  const Wide half = Wide{1} << (shift - 1);
+  const bool odd = ((decimals == 0 ? whole : result) & 1) != 0;
+  if (rest > half || (rest == half && odd)) ++result;
+  if (result == scale) return {whole + 1, 0};
+  return {whole, result};
+}
+
+}  // namespace
+
+template <class C>
+int WriteFixed(C* target, double value, int decimals, C point) {
+  const auto bits = std::bit_cast<std::uint64_t>(value);
+  const BinaryParts binary = Split(bits);
+  if (binary.exponent > 62 - kFractionBits || decimals < 0 || decimals > kMaxFixedDecimals) {
+    return -1;
+  }
+  const FixedParts parts = RoundToDecimals(binary, decimals);
+  C* end = target;
+  if (bits >> 63 != 0) *end++ = '-';
+  const int digits = CountDigits(parts.whole);
+  WriteDigits(end, parts.whole, digits);
+  end += digits;
+  if (decimals > 0) {
+    *end++ = point;
+    WriteDigits(end, parts.decimals, decimals);
+    end += decimals;
+  }
+  return static_cast<int>(end - target);
+}
+
+template int WriteFixed(char*, double, int, char);
+template int WriteFixed(WChar*, double, int, WChar);
+
+namespace {
+
+// Significant digits behind the first, and decimals, that suffice for every double.
+constexpr int kMaxScientificDecimals = 766;
+constexpr int kMaxDecimals = 1074;
+constexpr int kHexDigits = kFractionBits / 4;
+
+std::size_t Size(const char* begin, const char* end) {
+  return static_cast<std::size_t>(end - begin);
+}
+
+// Moves what stands from the letter of the exponent on into the tail.
+void SplitExponent(FloatText& out, char* end) {
+  char* letter = std::find(out.body, end, 'e');
+  out.bodySize = Size(out.body, letter);
+  out.tailSize = Size(letter, end);
+  std::memcpy(out.tail, letter, out.tailSize);
+}
+
+void SpellFixed(FloatText& out, double magnitude, int precision) {
+  const int decimals = std::min(precision, kMaxDecimals);
+  const char* end =
+      std::to_chars(out.body, std::end(out.body), magnitude, std::chars_format::fixed, decimals)
+          .ptr;
+  out.bodySize = Size(out.body, end);
+  out.zeros = static_cast<std::size_t>(precision - decimals);
+  out.tailSize = 0;
+}
+
+void SpellScientific(FloatText& out, double magnitude, int precision) {
+  const int decimals = std::min(precision, kMaxScientificDecimals);
+  char* end = std::to_chars(out.body, std::end(out.body), magnitude, std::chars_format::scientific,
+                            decimals)
+                  .ptr;
+  SplitExponent(out, end);
+  out.zeros = static_cast<std::size_t>(precision - decimals);
+}
+
+// By the exponent that the number has when rounded to precision digits; trailing zeros stay only
+// under the flag '#'.
+void SpellGeneral(FloatText& out, double magnitude, int precision, bool alternate) {
+  precision = std::max(precision, 1);
+  if (!alternate) {
+    char* end = std::to_chars(out.body, std::end(out.body), magnitude, std::chars_format::general,
+                              std::min(precision, kMaxScientificDecimals + 1))
+                    .ptr;
+    SplitExponent(out, end);
+    out.zeros = 0;
+    return;
+  }
+  SpellScientific(out, magnitude, precision - 1);
+  int exponent = 0;
+  std::from_chars(out.tail + 2, out.tail + out.tailSize, exponent);
+  if (out.tail[1] == '-') exponent = -exponent;
+  if (exponent >= -4 && exponent < precision) SpellFixed(out, magnitude, precision - 1 - exponent);
+}
+
+// Mantissa and exponent of 2; zero and numbers below the normal ones lead with 0.
+void SpellHex(FloatText& out, double magnitude, int precision) {
+  BinaryParts binary = Split(std::bit_cast<std::uint64_t>(magnitude));
+  const int exponent = binary.mantissa == 0 ? 0 : binary.exponent + kFractionBits;
+  const int digits = std::min(precision, kHexDigits);
+  const int dropped = (kHexDigits - digits) * 4;
+  if (dropped > 0) {
+    const std::uint64_t rest = binary.mantissa & ((std::uint64_t{1} << dropped) - 1);
+    const std::uint64_t half = std::uint64_t{1} << (dropped - 1);
+    binary.mantissa >>= dropped;
+    if (rest > half || (rest == half && (binary.mantissa & 1) != 0)) ++binary.mantissa;
+  }
+  out.body[0] = static_cast<char>('0' + (binary.mantissa >> (digits * 4)));
+  out.body[1] = '.';
+  for (int i = 0; i < digits; ++i) {
+    out.body[2 + i] = "0123456789abcdef"[binary.mantissa >> ((digits - 1 - i) * 4) & 0xF];
+  }
+  out.bodySize = digits == 0 ? 1 : static_cast<std::size_t>(digits) + 2;
+  out.zeros = static_cast<std::size_t>(precision - digits);
+  out.tail[0] = 'p';
+  out.tail[1] = exponent < 0 ? '-' : '+';
+  const char* end = std::to_chars(out.tail + 2, std::end(out.tail), std::abs(exponent)).ptr;
+  out.tailSize = Size(out.tail, end);
+}
+
+}  // namespace
+
+void SpellFloat(FloatText& out, double magnitude, char conversion, int precision, bool alternate) {
+  if (precision < 0) precision = conversion == 'a' ? kHexDigits : 6;
+  switch (conversion) {
+    case 'f':
+      SpellFixed(out, magnitude, precision);
+      break;
+    case 'e':
+      SpellScientific(out, magnitude, precision);
+      break;
+    case 'a':
+      SpellHex(out, magnitude, precision);
+      break;
+    default:
+      SpellGeneral(out, magnitude, precision, alternate);
+      break;
+  }
+  if (alternate && std::memchr(out.body, '.', out.bodySize) == nullptr) {
+    out.body[out.bodySize++] = '.';
+  }
+}
+
+namespace {
+
+// Powers of ten that a double holds exactly.
+constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int kMaxExactPower = 22;
+// Digits that always fit into 64 bits.
+constexpr std::ptrdiff_t kMaxExactDigits = 19;
+
+template <class C>
+bool IsBlank(C unit) {
+  return unit == ' ' || (unit >= '\t' && unit <= '\r');
+}
+
+template <class C>
+bool IsDigit(C unit) {
+  return unit >= '0' && unit <= '9';
+}
+
+// The parts of a number in text; where there is no exponent, it is 0.
+template <class C>
+struct Scan {
+  const C* digits;          // the whole part, then perhaps a point and the decimals
+  const C* end;             // behind the last digit or the point
+  std::ptrdiff_t whole;     // digits before the point
+  std::ptrdiff_t decimals;  // digits behind it
+  std::int64_t exponent;
+  std::uint64_t mantissa;  // all digits as one number, modulo 2^64
+};
+
+// The exponent behind a number; text that isn't one has the exponent 0.
+template <class C>
+std::int64_t ReadExponent(const C* text) {
+  if (*text != 'e' && *text != 'E') return 0;
+  ++text;
+  const bool negative = *text == '-';
+  if (negative || *text == '+') ++text;
+  // Beyond this no count of digits can bring the number back into range.
+  constexpr std::int64_t kLimit = std::int64_t{1} << 50;
+  std::int64_t exponent = 0;
+  for (; IsDigit(*text); ++text) exponent = std::min(exponent * 10 + (*text - '0'), kLimit);
+  return negative ? -exponent : exponent;
+}
+
+template <class C>
+Scan<C> ScanNumber(const C* text, C point) {
+  Scan<C> scan{text, text, 0, 0, 0, 0};
+  for (; IsDigit(*text); ++text) scan.mantissa = scan.mantissa * 10 + (*text - '0');
+  scan.whole = text - scan.digits;
+  if (*text == point) {
+    const C* const decimals = ++text;
+    for (; IsDigit(*text); ++text) scan.mantissa = scan.mantissa * 10 + (*text - '0');
+    scan.decimals = text - decimals;
+  }
+  scan.end = text;
+  if (scan.whole + scan.decimals > 0) scan.exponent = ReadExponent(text);
+  return scan;
+}
+
+// Any number: the significant digits as a decimal fraction for from_chars. No two doubles have a
+// midpoint of more digits than are kept, so of those that follow it only matters whether one isn't
+// 0.
+template <class C>
+double ParseLong(const Scan<C>& scan) {
+  constexpr int kKept = 768;
+  char text[kKept + 32];
+  char* out = text;
+  *out++ = '.';
+  char* const limit = out + kKept;
+  std::int64_t exponent = scan.exponent + scan.whole;
+  bool rest = false;
+  for (const C* digit = scan.digits; digit != scan.end; ++digit) {
+    if (!IsDigit(*digit)) continue;  // the point
+    if (*digit == '0' && out == text + 1) {
+      --exponent;
+    } else if (out < limit) {
+      *out++ = static_cast<char>(*digit);
+    } else {
+      rest = rest || *digit != '0';
+    }
+  }
+  if (out == text + 1) return 0;
+  if (rest) *out++ = '1';
+  // The fraction lies in [0.1, 1), a double between 10^-324 and 10^309.
+  if (exponent > 310) return HUGE_VAL;
+  if (exponent < -330) return 0;
+  *out++ = 'e';
+  out = std::to_chars(out, std::end(text), exponent).ptr;
+  double value = 0;
+  if (std::from_chars(text, out, value).ec == std::errc::result_out_of_range) {
+    return exponent > 0 ? HUGE_VAL : 0;
+  }
+  return value;
+}
+
+template <class C>
+double Magnitude(const Scan<C>& scan) {
+  const std::int64_t exponent = scan.exponent - scan.decimals;
+  if (scan.whole + scan.decimals > kMaxExactDigits || scan.mantissa > 2 * kHiddenBit ||
+      exponent < -kMaxExactPower || exponent > kMaxExactPower) {
+    return ParseLong(scan);
+  }
+  // Both operands are exact, so the one operation rounds correctly.
+  const auto mantissa = static_cast<double>(scan.mantissa);
+  return exponent < 0 ? mantissa / kExactPowers[-exponent] : mantissa * kExactPowers[exponent];
+}
+
+}  // namespace
+
+template <class C>
+double ParseDecimal(const C* text, C point) {
+  if (text == nullptr) return 0;
+  while (IsBlank(*text)) ++text;
+  const bool negative = *text == '-';
+  if (negative || *text == '+') ++text;
+  const Scan<C> scan = ScanNumber(text, point);
+  if (scan.whole + scan.decimals == 0) return 0;
+  const double magnitude = Magnitude(scan);
+  return negative ? -magnitude : magnitude;
+}
+
+template double ParseDecimal(const char*, char);
+template double ParseDecimal(const WChar*, WChar);
+
+}  // namespace kelp::detail

@@ -1,0 +1,43 @@
+// The library's life in the process: its static objects, in the order in which they are built, and
+// what happens when it is attached and detached. No other source has an object that needs building
+// at load, so that this order is the only one there is.
+#include "kelp0lang/CriticalSec.h"
+#include "kelp0lang/Singleton.h"
+
+namespace kelp {
+namespace {
+
+CCriticalSec globalCritSection;
+
+// Behind the construction of all static objects, and before their destruction.
+void Detach() {
+  detail::DeleteSingletonList();
+}
+
+}  // namespace
+
+CCriticalSec& CCriticalSec::GetGlobalCritSection() {
+  return globalCritSection;
+}
+
+}  // namespace kelp
+
+#ifdef _WIN32
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void*) {
+  if (reason == DLL_PROCESS_DETACH) kelp::Detach();
+  return TRUE;
+}
+
+#else
+
+namespace {
+
+// The last static object of the library.
+struct Attachment {
+  ~Attachment() { kelp::Detach(); }
+} attachment;
+
+}  // namespace
+
+#endif

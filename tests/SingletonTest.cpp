@@ -1,0 +1,84 @@
+// A program of its own: the tests delete all that has enrolled.
+#include "kelp0lang/Singleton.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "kelp0lang/CriticalSec.h"
+
+using kelp::CSingletonManager;
+using kelp::ISingleton;
+
+namespace {
+
+std::string deaths;
+
+class Named : public ISingleton {
+ public:
+  explicit Named(char name, bool forLast = false) : m_name(name), m_forLast(forLast) {}
+  ~Named() override { deaths += m_name; }
+  bool CanDestroy() override { return false; }
+  bool DestroyForLast() override { return m_forLast; }
+
+ private:
+  char m_name;
+  bool m_forLast;
+};
+
+std::string DeleteAll() {
+  deaths.clear();
+  CSingletonManager::DeleteSingletons();
+  return deaths;
+}
+
+TEST(Singleton, TheLastEnrolledGoesFirst) {
+  new Named('A');
+  new Named('B');
+  new Named('C');
+  EXPECT_EQ(DeleteAll(), "CBA");
+  EXPECT_EQ(DeleteAll(), "");
+  new Named('D');
+  EXPECT_EQ(DeleteAll(), "D") << "the list takes enrolments again";
+}
+
+TEST(Singleton, OneGoesBehindAllOthers) {
+  new Named('A');
+  new Named('B', true);
+  new Named('C');
+  EXPECT_EQ(DeleteAll(), "CAB");
+
+  new Named('A', true);
+  auto* left = new Named('B', true);
+  new Named('C');
+  EXPECT_EQ(DeleteAll(), "CA") << "of several the earliest";
+  delete left;
+}
+
+class Telling : public ISingleton {
+ public:
+  explicit Telling(const char* word) : m_word(word) {}
+  ~Telling() override {
+    // The process-wide critical section outlives the singletons.
+    kelp::CCriticalSecLock lock(&kelp::CCriticalSec::GetGlobalCritSection());
+    std::fputs(m_word, stderr);
+  }
+
+ private:
+  const char* m_word;
+};
+
+TEST(SingletonDeathTest, UnloadingDeletesTheList) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        new Telling("first");
+        new Telling("second");
+        std::exit(0);
+      },
+      testing::ExitedWithCode(0), "secondfirst");
+}
+
+}  // namespace
