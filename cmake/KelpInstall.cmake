@@ -11,10 +11,11 @@ install(TARGETS ${libraries} EXPORT kelp0langTargets
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(DIRECTORY common/kelp/kelp0lang DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-        FILES_MATCHING PATTERN "*.h"
-        PATTERN "TextScan.h" EXCLUDE
-        PATTERN "Utf8.h" EXCLUDE)
+# What kelp0lang.h names is public, and what those headers include.
+file(STRINGS common/kelp/kelp0lang/kelp0lang.h includes REGEX "^#include \"kelp0lang/")
+list(TRANSFORM includes REPLACE "^#include \"kelp0lang/(.*)\"$" "common/kelp/kelp0lang/\\1")
+install(FILES common/kelp/kelp0lang/kelp0lang.h common/kelp/kelp0lang/Export.h ${includes}
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelp0lang)
 install(DIRECTORY common/sarnutils DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         FILES_MATCHING PATTERN "*.h")
 install(EXPORT kelp0langTargets NAMESPACE kelp0lang::

@@ -1,13 +1,10 @@
 // A program of its own: the tests delete all that has enrolled.
-#include "kelp0lang/Singleton.h"
-
 #include <gtest/gtest.h>
+#include <kelp0lang/kelp0lang.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-
-#include "kelp0lang/CriticalSec.h"
 
 using kelp::CSingletonManager;
 using kelp::ISingleton;
@@ -61,9 +58,9 @@ class Telling : public ISingleton {
  public:
   explicit Telling(const char* word) : m_word(word) {}
   ~Telling() override {
-    // The process-wide critical section outlives the singletons.
+    // The process-wide critical section and the "C" locale outlive the singletons.
     kelp::CCriticalSecLock lock(&kelp::CCriticalSec::GetGlobalCritSection());
-    std::fputs(m_word, stderr);
+    std::fputs(kelp_get_c_locale() == nullptr ? "no locale" : m_word, stderr);
   }
 
  private:

@@ -8,8 +8,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
+#include <filesystem>
 #include <memory>
+#include <random>
 #include <string>
+#include <type_traits>
 
 #ifdef _WIN32
 #define WTEXT(text) L##text
@@ -52,21 +55,42 @@ TEST(CrtLocale, CopiesTheCurrentLocaleAndRefusesUnknownNames) {
   _free_locale(nullptr);
 }
 
+// A file of its own in text mode, where wide output is converted; binary streams on Windows take
+// the units as they are.
+class TextFile {
+ public:
+  TextFile()
+      : m_path(std::filesystem::temp_directory_path() /
+               ("crt_stream_" + std::to_string(std::random_device()()) + ".txt")),
+        m_file(fopen(m_path.string().c_str(), "w+")) {}
+  ~TextFile() {
+    if (m_file != nullptr) fclose(m_file);
+    std::filesystem::remove(m_path);
+  }
+  TextFile(const TextFile&) = delete;
+  TextFile& operator=(const TextFile&) = delete;
+  FILE* Get() const { return m_file; }
+
+ private:
+  std::filesystem::path m_path;
+  FILE* m_file;
+};
+
 TEST(CrtStream, WritesWideTextAsBytesOfTheLocale) {
-  const std::unique_ptr<FILE, int (*)(FILE*)> file(tmpfile(), fclose);
-  ASSERT_NE(file, nullptr);
-  _lock_file(file.get());
-  EXPECT_NE(fputws(WTEXT("a\x00E0"), file.get()), static_cast<int>(WEOF));
-  _unlock_file(file.get());
-  EXPECT_EQ(fputwc(WCHAR{0}, file.get()), 0);
-  EXPECT_EQ(fputwc(WTEXT('z'), file.get()), wint_t{'z'});
+  const TextFile file;
+  ASSERT_NE(file.Get(), nullptr);
+  _lock_file(file.Get());
+  EXPECT_NE(fputws(WTEXT("a\x00E0"), file.Get()), static_cast<int>(WEOF));
+  _unlock_file(file.Get());
+  EXPECT_EQ(fputwc(WCHAR{0}, file.Get()), 0);
+  EXPECT_EQ(fputwc(WTEXT('z'), file.Get()), wint_t{'z'});
   errno = 0;
-  EXPECT_EQ(static_cast<wint_t>(fputws(WTEXT("\x20AC"), file.get())), static_cast<wint_t>(WEOF));
+  EXPECT_EQ(static_cast<wint_t>(fputws(WTEXT("\x20AC"), file.Get())), static_cast<wint_t>(WEOF));
   EXPECT_EQ(errno, EILSEQ);
 
-  rewind(file.get());
+  rewind(file.Get());
   char bytes[8] = {};
-  EXPECT_EQ(fread(bytes, 1, sizeof(bytes), file.get()), 4u);
+  EXPECT_EQ(fread(bytes, 1, sizeof(bytes), file.Get()), 4u);
   EXPECT_EQ(std::string(bytes, 4), std::string("a\xE0\0z", 4));
 }
 

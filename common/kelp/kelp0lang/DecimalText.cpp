@@ -65,6 +65,16 @@ void WriteDigits(C* target, std::uint64_t value, int count) {
   if (count == 1) *target = static_cast<C>('0' + value);
 }
 
+// scaled / 2^shift, rounded to the nearest; a tie goes to where result + parity is even.
+template <class T>
+std::uint64_t ShiftRounded(T scaled, int shift, std::uint64_t parity) {
+  const auto result = static_cast<std::uint64_t>(scaled >> shift);
+  const T rest = scaled - (T{result} << shift);
+  const T half = T{1} << (shift - 1);
+  const bool up = rest > half || (rest == half && ((result + parity) & 1) != 0);
+  return result + up;
+}
+
 // A magnitude below 2^63 as its whole part and its decimals, which count in units of
 // 10^-decimals.
 struct FixedParts {
@@ -72,7 +82,7 @@ struct FixedParts {
   std::uint64_t decimals;
 };
 
-FixedParts RoundToDecimals(const BinaryParts& value, int decimals) {
+inline FixedParts RoundToDecimals(const BinaryParts& value, int decimals) {
   if (value.exponent >= 0) return {value.mantissa << value.exponent, 0};
   const int shift = -value.exponent;
   const std::uint64_t whole = shift < 64 ? value.mantissa >> shift : 0;
@@ -81,12 +91,12 @@ FixedParts RoundToDecimals(const BinaryParts& value, int decimals) {
   if (shift > 120) return {whole, 0};
 
   const std::uint64_t scale = kPowersOf10[decimals];
-  const Wide scaled = Wide{fraction} * scale;
-  auto result = static_cast<std::uint64_t>(scaled >> shift);
-  const Wide rest = scaled - (Wide{result} << shift);
-  const Wide half = Wide{1} << (shift - 1);
-  const bool odd = ((decimals == 0 ? whole : result) & 1) != 0;
-  if (rest > half || (rest == half && odd)) ++result;
+  // Without decimals it is the whole part that is odd or even.
+  const std::uint64_t parity = decimals == 0 ? whole : 0;
+  // The fraction has at most shift bits.
+  const std::uint64_t result = shift + std::bit_width(scale) <= 64
+                                   ? ShiftRounded(fraction * scale, shift, parity)
+                                   : ShiftRounded(Wide{fraction} * scale, shift, parity);
   if (result == scale) return {whole + 1, 0};
   return {whole, result};
 }

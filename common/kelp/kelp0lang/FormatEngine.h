@@ -26,6 +26,13 @@ inline constexpr int kMaxCharacterUnits = 16;
 int ConvertCharacter(const WChar*& text, char* units);
 int ConvertCharacter(const char*& text, WChar* units);
 
+constexpr bool IsHighSurrogate(WChar unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+constexpr bool IsLowSurrogate(WChar unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
 enum class LengthModifier { kNone, kChar, kShort, kLong, kInt32, kInt64, kSize, kDouble, kWide };
 
 // One conversion of a template.
@@ -64,7 +71,7 @@ class FormatEngine {
         if (!m_sink.Put(format++, 1)) return false;
         continue;
       }
-      m_spec = FormatSpec();
+      m_spec = kPlain;
       if (!ReadSpec(format) || !PutConversion()) return false;
     }
   }
@@ -83,6 +90,9 @@ class FormatEngine {
 
     void AddPrefix(char unit) { prefix[prefixSize++] = static_cast<C>(unit); }
   };
+
+  // What every conversion starts from; a copy of a constant costs less than one of a fresh object.
+  static constexpr FormatSpec kPlain{};
 
   static std::size_t Distance(const C* begin, const C* end) {
     return static_cast<std::size_t>(end - begin);
@@ -149,28 +159,40 @@ class FormatEngine {
   }
 
   void ReadLength(const C*& format) {
-    struct Modifier {
-      char text[4];
-      LengthModifier length;
-    };
-    // The longer ones come before those that they begin with.
-    static constexpr Modifier kModifiers[] = {
-        {"hh", LengthModifier::kChar},   {"h", LengthModifier::kShort},
-        {"ll", LengthModifier::kInt64},  {"l", LengthModifier::kLong},
-        {"I64", LengthModifier::kInt64}, {"I32", LengthModifier::kInt32},
-        {"I", LengthModifier::kSize},    {"L", LengthModifier::kDouble},
-        {"w", LengthModifier::kWide},    {"j", LengthModifier::kInt64},
-        {"z", LengthModifier::kSize},    {"t", LengthModifier::kSize},
-    };
-    for (const Modifier& modifier : kModifiers) {
-      const C* end = format;
-      const char* text = modifier.text;
-      while (*text != 0 && *end == static_cast<C>(*text)) ++end, ++text;
-      if (*text != 0) continue;
-      format = end;
-      m_spec.length = modifier.length;
-      return;
+    const C letter = *format;
+    const bool twice = letter != 0 && format[1] == letter;
+    std::ptrdiff_t size = 1;
+    switch (letter) {
+      case 'h':
+        m_spec.length = twice ? LengthModifier::kChar : LengthModifier::kShort;
+        size += twice;
+        break;
+      case 'l':
+        m_spec.length = twice ? LengthModifier::kInt64 : LengthModifier::kLong;
+        size += twice;
+        break;
+      case 'I':
+        m_spec.length = LengthModifier::kSize;
+        if (format[1] == '6' && format[2] == '4') m_spec.length = LengthModifier::kInt64, size = 3;
+        if (format[1] == '3' && format[2] == '2') m_spec.length = LengthModifier::kInt32, size = 3;
+        break;
+      case 'j':
+        m_spec.length = LengthModifier::kInt64;
+        break;
+      case 'z':
+      case 't':
+        m_spec.length = LengthModifier::kSize;
+        break;
+      case 'w':
+        m_spec.length = LengthModifier::kWide;
+        break;
+      case 'L':
+        m_spec.length = LengthModifier::kDouble;
+        break;
+      default:
+        return;
     }
+    format += size;
   }
 
   bool PutConversion() {

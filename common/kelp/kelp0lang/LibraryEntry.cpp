@@ -2,6 +2,7 @@
 // what happens when it is attached and detached. No other source has an object that needs building
 // at load, so that this order is the only one there is.
 #include "kelp0lang/CriticalSec.h"
+#include "kelp0lang/LocaleFree.h"
 #include "kelp0lang/Singleton.h"
 
 namespace kelp {
@@ -10,8 +11,13 @@ namespace {
 CCriticalSec globalCritSection;
 
 // Behind the construction of all static objects, and before their destruction.
+void Attach() {
+  detail::CreateCLocale();
+}
+
 void Detach() {
   detail::DeleteSingletonList();
+  detail::FreeCLocale();
 }
 
 }  // namespace
@@ -25,6 +31,7 @@ CCriticalSec& CCriticalSec::GetGlobalCritSection() {
 #ifdef _WIN32
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void*) {
+  if (reason == DLL_PROCESS_ATTACH) kelp::Attach();
   if (reason == DLL_PROCESS_DETACH) kelp::Detach();
   return TRUE;
 }
@@ -35,6 +42,7 @@ namespace {
 
 // The last static object of the library.
 struct Attachment {
+  Attachment() { kelp::Attach(); }
   ~Attachment() { kelp::Detach(); }
 } attachment;
 

@@ -16,15 +16,6 @@ namespace kelp::detail {
 
 namespace {
 
-constexpr auto kNotConverted = static_cast<std::size_t>(-1);
-
-bool IsHighSurrogate(WChar unit) {
-  return unit >= 0xD800 && unit <= 0xDBFF;
-}
-bool IsLowSurrogate(WChar unit) {
-  return unit >= 0xDC00 && unit <= 0xDFFF;
-}
-
 // A caller's buffer of at least one unit; it keeps room for the terminator.
 template <class C>
 class BufferSink {
@@ -160,35 +151,6 @@ int FormatToBuffer(C* buffer, std::size_t size, C point, const C* format, std::v
 }
 
 }  // namespace
-
-int ConvertCharacter(const WChar*& text, char* units) {
-  const WChar first = *text++;
-  if (first < 0x80) {
-    *units = static_cast<char>(first);
-    return 1;
-  }
-  WChar character[3] = {first, 0, 0};
-  if (IsHighSurrogate(first) && IsLowSurrogate(*text)) character[1] = *text++;
-  const std::size_t size = wcstombs(units, character, kMaxCharacterUnits);
-  return size == kNotConverted ? -1 : static_cast<int>(size);
-}
-
-int ConvertCharacter(const char*& text, WChar* units) {
-  if (static_cast<unsigned char>(*text) < 0x80) {
-    *units = static_cast<WChar>(*text++);
-    return 1;
-  }
-  // The shortest run of bytes that is a character.
-  char character[MB_LEN_MAX + 1] = {};
-  for (int taken = 0; taken < MB_LEN_MAX && text[taken] != 0; ++taken) {
-    character[taken] = text[taken];
-    const std::size_t size = mbstowcs(units, character, kMaxCharacterUnits);
-    if (size == kNotConverted) continue;
-    text += taken + 1;
-    return static_cast<int>(size);
-  }
-  return -1;
-}
 
 int FormatV(char* buffer, std::size_t size, char point, const char* format, std::va_list args) {
   return FormatToBuffer(buffer, size, point, format, args);

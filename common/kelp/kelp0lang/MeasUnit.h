@@ -229,12 +229,12 @@ namespace kelp::detail {
 // gives kNotSet:
 //
 //   metres           Smallest 1/1000, Large 1000    (no Small)
-//   feet and chains  Smallest 1/12, Large 5280      (no Small)
+//   feet and chains  Smallest 1/12, Large 5280      (no Small; a chain counts as a foot)
 //   degrees          Smallest 1/3600, Small 1/60    (no Large)
 //   gon              Smallest 1/10000, Small 1/100  (no Large)
-//   speed            Large, per hour: kilometres or miles of the normal size per second
+//   speed            Large: per hour, and km for m, miles for feet  (no Smallest, no Small)
 //
-// Radians and mils pass through at any size, and so does an angle between equal sizes.
+// Radians and mils pass through at any size, and so does any angle between equal sizes.
 KELP0LANG_API double ConvertDistSize(double value, enumDistUnits units, enumMeasUnitSize from,
                                      enumMeasUnitSize to);
 KELP0LANG_API double ConvertAngleSize(double value, enumAngleUnits units, enumMeasUnitSize from,

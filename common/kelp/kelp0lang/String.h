@@ -261,9 +261,6 @@ class KELP0LANG_API BasicText : public TextHandle {
   std::strong_ordering Order(const BasicText& other) const noexcept;
 };
 
-extern template class BasicText<String, char>;
-extern template class BasicText<WString, WChar>;
-
 }  // namespace detail
 
 // Text of 8-bit units; comparison treats them as unsigned.

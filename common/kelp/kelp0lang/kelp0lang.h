@@ -1,0 +1,20 @@
+// Everything that the library exports.
+#pragma once
+
+#include "kelp0lang/AngleForm.h"
+#include "kelp0lang/CriticalSec.h"
+#include "kelp0lang/Exception.h"
+#include "kelp0lang/FeetInch.h"
+#include "kelp0lang/LegacyFlags.h"
+#include "kelp0lang/LegacyGeometry.h"
+#include "kelp0lang/LegacyNumber.h"
+#include "kelp0lang/LocaleFree.h"
+#include "kelp0lang/MeasUnit.h"
+#include "kelp0lang/Object.h"
+#include "kelp0lang/RunOnce.h"
+#include "kelp0lang/SafeFormat.h"
+#include "kelp0lang/Singleton.h"
+#include "kelp0lang/String.h"
+#include "kelp0lang/Translate.h"
+#include "kelp0lang/ValueConverter.h"
+#include "kelp0lang/WideChar.h"
