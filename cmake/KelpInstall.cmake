@@ -11,10 +11,12 @@ install(TARGETS ${libraries} EXPORT kelp0langTargets
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-# What kelp0lang.h names is public, and what those headers include.
+# What kelp0lang.h names is public; beside it go the headers that those include.
+set(included_headers Export.h RegistrationMap.h)
 file(STRINGS common/kelp/kelp0lang/kelp0lang.h includes REGEX "^#include \"kelp0lang/")
 list(TRANSFORM includes REPLACE "^#include \"kelp0lang/(.*)\"$" "common/kelp/kelp0lang/\\1")
-install(FILES common/kelp/kelp0lang/kelp0lang.h common/kelp/kelp0lang/Export.h ${includes}
+list(TRANSFORM included_headers PREPEND common/kelp/kelp0lang/)
+install(FILES common/kelp/kelp0lang/kelp0lang.h ${includes} ${included_headers}
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelp0lang)
 install(DIRECTORY common/sarnutils DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         FILES_MATCHING PATTERN "*.h")

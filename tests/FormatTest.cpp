@@ -147,6 +147,13 @@ TEST(Format, TextsPassBetweenTheWidthsByTheProcessLocale) {
   EXPECT_EQ(kelp_sprintf_s(narrow, 64, "%ls", KTEXT("\x20AC")), -1);
   EXPECT_STREQ(narrow, "");
 
+  {
+    LocaleScope german(LC_ALL, kGermanLocale);
+    ASSERT_TRUE(german.Ok());
+    EXPECT_GT(kelp_sprintf_s(narrow, 64, "%ls", KTEXT("\x20AC\x00E0")), 1);
+    EXPECT_EQ(kelp_snwprintf(wide, 64, KTEXT("%hs"), narrow), 2);
+    EXPECT_EQ(WString(wide), WString(KTEXT("\x20AC\x00E0")));
+  }
   LocaleScope utf8(LC_ALL, "C.UTF-8");
   if (!utf8.Ok()) GTEST_SKIP() << "no UTF-8 locale";
   EXPECT_EQ(kelp_sprintf_s(narrow, 64, "%6ls|", KTEXT("\x20AC\xD83D\xDE00")), 8);
@@ -182,6 +189,13 @@ TEST(Format, KeepsToThePointUnderEveryLocale) {
             "1234.500 0.25 5.000000e-01 0.500000000000000000000000000000 1000000");
   EXPECT_EQ(kelp_wtof(KTEXT("1,5")), 1);
   EXPECT_EQ(kelp_atof("1.5"), 1.5);
+}
+
+TEST(CLocale, IsAtHandWhileTheLibraryIsLoaded) {
+  LocaleScope german(LC_ALL, kGermanLocale);
+  ASSERT_TRUE(german.Ok());
+  ASSERT_NE(kelp_get_c_locale(), nullptr);
+  EXPECT_EQ(_atof_l("1.5", kelp_get_c_locale()), 1.5);
 }
 
 std::string Fixed(double value, int decimals) {

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <climits>
 #include <clocale>
-#include <cstdlib>
 #include <cstring>
 #include <cwchar>
 #include <type_traits>

@@ -58,8 +58,8 @@ WINAPI_EXPORT _locale_t _get_current_locale();
 // A null locale is no error.
 WINAPI_EXPORT void _free_locale(_locale_t locale);
 
-// The number that text begins with: white space, a sign, digits with the locale's decimal point, and
-// an exponent behind "e" or "E". Other text gives 0. A null locale means the current one.
+// The number that text begins with: white space, a sign, digits with the locale's decimal point,
+// and an exponent behind "e" or "E". Other text gives 0. A null locale means the current one.
 WINAPI_EXPORT double _atof_l(const char* text, _locale_t locale);
 WINAPI_EXPORT double _wtof_l(const char16_t* text, _locale_t locale);
 
@@ -70,3 +70,15 @@ WINAPI_EXPORT wint_t fputwc(char16_t unit, FILE* file);
 // Keeps other threads off a stream; a thread may lock it more than once.
 WINAPI_EXPORT void _lock_file(FILE* file);
 WINAPI_EXPORT void _unlock_file(FILE* file);
+
+// Streams. A path is one of Windows (fileapi.h); the mode is r, w or a with +, b, t, x, N, and the
+// hints n, S, R, T. Anything else, ccs among it, fails with EINVAL.
+//
+// Without b the stream is one of text, as there: a line feed is written as carriage return and line
+// feed and read back as one, and Ctrl-Z ends what is read. Text streams are written through to the
+// system at once and have no file descriptor.
+WINAPI_EXPORT FILE* _wfopen(const char16_t* path, const char16_t* mode);
+// Up to size - 1 units, or up to and including a line feed, of multibyte text of the locale, from a
+// stream of any kind. Null, and buffer as it was or cut short, at the end, for an error of the
+// stream, and (EILSEQ) for bytes that are no character.
+WINAPI_EXPORT char16_t* fgetws(char16_t* buffer, int size, FILE* stream);

@@ -26,7 +26,26 @@ typedef void* HANDLE;
 typedef struct HINSTANCE__* HINSTANCE;
 typedef HINSTANCE HMODULE;
 
+typedef intptr_t LONG_PTR;
+typedef uintptr_t UINT_PTR;
+typedef UINT_PTR WPARAM;
+typedef LONG_PTR LPARAM;
+typedef LONG_PTR LRESULT;
+typedef WORD ATOM;
+typedef DWORD* LPDWORD;
+typedef struct HWND__* HWND;
+typedef struct HMENU__* HMENU;
+typedef struct HICON__* HICON;
+typedef HICON HCURSOR;
+typedef struct HBRUSH__* HBRUSH;
+
+typedef struct tagPOINT {
+  LONG x;
+  LONG y;
+} POINT;
+
 #define WINAPI
+#define CALLBACK
 #define TRUE 1
 #define FALSE 0
 #define MAX_PATH 260

@@ -2,7 +2,10 @@
 #pragma once
 
 #include "errhandlingapi.h"
+#include "fileapi.h"
+#include "processthreadsapi.h"
 #include "stringapiset.h"
 #include "synchapi.h"
 #include "windef.h"
 #include "winerror.h"
+#include "winuser.h"

@@ -4,13 +4,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
-#include <clocale>
 #include <cstdint>
-#include <cstdlib>
-#include <cwchar>
 #include <cwctype>
-#include <string>
-#include <string_view>
 
 namespace {
 
@@ -21,19 +16,6 @@ bool IsDigit(char16_t unit) {
 const char16_t* SkipSpace(const char16_t* text) {
   while (std::iswspace(*text) != 0) ++text;
   return text;
-}
-
-// The decimal point of the locale, as bytes and as one unit.
-struct DecimalPoint {
-  std::string bytes;
-  char16_t unit;
-};
-
-DecimalPoint LocalePoint() {
-  const char* bytes = std::localeconv()->decimal_point;
-  char16_t unit[2] = {};
-  if (mbstowcs(unit, bytes, 1) != 1) return {".", u'.'};
-  return {bytes, unit[0]};
 }
 
 }  // namespace
@@ -56,18 +38,5 @@ long _wtol(const char16_t* text) {
 }
 
 double _wtof(const char16_t* text) {
-  const DecimalPoint point = LocalePoint();
-  // What can belong to a number, as the bytes that the narrow function reads.
-  std::string bytes;
-  for (text = SkipSpace(text); *text != 0; ++text) {
-    if (*text == point.unit) {
-      bytes += point.bytes;
-    } else if (IsDigit(*text) ||
-               std::u16string_view(u"+-eE").find(*text) != std::u16string_view::npos) {
-      bytes += static_cast<char>(*text);
-    } else {
-      break;
-    }
-  }
-  return std::strtod(bytes.c_str(), nullptr);
+  return _wtof_l(text, nullptr);
 }

@@ -1,0 +1,199 @@
+// Change transactions: what changes in a document reports it in two steps, before and after, so
+// that listeners see a consistent whole; and all that one transaction records is one step to undo.
+//
+//   kelp::CChangeTransactionManager manager;   // one for each document
+//   Layer layer(&manager);                     // a CSourceEvent
+//   layer.Register(&view);                     // view is a CSourceEvent::IEvent
+//   {
+//     kelp::CSourceEventScope transaction(&layer);  // view.OnBeginEvent
+//     manager.Add(layer.Move(point));               // change the data, record the command
+//   }                                               // view.OnBeforeEndEvent, view.OnEndEvent
+//   manager.Undo();
+//
+// Transactions nest; only the outermost counts. A source can depend on others: it then takes them
+// into its transactions. When it begins, those begin first; when they end, it has ended before
+// them.
+//
+// Threads: one transaction at a time, on any thread. Everything but its closing runs on the thread
+// that opened it. If that isn't the thread that made the manager, the closing goes to the main
+// window (SetMainWnd) as a message, and so all listeners hear of the end on the window's thread
+// while the other waits. Only the beginning of an event is locked; nothing else in a manager or a
+// source may be used from two threads at once.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <set>
+#include <vector>
+
+#include "kelp0lang/CmdExecuted.h"
+#include "kelp0lang/CriticalSec.h"
+#include "kelp0lang/Export.h"
+#include "kelp0lang/Object.h"
+#include "kelp0lang/RegistrationMap.h"
+
+namespace kelp {
+
+class CChangeTransactionManager;
+
+// Asks the main window to close a transaction: its procedure calls DoEndEvent on the manager whose
+// address is wParam. lParam is 0 and the result is not looked at.
+inline constexpr UINT kEndEventMessage = WM_USER + 100;
+
+// Something that can change. Sources, listeners and managers don't own one another: whoever goes
+// first is taken out by its owner. A source takes itself off its manager, but not out of the
+// dependencies of others: call RemoveDependsOn before.
+class KELP0LANG_API CSourceEvent : public IRefCounter {
+ public:
+  // A listener. It may register and unregister listeners, sources and dependencies, open and close
+  // transactions, and end other sources, but not the source that is telling it.
+  class KELP0LANG_API IEvent {
+   public:
+    virtual void OnBeginEvent(CSourceEvent* source) = 0;
+    // All data are in their new state; no source of the transaction has ended yet.
+    virtual void OnBeforeEndEvent(CSourceEvent* source) = 0;
+    virtual void OnEndEvent(CSourceEvent* source) = 0;
+
+   protected:
+    ~IEvent() = default;
+  };
+
+  // Registers with the manager, if there is one.
+  explicit CSourceEvent(CChangeTransactionManager* manager = nullptr);
+  // A copy has the same manager, listeners and dependencies and takes part in the open transaction
+  // if the other does. Neither copying nor assigning changes what is registered with a manager, and
+  // the sources on which the other depends don't learn of the copy.
+  CSourceEvent(const CSourceEvent& other);
+  CSourceEvent& operator=(const CSourceEvent& other);
+  ~CSourceEvent() override;
+
+ protected:
+  // For derived classes; they do nothing here. Before the listeners are told of a beginning; before
+  // and after they are told of the end.
+  virtual void OnBeforeBeginEvent();
+  virtual void OnBeforeEndEvent();
+  virtual void OnAfterEndEvent();
+
+ public:
+  // Without a manager a source takes part in no transaction.
+  void Attach(CChangeTransactionManager* manager);
+  void Detach() noexcept;
+  CChangeTransactionManager* GetChangeTransactionManager() const noexcept { return m_manager; }
+
+  // Whether this source takes part in the open transaction.
+  bool HasActed() const noexcept { return m_acted; }
+
+  // Dependencies mustn't form a cycle.
+  void AddDependsOn(CSourceEvent* other);
+  void RemoveDependsOn(CSourceEvent* other);
+
+  // Listeners are told in ascending order of address. One that leaves while they are told isn't
+  // told any more; one that joins is told if its address is above that of the listener now being
+  // told.
+  void Register(IEvent* listener) { m_listeners.Register(listener); }
+  void Unregister(IEvent* listener) noexcept { m_listeners.Unregister(listener); }
+
+ private:
+  friend class CChangeTransactionManager;
+  friend class CSourceEventScope;
+
+  void BeginEvent();
+  void EndEvent();
+  void DoBeginEvent();
+  void OnBeforeEnd();
+  void OnEnd();
+  void Acted(bool acted) noexcept { m_acted = acted; }
+  void RemoveUnregisteredListeners() noexcept { m_listeners.RemoveUnregistered(); }
+  void NotifyBeginEventToDependence();
+  void NotifyEndEventToDependence();
+
+  CChangeTransactionManager* m_manager;
+  bool m_acted = false;
+  detail::RegistrationMap<IEvent> m_listeners;
+  std::vector<CSourceEvent*> m_dependants;
+  std::set<CSourceEvent*> m_dependencies;
+};
+
+// An open transaction for as long as it lives; with null it is none. An exception out of the
+// closing ends the process.
+class KELP0LANG_API CSourceEventScope {
+ public:
+  explicit CSourceEventScope(CSourceEvent* source) : m_source(source) {
+    if (m_source != nullptr) m_source->BeginEvent();
+  }
+  ~CSourceEventScope() {
+    if (m_source != nullptr) m_source->EndEvent();
+  }
+  CSourceEventScope(const CSourceEventScope&) = delete;
+  CSourceEventScope& operator=(const CSourceEventScope&) = delete;
+
+ private:
+  CSourceEvent* m_source;
+};
+
+// Counts the open levels, closes the outermost and keeps the last 20 steps to undo. It outlives its
+// sources, or they are detached before.
+class KELP0LANG_API CChangeTransactionManager {
+ public:
+  CChangeTransactionManager();
+  ~CChangeTransactionManager();
+  CChangeTransactionManager(const CChangeTransactionManager&) = delete;
+  CChangeTransactionManager& operator=(const CChangeTransactionManager&) = delete;
+
+  // Closes the transaction: each source that took part tells its listeners OnBeforeEndEvent, then
+  // each, its dependants first, OnEndEvent. Called by the handler of kEndEventMessage, nobody else.
+  void DoEndEvent();
+
+  // Records a command that has just been carried out, and takes it over. Outside a transaction it
+  // is a step of its own.
+  void Add(ICmdExecuted* command);
+  // Transactions that the commands open notify as usual, but record nothing.
+  void Undo();
+  void Redo();
+  bool CanUndo() const noexcept { return m_list->CanUndo(); }
+  bool CanRedo() const noexcept { return m_list->CanRedo(); }
+  void FreeUndoList() { m_list->FreeUndoList(); }
+  bool IsUndoInProgress() const noexcept { return m_undoInProgress; }
+
+  // While disabled, transactions aren't closed: sources begin, nothing ends, and each command is a
+  // step of its own. Sources that began end with the next transaction that is closed. To be
+  // switched between transactions only.
+  bool IsEnable() const noexcept { return m_enabled; }
+  void EnableEvent() noexcept { m_enabled = true; }
+  void DisableEvent() noexcept { m_enabled = false; }
+
+  // What the sources themselves call. One that is unregistered while a transaction closes takes no
+  // part in the rest of it.
+  void Register(CSourceEvent* source) { m_sources.Register(source); }
+  void Unregister(CSourceEvent* source) noexcept { m_sources.Unregister(source); }
+
+  void RegisterForUndoRedoEvents(CCmdExecutedList::IEvents* listener) {
+    m_list->Register(listener);
+  }
+  void UnregisterForUndoRedoEvents(CCmdExecutedList::IEvents* listener) noexcept {
+    m_list->Unregister(listener);
+  }
+
+  // The window that gets kEndEventMessage, made by the thread that made the manager. It lives as
+  // long as other threads close transactions; without one these are closed where they were opened.
+  void SetMainWnd(HWND window) noexcept { m_mainWnd = window; }
+
+ private:
+  friend class CSourceEvent;
+
+  void BeginEvent(CSourceEvent* source);
+  void EndEvent();
+  void RemoveUnregisteredSourceEvents() noexcept { m_sources.RemoveUnregistered(); }
+
+  CCriticalSec m_lock;
+  CCmdExecutedList* m_list;
+  int m_depth = 0;
+  detail::RegistrationMap<CSourceEvent> m_sources;
+  bool m_undoInProgress = false;
+  bool m_enabled = true;
+  HWND m_mainWnd = nullptr;
+  DWORD m_ownerThread;
+};
+
+}  // namespace kelp

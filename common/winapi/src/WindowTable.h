@@ -1,0 +1,93 @@
+// The windows, classes and message queues of the process, behind one lock. No window procedure is
+// called with the lock held.
+#pragma once
+
+#include <windows.h>
+
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace winapi {
+
+struct MessageQueue;
+
+// A message on its way to another thread. Both sides hold it, so that either may go first.
+struct SentMessage {
+  HWND window;
+  UINT message;
+  WPARAM wParam;
+  LPARAM lParam;
+  std::shared_ptr<MessageQueue> sender;
+  LRESULT result = 0;
+  bool answered = false;
+  bool failed = false;
+
+  void Answer(LRESULT answer);
+  void Fail();
+};
+
+// What waits for one thread.
+struct MessageQueue {
+  DWORD threadId = GetCurrentThreadId();
+  std::condition_variable wake;  // something was sent or posted, or an answer came
+  std::deque<std::shared_ptr<SentMessage>> sent;
+  std::deque<MSG> posted;
+  bool quit = false;
+  int exitCode = 0;
+};
+
+struct WindowClass {
+  std::u16string name;
+  ATOM atom;
+  HINSTANCE instance;
+  UINT style;
+  WNDPROC procedure;
+  std::size_t extraBytes;
+  int windows = 0;
+};
+
+struct Window {
+  HWND handle;
+  HWND parent;  // of a child, else its owner; also HWND_MESSAGE
+  DWORD style;
+  std::shared_ptr<MessageQueue> queue;
+  std::shared_ptr<WindowClass> windowClass;
+  WNDPROC procedure;
+  HINSTANCE instance;
+  LONG_PTR id;
+  LONG_PTR userData = 0;
+  std::vector<std::byte> extra;
+  bool destroying = false;
+
+  bool IsChild() const { return (style & WS_CHILD) != 0; }
+};
+
+struct WindowTable {
+  std::mutex mutex;
+  std::map<HWND, std::shared_ptr<Window>> windows;
+  std::vector<std::shared_ptr<WindowClass>> classes;
+  std::map<DWORD, std::shared_ptr<MessageQueue>> queues;
+
+  // With the lock held. A handle of nothing gives null.
+  std::shared_ptr<Window> Find(HWND window) const;
+  // Forgets a window and all that waits for it.
+  void Erase(HWND window);
+};
+
+// It outlives all threads and static objects.
+WindowTable& Table();
+
+// The queue of the calling thread, made at its first call; it ends with the thread, and so do the
+// thread's windows. Takes the lock.
+std::shared_ptr<MessageQueue> ThreadQueue();
+
+// The window isn't there: sets the last error and gives 0.
+int InvalidWindow();
+
+}  // namespace winapi

@@ -1,0 +1,296 @@
+#include "kelp0lang/CmdExecuted.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/TestText.h"
+
+using kelp::CCmdExecuted;
+using kelp::CCmdExecutedList;
+using kelp::CCmdExecutedListStrategyNumber;
+using kelp::ICmdExecuted;
+using kelp::WString;
+
+namespace {
+
+using Log = std::vector<std::string>;
+
+std::string Entry(char what, int id) {
+  std::string text(1, what);
+  return text += std::to_string(id);
+}
+
+// Writes down what happens to it: "+7" redo, "-7" undo, "~7" deleted.
+class Command : public ICmdExecuted {
+ public:
+  Command(Log* log, int id, unsigned memSize = 1) : m_log(log), m_id(id), m_memSize(memSize) {}
+  ~Command() override { Write('~'); }
+  void Undo() override { Write('-'); }
+  void Redo() override { Write('+'); }
+  unsigned int GetMemSize() override { return m_memSize; }
+
+ private:
+  void Write(char what) { m_log->push_back(Entry(what, m_id)); }
+
+  Log* m_log;
+  int m_id;
+  unsigned m_memSize;
+};
+
+class CmdExecutedListTest : public testing::Test {
+ protected:
+  CmdExecutedListTest() { Reset(0); }
+  ~CmdExecutedListTest() override { m_list->SubReference(); }
+
+  void Reset(unsigned limit) {
+    if (m_list != nullptr) m_list->SubReference();
+    m_list = new CCmdExecutedList(new CCmdExecutedListStrategyNumber(limit));
+    m_log.clear();
+  }
+  void Add(int id, unsigned memSize = 1) { m_list->Add(new Command(&m_log, id, memSize)); }
+  Log TakeLog() { return std::exchange(m_log, {}); }
+
+  Log m_log;
+  CCmdExecutedList* m_list = nullptr;
+};
+
+TEST_F(CmdExecutedListTest, LimitDropsTheOldestGroups) {
+  const struct {
+    unsigned limit;
+    unsigned kept;
+    Log dropped;
+  } cases[] = {{3, 3, {"~1", "~2"}}, {1, 1, {"~1", "~2", "~3", "~4"}}, {0, 5, {}}, {9, 5, {}}};
+  for (const auto& c : cases) {
+    Reset(c.limit);
+    for (int id = 1; id <= 5; ++id) Add(id, 10);
+    EXPECT_EQ(m_log, c.dropped) << c.limit;
+    EXPECT_EQ(m_list->GetUndoListSize(), c.kept);
+    EXPECT_EQ(m_list->GetUndoMemSize(), 10 * c.kept);
+  }
+}
+
+TEST_F(CmdExecutedListTest, GroupRunsForwardBothWays) {
+  m_list->SetPendingName(WString(KTEXT("Move")));
+  m_list->StartRecordCmd();
+  EXPECT_EQ(m_list->GetRecCmd(), nullptr);
+  for (int id = 1; id <= 6; ++id) Add(id, 2);
+  m_list->StartRecordCmd();
+  m_list->StopRecordCmd();
+  const CCmdExecuted* group = m_list->GetRecCmd();
+  ASSERT_NE(group, nullptr) << "an inner stop leaves the group open";
+  EXPECT_EQ(group->GetName(), WString(KTEXT("Move")));
+  EXPECT_FALSE(m_list->CanUndo());
+  m_list->StopRecordCmd();
+  EXPECT_EQ(m_list->GetRecCmd(), nullptr);
+  EXPECT_EQ(m_list->GetUndoListSize(), 1u);
+
+  m_list->Undo();
+  EXPECT_EQ(TakeLog(), (Log{"-1", "-2", "-3", "-4", "-5", "-6"}));
+  EXPECT_EQ(m_list->GetRedoMemSize(), 12u);
+  EXPECT_EQ(m_list->GetUndoMemSize(), 0u);
+  m_list->Redo();
+  EXPECT_EQ(TakeLog(), (Log{"+1", "+2", "+3", "+4", "+5", "+6"}));
+  EXPECT_EQ(m_list->GetUndoMemSize(), 12u);
+  EXPECT_EQ(m_list->GetMemSize(), 12u);
+
+  Add(7);
+  m_list->StartRecordCmd();
+  Add(8);
+  EXPECT_TRUE(m_list->GetRecCmd()->GetName().empty()) << "a name serves one record";
+  m_list->StopRecordCmd();
+  m_list->FreeUndoList();
+  EXPECT_EQ(TakeLog(), (Log{"~1", "~2", "~3", "~4", "~5", "~6", "~7", "~8"}));
+  EXPECT_FALSE(m_list->PopFrontCmd());
+}
+
+TEST_F(CmdExecutedListTest, OnlyACommandKillsTheRedoList) {
+  Add(1);
+  Add(2);
+  m_list->Undo();
+  m_list->StartRecordCmd();
+  m_list->SetPendingName(WString(KTEXT("nothing")));
+  m_list->StopRecordCmd();
+  EXPECT_TRUE(m_list->CanRedo());
+  TakeLog();
+  Add(3);
+  EXPECT_EQ(TakeLog(), Log{"~2"});
+  EXPECT_FALSE(m_list->CanRedo());
+  EXPECT_EQ(m_list->GetRedoMemSize(), 0u);
+  m_list->Redo();
+  EXPECT_EQ(m_log, Log{});
+}
+
+TEST_F(CmdExecutedListTest, StrategySeesTheGroupBeforeItJoins) {
+  struct Strategy : CCmdExecutedList::IStrategy {
+    explicit Strategy(std::vector<unsigned>* seen) : m_seen(seen) {}
+    void OnAdd(CCmdExecutedList* list, CCmdExecuted* group) override {
+      m_seen->insert(m_seen->end(), {list->GetUndoListSize(), group->GetMemSize()});
+      while (list->GetUndoMemSize() + group->GetMemSize() > 10 && list->PopFrontCmd()) {
+      }
+    }
+    std::vector<unsigned>* m_seen;
+  };
+  std::vector<unsigned> seen;
+  m_list->SubReference();
+  m_list = new CCmdExecutedList(new Strategy(&seen));
+  Add(1, 4);
+  Add(2, 5);
+  Add(3, 6);
+  EXPECT_EQ(seen, (std::vector<unsigned>{0, 4, 1, 5, 2, 6}));
+  EXPECT_EQ(m_log, (Log{"~1", "~2"})) << "a strategy may keep to a number of bytes";
+}
+
+TEST_F(CmdExecutedListTest, AThrowingCommandTakesItsGroupAlong) {
+  struct Throwing : Command {
+    using Command::Command;
+    void Undo() override { throw 1; }
+  };
+  m_list->Add(new Throwing(&m_log, 1));
+  EXPECT_THROW(m_list->Undo(), int);
+  EXPECT_EQ(m_log, Log{"~1"});
+  EXPECT_FALSE(m_list->CanUndo() || m_list->CanRedo());
+  EXPECT_EQ(m_list->GetMemSize(), 0u);
+}
+
+TEST(CmdExecutedGroup, ACopyDoesNotOwn) {
+  Log log;
+  Command* const command = new Command(&log, 1, 3);
+  CCmdExecuted source(WString(KTEXT("s")));
+  source.Add(command);
+  {
+    CCmdExecuted copy(source);
+    copy.Add(new Command(&log, 2, 4));
+    EXPECT_TRUE(copy.IsPresent(command));
+    EXPECT_EQ(copy.GetMemSize(), 7u);
+    copy = *&copy;
+    CCmdExecuted other(WString(KTEXT("o")));
+    other.Add(new Command(&log, 3));
+    other = copy;
+    other.Undo();
+    other = source;
+    EXPECT_EQ(other.GetName(), WString(KTEXT("s")));
+    EXPECT_EQ(log, (Log{"~3", "-1", "-2"}));
+  }
+  EXPECT_EQ(log.back(), "~2") << "what was added to the copy is its own";
+  EXPECT_FALSE(source.IsPresent(nullptr));
+  source.Redo();
+  EXPECT_EQ(log.back(), "+1");
+}
+
+// A listener that does something to the list while it is told.
+class Listener : public CCmdExecutedList::IEvents {
+ public:
+  void OnBeforeUndoRedo(bool undo) override { Told(undo ? 'u' : 'r'); }
+  void OnAfterUndoRedo(bool undo) override { Told(undo ? 'U' : 'R'); }
+
+  int id = 0;
+  Log* log = nullptr;
+  std::function<void(char)> act;
+
+ private:
+  void Told(char what) {
+    log->push_back(Entry(what, id));
+    if (act) act(what);
+  }
+};
+
+TEST_F(CmdExecutedListTest, ListenersLeaveAndNestWhileTheyAreTold) {
+  Listener listeners[4];  // an array, so that the order of addresses is known
+  for (int i = 0; i < 4; ++i) {
+    listeners[i].id = i;
+    listeners[i].log = &m_log;
+  }
+  Add(1);
+  Add(2);
+  m_list->Register(&listeners[2]);
+  m_list->Register(&listeners[1]);
+  listeners[1].act = [&](char what) {
+    if (what != 'u') return;
+    m_list->Unregister(&listeners[1]);
+    m_list->Register(&listeners[0]);  // below: not told this time
+    m_list->Register(&listeners[3]);  // above: told
+  };
+  m_list->Undo();
+  EXPECT_EQ(TakeLog(), (Log{"u1", "u2", "u3", "-2", "U0", "U2", "U3"}));
+
+  // An undo inside an undo sweeps the list of listeners in the middle of the outer walk.
+  listeners[1].act = nullptr;
+  m_list->Register(&listeners[1]);
+  listeners[2].act = [&](char what) {
+    if (what != 'r') return;
+    m_list->Unregister(&listeners[2]);
+    m_list->Undo();
+  };
+  m_list->Redo();
+  EXPECT_EQ(TakeLog(), (Log{"r0", "r1", "r2", "u0", "u1", "u3", "-1", "U0", "U1", "U3", "r3", "+2",
+                            "R0", "R1", "R3"}));
+  m_list->Unregister(&listeners[2]);
+}
+
+// Random work against a plain model: two stacks of groups and a map of listeners.
+TEST_F(CmdExecutedListTest, AgreesWithAModel) {
+  for (const unsigned seed : {1u, 2u, 3u, 4u}) {
+    const unsigned limit = seed * seed - 1;
+    Reset(limit);
+    std::mt19937 random(seed);
+    std::vector<std::vector<int>> undo, redo;
+    std::vector<int> open;
+    int depth = 0, nextId = 0;
+    for (int step = 0; step < 3000; ++step) {
+      Log expected;
+      const auto remove = [&expected](const std::vector<int>& group) {
+        for (const int id : group) expected.push_back(Entry('~', id));
+      };
+      const auto close = [&] {
+        if (open.empty()) return;
+        if (limit != 0) {
+          for (; undo.size() >= limit; undo.erase(undo.begin())) remove(undo.front());
+        }
+        undo.push_back(std::exchange(open, {}));
+      };
+      const auto move = [&expected](auto& from, auto& to, char what) {
+        for (const int id : from.back()) expected.push_back(Entry(what, id));
+        to.push_back(from.back());
+        from.pop_back();
+      };
+      switch (random() % 6) {
+        case 0:
+          m_list->StartRecordCmd();
+          ++depth;
+          break;
+        case 1:
+          if (depth == 0) break;
+          m_list->StopRecordCmd();
+          if (--depth == 0) close();
+          break;
+        case 2:
+          if (!m_list->CanRedo()) break;
+          m_list->Redo();
+          move(redo, undo, '+');
+          break;
+        case 3:
+          if (!m_list->CanUndo()) break;
+          m_list->Undo();
+          move(undo, redo, '-');
+          break;
+        default:
+          for (const auto& group : redo) remove(group);
+          redo.clear();
+          open.push_back(nextId);
+          Add(nextId++);
+          if (depth == 0) close();
+      }
+      ASSERT_EQ(TakeLog(), expected) << "seed " << seed << ", step " << step;
+      ASSERT_EQ(m_list->GetUndoListSize(), undo.size());
+      ASSERT_EQ(m_list->CanRedo(), !redo.empty());
+    }
+    for (; depth > 0; --depth) m_list->StopRecordCmd();
+  }
+}
+
+}  // namespace

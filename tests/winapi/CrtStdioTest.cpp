@@ -1,0 +1,185 @@
+// The C runtime's streams under wide names, and wide text and numbers out of them.
+#include <gtest/gtest.h>
+#include <tchar.h>
+#include <windows.h>
+
+#include <cerrno>
+#include <climits>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <cwchar>
+#include <string>
+#include <vector>
+
+#include "tests/TempFolder.h"
+
+#ifdef _WIN32
+#define WTEXT(text) L##text
+constexpr const char* kGermanLocale = "German_Germany.1252";
+#else
+#define WTEXT(text) u##text
+constexpr const char* kGermanLocale = "de_DE.UTF-8";
+#endif
+
+namespace {
+
+using Wide = std::basic_string<WCHAR>;
+
+// The lines of a file as fgetws gives them, each in a buffer of size units.
+std::vector<Wide> ReadLines(const Wide& path, const WCHAR* mode, int size = 100) {
+  std::vector<Wide> lines;
+  FILE* const file = _wfopen(path.c_str(), mode);
+  EXPECT_NE(file, nullptr);
+  if (file == nullptr) return lines;
+  std::vector<WCHAR> buffer(static_cast<std::size_t>(size));
+  while (fgetws(buffer.data(), size, file) != nullptr) lines.emplace_back(buffer.data());
+  std::fclose(file);
+  return lines;
+}
+
+TEST(CrtStdio, ReadsLinesOfText) {
+  const TempFolder folder;
+  folder.Write("lines.txt", "one\r\ntwo\n\r\nfive\xE0\rsix\r\r\nend");
+  const Wide path = folder.Wide(WTEXT("lines.txt"));
+  const std::vector<Wide> expected = {WTEXT("one\n"), WTEXT("two\n"), WTEXT("\n"),
+                                      WTEXT("five\u00E0\rsix\r\n"), WTEXT("end")};
+  EXPECT_EQ(ReadLines(path, WTEXT("r")), expected);
+  EXPECT_EQ(ReadLines(path, WTEXT("rt")), expected);
+  const std::vector<Wide> pieces = ReadLines(path, WTEXT("r"), 4);
+  ASSERT_GE(pieces.size(), 2u);
+  EXPECT_EQ(pieces[0], WTEXT("one"));
+  EXPECT_EQ(pieces[1], WTEXT("\n"));
+
+  folder.Write("end.txt",
+               "a\x1A"
+               "b\n");
+  EXPECT_EQ(ReadLines(folder.Wide(WTEXT("end.txt")), WTEXT("r")), std::vector<Wide>{WTEXT("a")});
+}
+
+TEST(CrtStdio, LeavesTheBufferAloneAtTheEnd) {
+  const TempFolder folder;
+  folder.Write("empty.txt", "");
+  FILE* const file = _wfopen(folder.Wide(WTEXT("empty.txt")).c_str(), WTEXT("r"));
+  ASSERT_NE(file, nullptr);
+  WCHAR buffer[4] = WTEXT("xyz");
+  EXPECT_EQ(fgetws(buffer, 4, file), nullptr);
+  EXPECT_EQ(Wide(buffer), WTEXT("xyz"));
+  std::fclose(file);
+}
+
+TEST(CrtStdio, TextStreamsTranslateLineEndsAndKnowTheirPosition) {
+  const TempFolder folder;
+  const Wide path = folder.Wide(WTEXT("out.txt"));
+  FILE* file = _wfopen(path.c_str(), WTEXT("w"));
+  ASSERT_NE(file, nullptr);
+  std::fputs("a\nbc\n", file);
+  std::fclose(file);
+  EXPECT_EQ(folder.Read("out.txt"), "a\r\nbc\r\n");
+
+  file = _wfopen(path.c_str(), WTEXT("a"));
+  ASSERT_NE(file, nullptr);
+  std::fputs("d\n", file);
+  std::fclose(file);
+  EXPECT_EQ(folder.Read("out.txt"), "a\r\nbc\r\nd\r\n");
+
+  file = _wfopen(path.c_str(), WTEXT("r+t"));
+  ASSERT_NE(file, nullptr);
+  WCHAR line[10];
+  ASSERT_NE(fgetws(line, 10, file), nullptr);
+  const long second = std::ftell(file);
+  EXPECT_EQ(second, 3);
+  ASSERT_NE(fgetws(line, 10, file), nullptr);
+  EXPECT_EQ(Wide(line), WTEXT("bc\n"));
+  ASSERT_EQ(std::fseek(file, second, SEEK_SET), 0);
+  std::fputs("BC", file);
+  std::fclose(file);
+  EXPECT_EQ(folder.Read("out.txt"), "a\r\nBC\r\nd\r\n");
+
+  file = _wfopen(path.c_str(), WTEXT("wb"));
+  ASSERT_NE(file, nullptr);
+  std::fputs("a\n", file);
+  std::fclose(file);
+  EXPECT_EQ(folder.Read("out.txt"), "a\n");
+}
+
+TEST(CrtStdio, OpensByWindowsNames) {
+  const TempFolder folder;
+  const Wide name = WTEXT("Stra\u00DFe \u00C0.txt");
+  FILE* file = _wfopen((folder.Wide() + WTEXT("\\") + name).c_str(), WTEXT("wb"));
+  ASSERT_NE(file, nullptr);
+  std::fclose(file);
+  EXPECT_TRUE(std::filesystem::exists(folder.Path() / name));
+  file = _wfopen((folder.Wide() + WTEXT("/STRA\u00DFE \u00E0.TXT")).c_str(), WTEXT("rb"));
+  EXPECT_NE(file, nullptr) << "in any case";
+  if (file != nullptr) std::fclose(file);
+
+  errno = 0;
+  EXPECT_EQ(_wfopen(folder.Wide(WTEXT("none.txt")).c_str(), WTEXT("rb")), nullptr);
+  EXPECT_EQ(errno, ENOENT);
+  errno = 0;
+  EXPECT_EQ(_wfopen(folder.Wide().c_str(), WTEXT("rb")), nullptr) << "a folder isn't a file";
+  EXPECT_EQ(errno, EACCES);
+  errno = 0;
+  EXPECT_EQ(_wfopen(folder.Wide(WTEXT("a*b")).c_str(), WTEXT("wb")), nullptr);
+  EXPECT_EQ(errno, EINVAL);
+}
+
+TEST(CrtStdio, ReadsTheCharactersOfTheLocale) {
+  if (setlocale(LC_ALL, kGermanLocale) == nullptr) GTEST_SKIP() << "no German locale";
+  const TempFolder folder;
+  const Wide text = WTEXT("G\u00F6ttingen 5 \u20AC\n");
+  char bytes[64] = {};
+  EXPECT_LT(wcstombs(bytes, text.c_str(), sizeof(bytes)), sizeof(bytes));
+  folder.Write("german.txt", bytes);
+  EXPECT_EQ(ReadLines(folder.Wide(WTEXT("german.txt")), WTEXT("r")), std::vector<Wide>{text});
+  EXPECT_EQ(ReadLines(folder.Wide(WTEXT("german.txt")), WTEXT("r"), 3)[0], text.substr(0, 2));
+#ifndef _WIN32
+  // UTF-8 alone has characters of two units, and bytes that are no character.
+  folder.Write("pair.txt", "ab\xF0\x90\x80\x80z");
+  const std::vector<Wide> pieces = {u"ab", u"\U00010000z"};
+  EXPECT_EQ(ReadLines(folder.Wide(WTEXT("pair.txt")), WTEXT("r"), 4), pieces);
+  folder.Write("bad.txt", "a\n\xC3(");
+  EXPECT_EQ(ReadLines(folder.Wide(WTEXT("bad.txt")), WTEXT("r")), std::vector<Wide>{u"a\n"});
+  EXPECT_EQ(errno, EILSEQ);
+#endif
+  setlocale(LC_ALL, "C");
+}
+
+TEST(CrtNumber, ReadsIntegersOf32Bits) {
+  struct Case {
+    const WCHAR* text;
+    int value;
+  };
+  const Case kCases[] = {
+      {WTEXT(""), 0},
+      {WTEXT(" \t\n-12x"), -12},
+      {WTEXT("+7"), 7},
+      {WTEXT("+-7"), 0},
+      {WTEXT("007.9"), 7},
+      {WTEXT("0x10"), 0},
+      {WTEXT("2147483647"), INT_MAX},
+      {WTEXT("2147483648"), INT_MAX},
+      {WTEXT("-2147483648"), INT_MIN},
+      {WTEXT("-2147483649"), INT_MIN},
+      {WTEXT("4294967297"), INT_MAX},
+      {WTEXT("99999999999999999999999"), INT_MAX},
+  };
+  for (const Case& c : kCases) {
+    EXPECT_EQ(_wtoi(c.text), c.value);
+    EXPECT_EQ(_wtol(c.text), c.value);
+  }
+}
+
+TEST(CrtNumber, ReadsDecimalsByTheLocale) {
+  EXPECT_EQ(_wtof(WTEXT(" -12.5e1x")), -125);
+  EXPECT_EQ(_wtof(WTEXT("1,5")), 1);
+  EXPECT_EQ(_wtof(WTEXT("x")), 0);
+  EXPECT_EQ(_wtof(WTEXT("1\u012B5")), 1) << "no unit is cut to a byte";
+  if (setlocale(LC_ALL, kGermanLocale) == nullptr) GTEST_SKIP() << "no German locale";
+  EXPECT_EQ(_wtof(WTEXT("1,5")), 1.5);
+  EXPECT_EQ(_wtof(WTEXT("1.5")), 1);
+  setlocale(LC_ALL, "C");
+}
+
+}  // namespace
