@@ -51,7 +51,7 @@ class Source : public CSourceEvent {
 };
 
 // Writes down what it is told: "b:A", "e:A", "E:A", and then may act.
-class Listener : public CSourceEvent::IEvent {
+class Listener final : public CSourceEvent::IEvent {
  public:
   explicit Listener(Log* log, std::string prefix = "") : m_log(log), m_prefix(std::move(prefix)) {}
   void OnBeginEvent(CSourceEvent* source) override { Told("b:", source); }
@@ -285,6 +285,7 @@ TEST_F(ChangeTransactionTest, ExceptionsLeaveTheManagerUsable) {
   TakeLog();
   m_manager.Add(new Command);
   EXPECT_EQ(TakeLog(), (Log{"e:A", "[A", "E:A", "]A"})) << "the level was counted down";
+  EXPECT_EQ(CountUndo(), 2u) << "and the record ended";
 }
 
 // --- the closing on the window's thread ---

@@ -183,7 +183,7 @@ TEST(CmdExecutedGroup, ACopyDoesNotOwn) {
 }
 
 // A listener that does something to the list while it is told.
-class Listener : public CCmdExecutedList::IEvents {
+class Listener final : public CCmdExecutedList::IEvents {
  public:
   void OnBeforeUndoRedo(bool undo) override { Told(undo ? 'u' : 'r'); }
   void OnAfterUndoRedo(bool undo) override { Told(undo ? 'U' : 'R'); }

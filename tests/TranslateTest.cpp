@@ -1,5 +1,13 @@
 #include "kelp0lang/Translate.h"
 
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "sarnutils/Xlate.h"
+#include "tests/TempFolder.h"
 #include "tests/TestText.h"
 
 using kelp::WString;
@@ -7,7 +15,106 @@ using kelp::Xlate;
 
 namespace {
 
-TEST(Translate, WithoutATableOnlyTheNoteGoes) {
+const std::string kHeader =
+    "msgid \"\"\nmsgstr \"Language: it\\nContent-Type: text/plain; charset=UTF-8\\n\"\n";
+
+// Loads bytes as a catalogue, from a file of its own.
+class Translate : public testing::Test {
+ protected:
+  ~Translate() override { kelp::UnloadTranslateFile(); }
+
+  WString Path() const { return WString(m_folder.Wide(kName).c_str()); }
+  bool Load(const std::string& bytes) {
+    // A new file each time: some file systems flush one that is cut and written again.
+    std::filesystem::remove(m_folder.Path() / kName);
+    m_folder.Write(kName, bytes);
+    return kelp::LoadTranslateFile(Path());
+  }
+  // What the failed load of bytes says behind the file's name; empty if it didn't fail.
+  WString ErrorOf(const std::string& bytes) {
+    if (Load(bytes)) return WString();
+    EXPECT_FALSE(kelp::IsTranslateFileLoaded());
+    EXPECT_EQ(Xlate(KTEXT("a\\n@@note")), WString(KTEXT("a\\n"))) << "no table";
+    EXPECT_EQ(xlate::GetXlateTable()->begin(), xlate::GetXlateTable()->end());
+    const WString error = kelp::GetTranslateFileError();
+    EXPECT_TRUE(error.StartsWith(Path())) << error.ToUtf8().c_str();
+    return error.Substring(Path().Length());
+  }
+
+  static constexpr const WChar* kName = KTEXT("citt\x00E0.po");
+
+  TempFolder m_folder;
+};
+
+using Entries = std::vector<std::pair<std::string, std::string>>;
+
+// The binary form of a catalogue: header, both tables, texts.
+std::string Mo(const Entries& entries, bool bigEndian = false) {
+  std::string bytes;
+  const auto put = [&bytes, bigEndian](std::size_t number) {
+    for (int i = 0; i < 4; ++i) {
+      bytes += static_cast<char>(number >> 8 * (bigEndian ? 3 - i : i) & 0xFF);
+    }
+  };
+  constexpr std::size_t kHeaderSize = 28;
+  const std::size_t tables = kHeaderSize + 16 * entries.size();
+  for (const std::size_t number :
+       {std::size_t{0x950412DE}, std::size_t{0}, entries.size(), kHeaderSize,
+        kHeaderSize + 8 * entries.size(), std::size_t{0}, tables}) {
+    put(number);
+  }
+  std::string texts;
+  const auto place = [&](const std::string& text) {
+    put(text.size());
+    put(tables + texts.size());
+    texts.append(text.c_str(), text.size() + 1);
+  };
+  for (const auto& entry : entries) place(entry.first);
+  for (const auto& entry : entries) place(entry.second);
+  return bytes + texts;
+}
+
+// Quoted as a .po file has it.
+std::string Quote(const std::string& text) {
+  std::string quoted = "\"";
+  for (const char byte : text) {
+    if (byte == '"' || byte == '\\') quoted += '\\';
+    quoted += byte == '\n' ? std::string("\\n") : std::string(1, byte);
+  }
+  return quoted + "\"";
+}
+
+std::string Po(const Entries& entries) {
+  std::string bytes;
+  for (const auto& [key, text] : entries) {
+    bytes += "msgid " + Quote(key) + "\nmsgstr " + Quote(text) + "\n\n";
+  }
+  return bytes;
+}
+
+const Entries kSurvey = {
+    {"", "Content-Type: text/plain; charset=UTF-8\n"},
+    {"abc", "corto"},
+    {"abcd", "lungo"},
+    {"E@@East (1 char)", "O"},
+    {"E@@Elevation", "Q"},
+    {"line\nend", "riga\nfine"},
+    {"C:\\dir", "D:\\Dati"},
+    {"quoted \"text\"", "testo \"citato\""},
+    {"untranslated@@note", ""},
+    {"smile", "\xF0\x9F\x98\x80 \xC3\xA8"},
+};
+
+std::vector<WString> Keys() {
+  std::vector<WString> keys;
+  for (const xlate::XlateEntry& entry : *xlate::GetXlateTable()) {
+    WString& key = keys.emplace_back();
+    std::copy_n(entry.key, entry.keyLength, key.GetBufferSetLength(entry.keyLength));
+  }
+  return keys;
+}
+
+TEST_F(Translate, WithoutATableOnlyTheNoteGoes) {
   const WChar* const cases[][2] = {
       {KTEXT("E@@East (1 char)"), KTEXT("E")},
       {KTEXT("a@b"), KTEXT("a@b")},
@@ -24,6 +131,306 @@ TEST(Translate, WithoutATableOnlyTheNoteGoes) {
       {nullptr, KTEXT("")},
   };
   for (const auto& [source, shown] : cases) EXPECT_EQ(Xlate(source), WString(shown));
+}
+
+TEST_F(Translate, FindsTextsInEveryFormOfACatalogue) {
+  const WChar* const cases[][2] = {
+      {KTEXT("abc"), KTEXT("corto")},
+      {KTEXT("abcd"), KTEXT("lungo")},
+      {KTEXT("ab"), KTEXT("ab")},
+      {KTEXT("abcde"), KTEXT("abcde")},
+      {KTEXT("E@@East (1 char)"), KTEXT("O")},
+      {KTEXT("E@@Elevation"), KTEXT("Q")},
+      {KTEXT("E@@Edge"), KTEXT("E")},
+      {KTEXT("line\nend"), KTEXT("riga\nfine")},
+      {KTEXT("C:\\dir"), KTEXT("D:\\Dati")},
+      {KTEXT("quoted \"text\""), KTEXT("testo \"citato\"")},
+      {KTEXT("untranslated@@note"), KTEXT("untranslated")},
+      {KTEXT("smile"), KTEXT("\xD83D\xDE00 \xE8")},
+      // A table unescapes what it doesn't have, and a backslash joins the letter behind it.
+      {KTEXT("a\\nb"), KTEXT("a\nb")},
+      {KTEXT("a\\\\rb"), KTEXT("a\rb")},
+      {KTEXT("a\\\\\\z"), KTEXT("a\\\\z")},
+      {KTEXT(""), KTEXT("")},
+      {nullptr, KTEXT("")},
+  };
+  for (const std::string& bytes : {Po(kSurvey), Mo(kSurvey), Mo(kSurvey, true)}) {
+    ASSERT_TRUE(Load(bytes)) << kelp::GetTranslateFileError().ToUtf8().c_str();
+    EXPECT_TRUE(kelp::IsTranslateFileLoaded());
+    EXPECT_TRUE(kelp::GetTranslateFileError().empty());
+    for (const auto& [source, shown] : cases) EXPECT_EQ(Xlate(source), WString(shown));
+  }
+}
+
+TEST_F(Translate, TheLongerOfTwoKeysStandsFirst) {
+  ASSERT_TRUE(Load(Po({{"b", "1"},
+                       {"a", "2"},
+                       {"abc", "3"},
+                       {"ab", "4"},
+                       {"ab\n", "5"},
+                       {"aa", "6"},
+                       {"\xEF\xBF\xBD", "7"},
+                       {"\xF0\x9F\x98\x80", "8"}})));
+  const std::vector<WString> sorted = {KTEXT("aa"),           KTEXT("ab\\n"), KTEXT("abc"),
+                                       KTEXT("ab"),           KTEXT("a"),     KTEXT("b"),
+                                       KTEXT("\xD83D\xDE00"), KTEXT("\xFFFD")};
+  EXPECT_EQ(Keys(), sorted);
+  for (const char* key : {"a", "aa", "ab", "abc", "b"}) {
+    const WString source = WString::ConvertFromUtf8(key);
+    EXPECT_NE(Xlate(source.c_str()), source);
+  }
+}
+
+TEST_F(Translate, ReadsThePoForm) {
+  const std::string catalogue =
+      "\xEF\xBB\xBF# Traduzione\n"
+      "#, fuzzy\n" +
+      kHeader +
+      "#. extracted\n#: source.cpp:12\n#, c-format, no-wrap\n#| msgid \"old\"\n"
+      "msgctxt \"menu\"\nmsgid \"Open\"\nmsgstr \"Apri\"\n"
+      "msgid \"%d point\"\nmsgid_plural \"%d points\"\n"
+      "msgstr[0] \"%d punto\"\nmsgstr[1] \"%d \"\n\"punti\"\n"
+      "msgid\"\"  \"two \" \"parts\"\n\t\"!\"\n  msgstr \"\"\n\"due \"\n\"\"\n\"parti\"\n"
+      "#, c-format , fuzzy\nmsgid \"guess\"\nmsgstr \"forse\"\n"
+      "#, fuzzy\n#~ msgid \"gone\"\n#~ msgstr \"andato\"\n"
+      "msgid \"escapes\"\nmsgstr \"\\t\\\"\\a\\b\\f\\v\\'\\?\\101\\7z\\x41 \\303\\xA8\"\n"
+      "msgid \"last\"\nmsgstr \"ultimo\"";
+  const WChar* const cases[][2] = {
+      {KTEXT("menu\x4"
+             "Open"),
+       KTEXT("Apri")},
+      {KTEXT("Open"), KTEXT("Open")},
+      {KTEXT("%d point"), KTEXT("%d punto")},
+      {KTEXT("%d points"), KTEXT("%d points")},
+      {KTEXT("two parts!"), KTEXT("due parti")},
+      {KTEXT("guess"), KTEXT("guess")},
+      {KTEXT("gone"), KTEXT("gone")},
+      {KTEXT("escapes"), KTEXT("\t\"\a\b\f\v'?A\az"
+                               "A \xE8")},
+      {KTEXT("last"), KTEXT("ultimo")},
+  };
+  std::string withReturns;
+  for (const char byte : catalogue) {
+    withReturns += byte == '\n' ? std::string("\r\n") : std::string(1, byte);
+  }
+  for (const std::string& bytes : {catalogue, withReturns}) {
+    ASSERT_TRUE(Load(bytes)) << kelp::GetTranslateFileError().ToUtf8().c_str();
+    for (const auto& [source, shown] : cases) EXPECT_EQ(Xlate(source), WString(shown));
+  }
+}
+
+TEST_F(Translate, ReadsContextsAndPluralsOfTheMoForm) {
+  using namespace std::string_literals;
+  ASSERT_TRUE(Load(Mo({{"%d point\0%d points"s, "%d punto\0%d punti"s}, {"menu\4Open", "Apri"}})));
+  EXPECT_EQ(Xlate(KTEXT("%d point")), WString(KTEXT("%d punto")));
+  EXPECT_EQ(Xlate(KTEXT("menu\x4"
+                        "Open")),
+            WString(KTEXT("Apri")));
+}
+
+TEST_F(Translate, HonoursTheCharset) {
+  const auto encoded = [](const std::string& charset, const std::string& text) {
+    return Entries{{"", "Content-Type: text/plain; charset=" + charset + "\n"}, {"a", text}};
+  };
+  const struct {
+    Entries entries;
+    const WChar* shown;  // null: refused
+  } cases[] = {
+      {encoded("UTF-8", "\xC3\xA8"), KTEXT("\xE8")},
+      {encoded("utf8", "\xC3\xA8"), KTEXT("\xE8")},
+      {encoded("CHARSET", "\xC3\xA8"), KTEXT("\xE8")},
+      {encoded("ISO-8859-1", "\xC3\xA8"), KTEXT("\xC3\xA8")},
+      {encoded("US-ASCII", "z"), KTEXT("z")},
+      {{{"", "Language: it\n"}, {"a", "\xC3\xA8"}}, KTEXT("\xE8")},
+      {{{"a", "\xC3\xA8"}}, KTEXT("\xE8")},
+      {encoded("UTF-8", "\xE8"), nullptr},
+      {encoded("ASCII", "\xC3\xA8"), nullptr},
+      {encoded("KOI8-R", "z"), nullptr},
+      {encoded("", "z"), nullptr},
+  };
+  for (const auto& c : cases) {
+    for (const std::string& bytes : {Po(c.entries), Mo(c.entries)}) {
+      ASSERT_EQ(Load(bytes), c.shown != nullptr) << bytes;
+      if (c.shown == nullptr) continue;
+      EXPECT_EQ(Xlate(KTEXT("a")), WString(c.shown)) << bytes;
+    }
+  }
+}
+
+TEST_F(Translate, AFuzzyHeaderNamesTheCharset) {
+  ASSERT_TRUE(
+      Load("#, fuzzy\nmsgid \"\"\nmsgstr \"charset=ISO-8859-1\\n\"\n"
+           "msgid \"a\"\nmsgstr \"\xE8\"\n"));
+  EXPECT_EQ(Xlate(KTEXT("a")), WString(KTEXT("\xE8")));
+}
+
+TEST_F(Translate, OfEqualKeysTheLastCountsOrIsAnError) {
+  Entries often;
+  for (int i = 0; i < 100; ++i) often.push_back({i % 2 == 0 ? "a" : "ab", std::to_string(i)});
+  ASSERT_TRUE(Load(Po(often)));
+  EXPECT_EQ(Keys(), (std::vector<WString>{KTEXT("ab"), KTEXT("a")}));
+  EXPECT_EQ(Xlate(KTEXT("a")), WString(KTEXT("98")));
+  EXPECT_EQ(Xlate(KTEXT("ab")), WString(KTEXT("99")));
+
+  Load(Po({{"a", "1"}, {"b", "2"}, {"a", "3"}}));
+  const sarn_text::CSarnStringT<WChar> path(Path().c_str());
+  EXPECT_FALSE(xlate::LoadTranslateFile(path, xlate::eDetectDuplicates));
+  EXPECT_TRUE(
+      WString(xlate::GetLoadError()).EndsWith(KTEXT(":7: the source text has an entry already")));
+  Load(Po({{"a", "1"}, {"b", "2"}}));
+  EXPECT_TRUE(xlate::LoadTranslateFile(path, xlate::eDetectDuplicates));
+}
+
+TEST_F(Translate, LengthsEndAt65535UnitsOfEscapedText) {
+  const std::string longest(65535, 'k');
+  const WString key = WString::ConvertFromUtf8(longest.c_str());
+  ASSERT_TRUE(Load(Po({{longest, longest}, {"k", "short"}})));
+  EXPECT_EQ(Xlate(key.c_str()), key);
+  EXPECT_EQ(Xlate(KTEXT("k")), WString(KTEXT("short")));
+
+  const std::string tooLong[] = {longest + "k", std::string(32768, '\\')};
+  for (const std::string& text : tooLong) {
+    EXPECT_EQ(ErrorOf(Po({{"a", "b"}, {"c", text}})), WString(KTEXT(":4: a text is too long")));
+    EXPECT_EQ(ErrorOf(Mo({{"a", "b"}, {text, "c"}})),
+              WString(KTEXT(": entry 2: a text is too long")));
+  }
+}
+
+TEST_F(Translate, RefusesMalformedPoFiles) {
+  using namespace std::string_literals;
+  const struct {
+    std::string bytes;
+    const WChar* error;
+  } cases[] = {
+      {"", KTEXT(":1: the file holds no entry")},
+      {"# only\n#~ msgid \"gone\"\n", KTEXT(":3: the file holds no entry")},
+      {"\xFF\xFEm\0s\0"s, KTEXT(":1: \"msgid\" expected")},
+      {"\xDE\x12\x04", KTEXT(":1: \"msgid\" expected")},
+      {"msgstr \"a\"\n", KTEXT(":1: \"msgid\" expected")},
+      {"msgid a\n", KTEXT(":1: no text behind \"msgid\"")},
+      {"\n\nmsgid \"a\"\n", KTEXT(":4: \"msgstr\" expected")},
+      {"msgid \"a\"\nmsgid \"b\"\n", KTEXT(":2: \"msgstr\" expected")},
+      {"msgid \"a\"\nmsgstr\n", KTEXT(":3: no text behind \"msgstr\"")},
+      {"msgid \"a\"\nmsgstr \"b", KTEXT(":2: a text has no closing quote")},
+      {"msgid \"a\"\nmsgstr \"b\nc\"\n", KTEXT(":2: a text has no closing quote")},
+      {"msgid \"a\"\nmsgstr \"b\\", KTEXT(":2: a text has no closing quote")},
+      {"msgid \"a\"\nmsgstr \"\\q\"", KTEXT(":2: unknown escape in a text")},
+      {"msgid \"a\"\nmsgstr \"\\xg\"", KTEXT(":2: an escape stands for no byte")},
+      {"msgid \"a\"\nmsgstr \"\\x100\"", KTEXT(":2: an escape stands for no byte")},
+      {"msgid \"a\"\nmsgstr \"\\400\"", KTEXT(":2: an escape stands for no byte")},
+      {"msgid \"a\"\nmsgstr \"\\0\"", KTEXT(":2: an escape stands for no byte")},
+      {"msgid \"a\"\nmsgstr \"b\0\""s, KTEXT(":2: a zero byte in a text")},
+      {"msgid \"a\"\nmsgstr[0] \"b\"\n", KTEXT(":2: no text behind \"msgstr\"")},
+      {"msgid \"a\"\nmsgid_plural \"b\"\nmsgstr \"c\"\n", KTEXT(":3: \"msgstr[0]\" expected")},
+      {"msgid \"a\"\nmsgid_plural \"b\"\n", KTEXT(":3: \"msgstr[0]\" expected")},
+      {"msgid \"a\"\nmsgid_plural \"b\"\nmsgstr[0] \"c\"\nmsgstr[2] \"d\"\n",
+       KTEXT(":4: \"msgstr[1]\" expected")},
+      {"msgid \"a\"\nmsgstr \"b\"\n\nmsgid \"c\"\nmsgstr \"\xC3\"\n",
+       KTEXT(":4: a text isn't in the charset of the catalogue")},
+      {"\nmsgid \"\"\nmsgstr \"charset=UTF-7\"\n", KTEXT(":2: unknown charset \"utf-7\"")},
+      {"msgid \"a\"\nmsgstr \"b\"\ndomain \"c\"\n", KTEXT(":3: \"msgid\" expected")},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ErrorOf(c.bytes), WString(c.error)) << c.bytes;
+}
+
+TEST_F(Translate, RefusesMalformedMoFiles) {
+  const std::string good = Mo({{"a", "bc"}, {"d", "ef"}});
+  ASSERT_TRUE(Load(good));
+  const struct {
+    std::size_t offset;
+    std::uint32_t number;
+    const WChar* error;
+  } cases[] = {
+      {4, 0x20000, KTEXT(": unknown revision of the form")},
+      {8, 0xFFFFFFFF, KTEXT(": the table of texts reaches beyond the file")},
+      {8, 8, KTEXT(": the table of texts reaches beyond the file")},
+      {12, 0xFFFFFFFC, KTEXT(": the table of texts reaches beyond the file")},
+      {16, 60, KTEXT(": the table of texts reaches beyond the file")},
+      {28, 0xFFFFFFFF, KTEXT(": entry 1: a text reaches beyond the file")},
+      {32, 0xFFFFFFFF, KTEXT(": entry 1: a text reaches beyond the file")},
+      {32, 69, KTEXT(": entry 1: a text reaches beyond the file")},
+      {36, 0, KTEXT(": entry 2: a text has no end")},
+      {52, 1, KTEXT(": entry 2: a text has no end")},
+  };
+  for (const auto& c : cases) {
+    std::string bytes = good;
+    std::memcpy(bytes.data() + c.offset, &c.number, sizeof(c.number));
+    EXPECT_EQ(ErrorOf(bytes), WString(c.error)) << "offset " << c.offset;
+  }
+
+  // A hundred entries that all lie on one long text.
+  std::string overlaid = Mo(Entries(100, {"", std::string(1000, 'x')}));
+  for (std::size_t i = 1; i < 100; ++i) {
+    std::memcpy(overlaid.data() + 28 + 8 * i, overlaid.data() + 28 + 8 * 100, 8);
+  }
+  EXPECT_EQ(ErrorOf(overlaid), WString(KTEXT(": entry 52: texts lie over each other")));
+}
+
+TEST_F(Translate, ACatalogueCutShortGivesNothingOrWhatIsWhole) {
+  const std::string mo = Mo(kSurvey);
+  for (std::size_t size = 0; size < mo.size(); ++size) {
+    ASSERT_FALSE(ErrorOf(mo.substr(0, size)).empty()) << size;
+  }
+
+  const auto shown = [] {
+    std::vector<WString> texts;
+    for (const auto& entry : kSurvey) {
+      texts.push_back(Xlate(WString::ConvertFromUtf8(entry.first.c_str()).c_str()));
+    }
+    return texts;
+  };
+  const std::string po = Po(kSurvey);
+  ASSERT_TRUE(Load(kHeader));
+  const std::vector<WString> none = shown();
+  ASSERT_TRUE(Load(po));
+  const std::vector<WString> all = shown();
+  for (std::size_t size = 0; size < po.size(); ++size) {
+    if (!ErrorOf(po.substr(0, size)).empty()) continue;
+    const std::vector<WString> some = shown();
+    const std::size_t whole = xlate::GetXlateTable()->end() - xlate::GetXlateTable()->begin();
+    for (std::size_t i = 0; i < some.size(); ++i) {
+      ASSERT_EQ(some[i], i <= whole ? all[i] : none[i]) << size;
+    }
+  }
+}
+
+// Of the header and the tables.
+TEST_F(Translate, NoChangedNumberDoesHarm) {
+  const std::size_t numbers = 28 + 16 * kSurvey.size();
+  for (const std::string& good : {Mo(kSurvey), Mo(kSurvey, true)}) {
+    for (std::size_t i = 0; i < numbers; ++i) {
+      for (const char byte : {'\x01', '\xFF'}) {
+        std::string bytes = good;
+        bytes[i] = byte;
+        if (!ErrorOf(bytes).empty()) continue;
+        for (const xlate::XlateEntry& entry : *xlate::GetXlateTable()) {
+          ASSERT_LE(entry.keyLength + entry.textLength, 2 * good.size());
+        }
+        Xlate(KTEXT("abc"));
+      }
+    }
+  }
+}
+
+TEST_F(Translate, AFailedLoadAndAnUnloadLeaveNoTable) {
+  EXPECT_FALSE(kelp::IsTranslateFileLoaded());
+  ASSERT_TRUE(Load(Po({{"a", "1"}})));
+  EXPECT_FALSE(kelp::LoadTranslateFile(Path() + KTEXT(".none")));
+  EXPECT_TRUE(kelp::GetTranslateFileError().EndsWith(KTEXT(".none: the file can't be opened")));
+  EXPECT_FALSE(kelp::IsTranslateFileLoaded());
+  EXPECT_EQ(Xlate(KTEXT("a")), WString(KTEXT("a")));
+
+  ASSERT_TRUE(Load(Po({{"a", "1"}})));
+  kelp::UnloadTranslateFile();
+  EXPECT_FALSE(kelp::IsTranslateFileLoaded());
+  EXPECT_EQ(Xlate(KTEXT("a\\n")), WString(KTEXT("a\\n")));
+
+  // The table's owner may empty it on its own: it stays a table, without hits.
+  ASSERT_TRUE(Load(Po({{"a", "1"}})));
+  xlate::UnloadTranslateFile();
+  EXPECT_FALSE(kelp::IsTranslateFileLoaded());
+  EXPECT_EQ(Xlate(KTEXT("a")), WString(KTEXT("a")));
+  EXPECT_EQ(Xlate(KTEXT("a\\n@@x")), WString(KTEXT("a\n")));
 }
 
 }  // namespace

@@ -148,14 +148,17 @@ void CChangeTransactionManager::EndEvent() {
 }
 
 void CChangeTransactionManager::DoEndEvent() {
+  // The record ends with the transaction even if a listener throws: it would never end later.
+  const AtExit finish([this] {
+    if (!m_undoInProgress) m_list->StopRecordCmd();
+    RemoveUnregisteredSourceEvents();
+  });
   m_sources.ForEach([](CSourceEvent* source) {
     if (source->HasActed()) source->OnBeforeEnd();
   });
   m_sources.ForEach([](CSourceEvent* source) {
     if (source->HasActed()) source->OnEnd();
   });
-  if (!m_undoInProgress) m_list->StopRecordCmd();
-  RemoveUnregisteredSourceEvents();
 }
 
 void CChangeTransactionManager::Add(ICmdExecuted* command) {

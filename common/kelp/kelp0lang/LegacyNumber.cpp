@@ -153,20 +153,21 @@ long LongDaStringNullZero(const WString& text) {
 }
 
 WString StringDaDouble(double v, int width, int dec) {
-  WString result;
   if (IsNotSet(v)) {
-    result.resize(std::max(width, 0), KTEXT(' '));
-    return result;
+    WString blanks;
+    blanks.resize(std::max(width, 0), KTEXT(' '));
+    return blanks;
   }
   const WChar point = kelp::detail::ProcessDecimalPoint();
   WChar text[kNumberRoom];
   int length = kelp::detail::FormatFixed(text, v, dec, point);
   if (length < 0) length = kelp::detail::Format(text, kNumberRoom, point, KTEXT("%.*f"), dec, v);
-  const int places = std::max(width, length);
-  if (length < 0 || places >= kNumberRoom) return result;
-  WChar* const out = std::fill_n(result.GetBufferSetLength(places), places - length, KTEXT(' '));
-  std::copy_n(text, length, out);
-  return result;
+  if (length < 0 || width >= kNumberRoom) return WString();
+  if (width > length) {
+    std::copy_backward(text, text + length + 1, text + width + 1);
+    std::fill_n(text, width - length, KTEXT(' '));
+  }
+  return WString(text);
 }
 
 WString StringDaDoubleConZeri(double v, int width, int dec) {

@@ -1,7 +1,17 @@
 #include "kelp0lang/Translate.h"
 
+#include <tchar.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cwchar>
+
+#include "sarnutils/Xlate.h"
+
 namespace kelp {
 namespace {
+
+constinit const xlate::CXlateTable* currentTable = nullptr;
 
 WString StripNote(const WString& text) {
   const int last = text.rfind(KTEXT('@'));
@@ -9,10 +19,71 @@ WString StripNote(const WString& text) {
   return text.Substring(0, last - 1);
 }
 
+WString Escape(WString text) {
+  text.ReplaceInPlace(KTEXT("\\"), KTEXT("\\\\"));
+  text.ReplaceInPlace(KTEXT("\r"), KTEXT("\\r"));
+  text.ReplaceInPlace(KTEXT("\n"), KTEXT("\\n"));
+  return text;
+}
+
+WString Unescape(WString text) {
+  text.ReplaceInPlace(KTEXT("\\\\"), KTEXT("\\"));
+  text.ReplaceInPlace(KTEXT("\\r"), KTEXT("\r"));
+  text.ReplaceInPlace(KTEXT("\\n"), KTEXT("\n"));
+  return text;
+}
+
+// By the units that both keys have.
+int CompareStarts(const xlate::XlateEntry& entry, const WString& key, std::uint16_t keyLength) {
+  return wcsncmp(entry.key, key.c_str(), std::min(entry.keyLength, keyLength));
+}
+
+// The escaped translation of a source text; empty where the table has none.
+WString Find(const xlate::CXlateTable& table, const WString& text) {
+  const WString key = Escape(text);
+  const auto keyLength = static_cast<std::uint16_t>(key.Length());
+  const auto standsBefore = [keyLength](const xlate::XlateEntry& entry, const WString& wanted) {
+    const int starts = CompareStarts(entry, wanted, keyLength);
+    return starts < 0 || (starts == 0 && entry.keyLength > keyLength);
+  };
+  const xlate::XlateEntry* entry = std::lower_bound(table.begin(), table.end(), key, standsBefore);
+  if (entry == table.end() || entry->keyLength != keyLength ||
+      CompareStarts(*entry, key, keyLength) != 0) {
+    return WString();
+  }
+  WString found;
+  std::copy_n(entry->text, entry->textLength, found.GetBufferSetLength(entry->textLength));
+  return found;
+}
+
 }  // namespace
 
 WString Xlate(const WChar* text) {
-  return StripNote(WString(text));
+  const WString source(text);
+  if (source.empty() || currentTable == nullptr) return StripNote(source);
+  WString shown;
+  if (currentTable->IsLoaded()) shown = Find(*currentTable, source);
+  if (shown.empty()) shown = StripNote(source);
+  return Unescape(shown);
+}
+
+bool LoadTranslateFile(const WString& path) {
+  const bool loaded = xlate::LoadTranslateFile(path.c_str(), xlate::eDetectNone);
+  currentTable = loaded ? xlate::GetXlateTable() : nullptr;
+  return loaded;
+}
+
+WString GetTranslateFileError() {
+  return WString(xlate::GetLoadError());
+}
+
+void UnloadTranslateFile() {
+  xlate::UnloadTranslateFile();
+  currentTable = nullptr;
+}
+
+bool IsTranslateFileLoaded() {
+  return currentTable != nullptr && currentTable->IsLoaded();
 }
 
 }  // namespace kelp

@@ -1,11 +1,16 @@
 // Source texts into the user's language.
 //
+//   if (!kelp::LoadTranslateFile(GetLanguageFile())) show(kelp::GetTranslateFileError());
 //   kelp::Xlate(KTEXT("E@@East (1 char)"));  // the translation, or "E" where there is none
 //
 // Source texts are English. Behind the last "@@" a text may carry a note for the translator; the
 // note is part of the key, so one short text can have several translations, and is never shown.
 //
-// Threads: Xlate may run on any thread.
+// The translations come from a GNU gettext catalogue, .po or .mo, whose msgid is the whole source
+// text, note included (see sarnutils/Xlate.h). Nothing loads one by itself, and what was translated
+// before stays as it is.
+//
+// Threads: Xlate may run on any thread, but not while another loads or unloads a catalogue.
 #pragma once
 
 #include "kelp0lang/Export.h"
@@ -13,11 +18,27 @@
 
 namespace kelp {
 
-// The text to show for a source text: without its note, where there is no translation. Null gives
-// the empty text.
+// The text to show for a source text: its translation, and where there is none or an empty one, the
+// source text without its note. Null gives the empty text.
 //
 // The note begins at the last at sign of the text, if another one stands directly before it: of
 // "a@@b@@c" is shown "a@@b", of "@@x" nothing, and "a@@b@c" and "a@b" stay as they are.
+//
+// Once a catalogue has been loaded the text to show is unescaped, be it translated or not: every
+// two backslashes become one, then a backslash and "r" a carriage return, then a backslash and "n"
+// a line feed. So a shown text can't have a backslash directly before an "r" or "n".
 KELP0LANG_API WString Xlate(const WChar* text);
+
+// Takes the translations from a catalogue, in place of those before. False leaves none, and the
+// reason in GetTranslateFileError.
+KELP0LANG_API bool LoadTranslateFile(const WString& path);
+
+// Why the last load failed, in English, with the file and the line or entry; empty where it didn't.
+KELP0LANG_API WString GetTranslateFileError();
+
+// Source texts are shown again.
+KELP0LANG_API void UnloadTranslateFile();
+
+KELP0LANG_API bool IsTranslateFileLoaded();
 
 }  // namespace kelp

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cwchar>
 #include <string>
+#include <string_view>
 
 #include "PathName.h"
 
@@ -84,12 +85,10 @@ struct Mode {
 bool ReadMode(const char16_t* mode, Mode& result) {
   if (*mode != 'r' && *mode != 'w' && *mode != 'a') return false;
   result.posix = static_cast<char>(*mode);
+  // Where every reader of a mode looks for it: before the other letters.
+  if (std::u16string_view(mode).find('+') != std::u16string_view::npos) result.posix += '+';
   for (++mode; *mode != 0; ++mode) {
     switch (*mode) {
-      case '+':
-        // Before the other letters, where every reader of a mode looks for it.
-        result.posix.insert(1, "+");
-        break;
       case 'x':
         result.posix += 'x';
         break;
@@ -106,6 +105,7 @@ bool ReadMode(const char16_t* mode, Mode& result) {
       case 'S':
       case 'R':
       case 'T':
+      case '+':
       case ' ':
         break;
       default:

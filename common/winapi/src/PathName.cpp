@@ -36,7 +36,7 @@ std::u16string FoldedName(std::u16string_view name) {
   if (kUnicode != nullptr) {
     for (char16_t& unit : folded) {
       const auto upper = static_cast<char16_t>(towupper_l(unit, kUnicode));
-      // Here the platforms differ: there a letter beyond ASCII never equals one of ASCII.
+      // As on Windows, a letter beyond ASCII never equals one of ASCII.
       if (unit < 0x80 || upper >= 0x80) unit = upper;
     }
   }

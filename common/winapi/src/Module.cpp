@@ -1,0 +1,104 @@
+#include <link.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "PathName.h"
+
+namespace {
+
+struct Module {
+  std::uintptr_t base;
+  std::u16string path;  // as Windows has it
+};
+
+int AddModule(dl_phdr_info* info, std::size_t, void* target) {
+  auto& modules = *static_cast<std::vector<Module>*>(target);
+  std::error_code error;
+  // The program comes first, and has no name here.
+  const std::filesystem::path path = modules.empty()
+                                         ? std::filesystem::read_symlink("/proc/self/exe", error)
+                                         : std::filesystem::absolute(info->dlpi_name, error);
+  // The kernel's own page has a name without a folder and no file.
+  if (!modules.empty() && std::string_view(info->dlpi_name).find('/') == std::string_view::npos) {
+    return 0;
+  }
+  std::uintptr_t base = UINTPTR_MAX;
+  for (const auto* part = info->dlpi_phdr; part < info->dlpi_phdr + info->dlpi_phnum; ++part) {
+    if (part->p_type == PT_LOAD) base = std::min(base, info->dlpi_addr + part->p_vaddr);
+  }
+  modules.push_back({base, FromPosixPath(path.native())});
+  return 0;
+}
+
+// The program first.
+std::vector<Module> LoadedModules() {
+  std::vector<Module> modules;
+  dl_iterate_phdr(AddModule, &modules);
+  return modules;
+}
+
+HMODULE HandleOf(const Module& module) {
+  return reinterpret_cast<HMODULE>(module.base);
+}
+
+std::u16string_view FileNameOf(std::u16string_view path) {
+  return path.substr(path.find_last_of(u"\\/") + 1);
+}
+
+// The name that a library "libname.so.1" has on Windows, without its extension; empty for others.
+std::u16string_view LibraryNameOf(std::u16string_view fileName) {
+  constexpr std::u16string_view kPrefix = u"lib";
+  const std::size_t end = fileName.find(u".so");
+  if (!fileName.starts_with(kPrefix) || end == std::u16string_view::npos) return {};
+  return fileName.substr(kPrefix.size(), end - kPrefix.size());
+}
+
+bool HasName(const Module& module, const std::u16string& name) {
+  const std::u16string path = FoldedName(module.path);
+  if (std::any_of(name.begin(), name.end(), IsSeparator)) {
+    return path == FoldedName(FullPath(name));
+  }
+  const std::u16string_view fileName = FileNameOf(module.path);
+  const std::u16string wanted = FoldedName(name);
+  if (FoldedName(fileName) == wanted) return true;
+  const std::u16string library = FoldedName(LibraryNameOf(fileName));
+  return !library.empty() && (library == wanted || library + FoldedName(u".dll") == wanted);
+}
+
+}  // namespace
+
+HMODULE WINAPI GetModuleHandleW(LPCWSTR name) {
+  const std::vector<Module> modules = LoadedModules();
+  if (name == nullptr) return HandleOf(modules.front());
+  const auto found = std::find_if(modules.begin(), modules.end(),
+                                  [name](const Module& module) { return HasName(module, name); });
+  if (found != modules.end()) return HandleOf(*found);
+  SetLastError(ERROR_MOD_NOT_FOUND);
+  return nullptr;
+}
+
+DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size) {
+  const std::vector<Module> modules = LoadedModules();
+  const auto found = std::find_if(modules.begin(), modules.end(), [module](const Module& m) {
+    return module == nullptr || HandleOf(m) == module;
+  });
+  if (found == modules.end()) {
+    SetLastError(ERROR_MOD_NOT_FOUND);
+    return 0;
+  }
+  const std::size_t length = std::min<std::size_t>(found->path.size(), size == 0 ? 0 : size - 1);
+  if (size != 0) {
+    std::copy_n(found->path.begin(), length, path);
+    path[length] = 0;
+  }
+  if (length == found->path.size()) return static_cast<DWORD>(length);
+  SetLastError(ERROR_INSUFFICIENT_BUFFER);
+  return size;
+}
