@@ -1,0 +1,200 @@
+#include "Console.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <system_error>
+
+#include "kelp0lang/Translate.h"
+
+#ifdef _WIN32
+#include <windows.h>
+// Needs windows.h before it.
+#include <fcntl.h>
+#include <io.h>
+#include <shellapi.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace fieldbook {
+namespace {
+
+#ifdef _WIN32
+
+// The console's code pages belong to all programs in it, so they are put back at the end.
+UINT g_inputCodePage = 0;
+UINT g_outputCodePage = 0;
+
+void SetUpStreams() {
+  for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
+  g_inputCodePage = GetConsoleCP();
+  g_outputCodePage = GetConsoleOutputCP();
+  SetConsoleCP(CP_UTF8);
+  SetConsoleOutputCP(CP_UTF8);
+}
+
+void RestoreStreams() {
+  if (g_inputCodePage != 0) SetConsoleCP(g_inputCodePage);
+  if (g_outputCodePage != 0) SetConsoleOutputCP(g_outputCodePage);
+}
+
+bool IsAnsiTerminal() {
+  const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+  DWORD mode = 0;
+  return GetConsoleMode(output, &mode) != 0 &&
+         SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+}
+
+// A reader that went away shows as EINVAL in this C runtime.
+bool IsQuiet(int error) {
+  return error == EPIPE || error == EBADF || error == EINVAL;
+}
+
+#else
+
+void SetUpStreams() {}
+void RestoreStreams() {}
+
+bool IsAnsiTerminal() {
+  const char* terminal = std::getenv("TERM");
+  return isatty(STDOUT_FILENO) != 0 && terminal != nullptr && std::string_view(terminal) != "dumb";
+}
+
+bool IsQuiet(int error) {
+  return error == EPIPE || error == EBADF;
+}
+
+#endif
+
+bool WantsColour() {
+  const char* refusal = std::getenv("NO_COLOR");
+  return refusal == nullptr || *refusal == 0;
+}
+
+// The commonest errors have words that can be translated.
+WString WordsFor(int error) {
+  switch (error) {
+    case ENOENT:
+      return kelp::Xlate(KTEXT("there is no such file"));
+    case EACCES:
+      return kelp::Xlate(KTEXT("access is denied"));
+    case EISDIR:
+      return kelp::Xlate(KTEXT("it is a folder"));
+    case ENOSPC:
+      return kelp::Xlate(KTEXT("no space is left"));
+    default:
+      return Decode(std::generic_category().message(error));
+  }
+}
+
+[[noreturn]] void FailOn(const Argument& file, int error) {
+  throw Failure({KTEXT("{1}: {2}"), {Shown(file.text), WordsFor(error)}});
+}
+
+std::ifstream Open(const Argument& file) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(file.path, ignored)) FailOn(file, EISDIR);
+  errno = 0;
+  std::ifstream stream(file.path, std::ios::binary);
+  if (!stream) FailOn(file, errno != 0 ? errno : ENOENT);
+  return stream;
+}
+
+std::string ReadStream(std::istream& stream, const Argument& file) {
+  std::string content;
+  char part[1 << 16];
+  errno = 0;
+  while (stream.read(part, sizeof part), stream.gcount() > 0) {
+    content.append(part, static_cast<std::size_t>(stream.gcount()));
+  }
+  if (stream.bad()) FailOn(file, errno != 0 ? errno : EIO);
+  return content;
+}
+
+// std::cin takes an error for the end; the C stream below it knows better.
+void RequireInputRead() {
+  if (std::ferror(stdin) != 0) FailOn({KTEXT("-"), "-"}, errno != 0 ? errno : EIO);
+}
+
+}  // namespace
+
+Console::Console() {
+  SetUpStreams();
+  m_hasColour = WantsColour() && IsAnsiTerminal();
+}
+
+Console::~Console() {
+  RestoreStreams();
+}
+
+#ifdef _WIN32
+
+// main gets its arguments in the code page of the system, which hasn't all characters.
+std::vector<Argument> Console::Arguments(int, char**) {
+  int count = 0;
+  wchar_t** texts = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<Argument> arguments;
+  for (int i = 1; i < count; ++i) arguments.push_back({texts[i], texts[i]});
+  LocalFree(texts);
+  return arguments;
+}
+
+#else
+
+std::vector<Argument> Console::Arguments(int argc, char** argv) {
+  std::vector<Argument> arguments;
+  for (int i = 1; i < argc; ++i) arguments.push_back({Decode(argv[i]), argv[i]});
+  return arguments;
+}
+
+#endif
+
+void Console::Print(std::string_view utf8) {
+  if (IsOutputLost()) return;
+  errno = 0;
+  if (std::fwrite(utf8.data(), 1, utf8.size(), stdout) == utf8.size()) return;
+  m_outputError = errno != 0 ? errno : EIO;
+}
+
+void Console::PrintLine(const WString& text) {
+  const kelp::String utf8 = text.ToUtf8() + '\n';
+  Print({utf8.c_str(), utf8.length()});
+}
+
+void Console::Complain(const WString& text) {
+  std::fflush(stdout);  // so that both streams keep their order where they meet
+  const kelp::String utf8 = text.ToUtf8() + '\n';
+  std::fwrite(utf8.c_str(), 1, utf8.length(), stderr);
+}
+
+void Console::Flush() {
+  errno = 0;
+  if (std::fflush(stdout) != 0 && !IsOutputLost()) m_outputError = errno != 0 ? errno : EIO;
+  if (!IsOutputLost() || IsQuiet(m_outputError)) return;
+  throw Failure({KTEXT("can't write the output: {1}"), {WordsFor(m_outputError)}});
+}
+
+std::string ReadAll(const Argument& file) {
+  if (file.text == WString(KTEXT("-"))) {
+    std::string content = ReadStream(std::cin, file);
+    RequireInputRead();
+    return content;
+  }
+  std::ifstream stream = Open(file);
+  return ReadStream(stream, file);
+}
+
+bool ReadInputLine(std::string& line) {
+  errno = 0;
+  if (std::getline(std::cin, line)) return true;
+  RequireInputRead();
+  return false;
+}
+
+void RequireReadable(const Argument& file) {
+  Open(file);
+}
+
+}  // namespace fieldbook

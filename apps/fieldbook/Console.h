@@ -1,0 +1,64 @@
+// The program's surroundings: arguments, standard streams, files. What differs between Windows and
+// POSIX stands here and nowhere else.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "CommandLine.h"
+#include "kelp0lang/Exception.h"
+
+namespace fieldbook {
+
+// What ends the program: one line for the user, in the user's language.
+class Failure : public kelp::IException {
+ public:
+  explicit Failure(const Message& message) : IException(message.Text()) {}
+};
+
+// A command line that asks for something that can't be done.
+class UsageFailure : public Failure {
+ public:
+  using Failure::Failure;
+};
+
+// The standard streams, as UTF-8 with line feeds on every platform. There is one object, in main.
+class Console {
+ public:
+  Console();
+  ~Console();
+  Console(const Console&) = delete;
+  Console& operator=(const Console&) = delete;
+
+  // The arguments behind the program's name.
+  static std::vector<Argument> Arguments(int argc, char** argv);
+
+  void Print(std::string_view utf8);
+  void PrintLine(const WString& text);
+  // A line on standard error.
+  void Complain(const WString& text);
+
+  // Whether bold may be used on standard output: it is a terminal that knows the ANSI sequences,
+  // and the user hasn't set NO_COLOR.
+  bool HasColour() const { return m_hasColour; }
+  // Whether standard output takes no more; what is printed then gets lost.
+  bool IsOutputLost() const { return m_outputError != 0; }
+  // Writes what is left. Throws Failure when something got lost otherwise than by a reader that
+  // went away or an output that was never open; those pass quietly.
+  void Flush();
+
+ private:
+  bool m_hasColour = false;
+  int m_outputError = 0;  // errno
+};
+
+// The content of a file, or of standard input for "-". Throws Failure.
+std::string ReadAll(const Argument& file);
+// One line of standard input without its line feed; false at the end. Throws Failure.
+bool ReadInputLine(std::string& line);
+// Throws Failure if a file can't be opened for reading.
+void RequireReadable(const Argument& file);
+
+}  // namespace fieldbook

@@ -1,0 +1,154 @@
+#include "Program.h"
+
+#include <algorithm>
+#include <iterator>
+#include <new>
+
+#include "Commands.h"
+#include "kelp0lang/Translate.h"
+
+namespace fieldbook {
+namespace {
+
+constexpr unsigned kEverywhere = Bit(Option::Lang) | Bit(Option::Help) | Bit(Option::Version);
+constexpr unsigned kLengthOptions =
+    Bit(Option::From) | Bit(Option::To) | Bit(Option::Decimals) | Bit(Option::Denominator);
+
+const Command kCommands[] = {
+    {KTEXT("show"), ShowCommand, kShowHelp, kEverywhere | kLengthOptions | Bit(Option::Csv)},
+    {KTEXT("angle"), AngleCommand, kAngleHelp,
+     kEverywhere | Bit(Option::From) | Bit(Option::To) | Bit(Option::Decimals) | Bit(Option::Lat) |
+         Bit(Option::Lon)},
+    {KTEXT("inverse"), InverseCommand, kInverseHelp, kEverywhere | kLengthOptions},
+};
+
+const WChar* const kGeneralHelp = KTEXT(
+    "Usage: fieldbook COMMAND ... [--lang FILE]\n"
+    "\n"
+    "Reads survey points and angles and shows them in the unit that you ask for.\n"
+    "\n"
+    "  fieldbook show FILE             the points of a file as a table\n"
+    "  fieldbook angle VALUE...        angles from one notation into another\n"
+    "  fieldbook inverse FILE FROM TO  distance and direction between two points\n"
+    "\n"
+    "  fieldbook COMMAND --help        what the command takes, with all options\n"
+    "  fieldbook --version             the version of the program\n"
+    "  --lang FILE                     texts in another language, out of a gettext\n"
+    "                                  catalogue (.po or .mo)\n"
+    "\n"
+    "Options may stand anywhere; behind -- nothing is an option. A points file has\n"
+    "rows of point, northing, easting, elevation and description.\n"
+    "\n"
+    "Exit status: 0 done, 1 not done, 2 done but for some rows or values.\n"
+    "\n"
+    "Examples:\n"
+    "  fieldbook show survey.csv --from us-ft --to m\n"
+    "  fieldbook angle -10.5 --from deg --to dms\n"
+    "  fieldbook inverse survey.csv T1 T2\n");
+
+// The language of the user, for as long as the program runs.
+class Language {
+ public:
+  explicit Language(const Argument* catalogue) {
+    if (catalogue == nullptr) return;
+    RequireReadable(*catalogue);
+    if (!kelp::LoadTranslateFile(catalogue->text)) {
+      throw Failure({KTEXT("--lang: {1}"), {Shown(kelp::GetTranslateFileError())}});
+    }
+  }
+  ~Language() { kelp::UnloadTranslateFile(); }
+  Language(const Language&) = delete;
+  Language& operator=(const Language&) = delete;
+};
+
+const Command* FindCommand(const WString& name) {
+  const auto* command =
+      std::find_if(std::begin(kCommands), std::end(kCommands),
+                   [&name](const Command& c) { return name.Compare(c.name) == 0; });
+  return command == std::end(kCommands) ? nullptr : command;
+}
+
+void RequireOptionsOf(const Command& command, const CommandLine& line) {
+  for (int i = 0; i < kOptionCount; ++i) {
+    const auto option = static_cast<Option>(i);
+    if (!line.Has(option) || (command.options & Bit(option)) != 0) continue;
+    throw UsageFailure({KTEXT("{1} takes no {2}"), {command.name, NameOf(option)}});
+  }
+}
+
+const Command& RequireCommand(const CommandLine& line) {
+  if (line.Command().empty()) {
+    throw UsageFailure({KTEXT("a command is missing: show, angle or inverse"), {}});
+  }
+  const Command* command = FindCommand(line.Command());
+  if (command != nullptr) return *command;
+  throw UsageFailure({KTEXT("there is no command \"{1}\", only show, angle and inverse"),
+                      {Quoted(line.Command())}});
+}
+
+void PrintText(const WString& text, Console& console) {
+  const kelp::String utf8 = text.ToUtf8();
+  console.Print({utf8.c_str(), utf8.length()});
+}
+
+Status RunLine(const CommandLine& line, Console& console) {
+  if (line.Fault()) throw UsageFailure(line.Fault());
+  if (line.Has(Option::Version)) {
+    console.PrintLine(KTEXT("fieldbook ") + WString::ConvertFromUtf8(FIELDBOOK_VERSION));
+    return kDone;
+  }
+  const bool wantsHelp = line.Has(Option::Help);
+  if (wantsHelp && line.Command().empty()) {
+    PrintText(kelp::Xlate(kGeneralHelp), console);
+    return kDone;
+  }
+  const Command& command = RequireCommand(line);
+  if (wantsHelp) {
+    PrintText(kelp::Xlate(command.help), console);
+    return kDone;
+  }
+  RequireOptionsOf(command, line);
+  return command.run(line, console);
+}
+
+void Complain(const WString& what, Console& console) {
+  console.Complain(WString(KTEXT("fieldbook: ")).Concat(what));
+}
+
+// Where the help is for a line that can't be carried out.
+void Hint(const CommandLine& line, Console& console) {
+  const Command* command = FindCommand(line.Command());
+  const WString place = command == nullptr ? WString() : KTEXT(' ') + WString(command->name);
+  console.Complain(Message{KTEXT("Try: fieldbook{1} --help"), {place}}.Text());
+}
+
+int RunInLanguage(const CommandLine& line, Console& console) {
+  try {
+    const Status status = RunLine(line, console);
+    console.Flush();
+    return console.IsOutputLost() ? kFailed : status;
+  } catch (const UsageFailure& failure) {
+    Complain(failure.GetMsg(), console);
+    Hint(line, console);
+  } catch (const Failure& failure) {
+    Complain(failure.GetMsg(), console);
+  } catch (const std::bad_alloc&) {
+    Complain(kelp::Xlate(KTEXT("there isn't enough memory")), console);
+  }
+  return kFailed;
+}
+
+}  // namespace
+
+int Run(const std::vector<Argument>& arguments, Console& console) {
+  const CommandLine line(arguments);
+  try {
+    const Language language(line.Value(Option::Lang));
+    return RunInLanguage(line, console);
+  } catch (const Failure& failure) {
+    Complain(failure.GetMsg(), console);
+    return kFailed;
+  }
+}
+
+}  // namespace fieldbook

@@ -1,0 +1,13 @@
+// The whole program behind main.
+#pragma once
+
+#include <vector>
+
+#include "Console.h"
+
+namespace fieldbook {
+
+// Runs one command line and gives the exit status, see Status. Nothing is thrown.
+int Run(const std::vector<Argument>& arguments, Console& console);
+
+}  // namespace fieldbook

@@ -1,0 +1,57 @@
+// Text on its way in and out: bytes into UTF-16, sentences into the user's language, and UTF-16
+// into what a terminal can show.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kelp0lang/String.h"
+
+namespace fieldbook {
+
+using kelp::WString;
+using WideView = std::basic_string_view<WChar>;
+
+inline WideView ViewOf(const WString& text) {
+  return {text.c_str(), text.length()};
+}
+WString ToWString(WideView text);
+
+// A sentence of the program with the values that stand in it. It is translated when it is shown, so
+// that one made before the language is loaded is shown in it too.
+struct Message {
+  const WChar* source = nullptr;  // null: there is nothing to say
+  std::vector<WString> values;    // for {1} to {4} of the source
+
+  explicit operator bool() const { return source != nullptr; }
+  // In the user's language. A translation that can't be filled gives the English text.
+  WString Text() const;
+};
+
+// Texts longer than this aren't taken in; a file without line ends can be one endless line.
+inline constexpr std::size_t kLongestLine = 1 << 20;
+
+// Without the byte order mark that some programs put before UTF-8.
+std::string_view WithoutMark(std::string_view bytes);
+// Whether the bytes are UTF-8 through and through: no stray bytes, overlong forms or surrogates.
+bool IsUtf8(std::string_view bytes);
+// UTF-8 or Latin-1 into UTF-16. Zero bytes become replacement characters, since a zero ends a text
+// for the library's searches.
+WString Decode(std::string_view bytes, bool utf8);
+// By what the bytes are themselves.
+WString Decode(std::string_view bytes);
+
+// Without what would move the cursor or turn the writing direction of a terminal: a tab becomes a
+// blank, any other control character and half a surrogate pair the replacement character.
+WString Shown(const WString& text);
+// The text as a message quotes it: shown, and cut where it is long.
+WString Quoted(const WString& text);
+// Columns that a text takes on a terminal: combining characters take none, wide ones two.
+int DisplayColumns(const WString& text);
+
+bool IsBlank(WChar unit);
+bool IsDigit(WChar unit);
+WideView Trimmed(WideView text);
+
+}  // namespace fieldbook

@@ -1,0 +1,132 @@
+#include "apps/fieldbook/AngleText.h"
+
+#include <cmath>
+#include <random>
+
+#include "tests/TestText.h"
+
+using fieldbook::AngleNotation;
+using fieldbook::kAngleNotations;
+using fieldbook::ReadAngle;
+using fieldbook::Reading;
+using fieldbook::WriteAngle;
+using kelp::WString;
+
+namespace {
+
+constexpr enumLatLonType kNone = enumLatLonType::None;
+constexpr enumLatLonType kLat = enumLatLonType::Latitude;
+constexpr enumLatLonType kLon = enumLatLonType::Longitude;
+
+const AngleNotation& Notation(const char* name) {
+  for (const AngleNotation& notation : kAngleNotations) {
+    if (WString(notation.name) == WString::ConvertFromUtf8(name)) return notation;
+  }
+  throw std::invalid_argument(name);
+}
+
+Reading Read(const char* text, const char* notation, enumLatLonType type) {
+  return ReadAngle(WString::ConvertFromUtf8(text), Notation(notation), type);
+}
+
+TEST(AngleText, UsualTextsAreRead) {
+  struct Case {
+    const char* text;
+    const char* notation;
+    enumLatLonType type;
+    double degrees;
+  };
+  const double full = 10 + 30.0 / 60 + 15.5 / 3600;
+  const Case cases[] = {
+      {"10\u00B030'15.5\"", "dms", kNone, full},
+      {"-10\u00B0 30\u2032 15.5\u2033", "dms", kNone, -full},
+      {"10 30 15.5", "dms", kNone, full},
+      {"10:30:15.5", "dms", kNone, full},
+      {"10\u00B030'15.5\"N", "dms", kNone, full},
+      {"10\u00B030'15.5\" s", "dms", kLat, -full},
+      {"10 30 15.5W", "dms-blank", kLon, -full},
+      {"10\u00B0", "dms", kNone, 10},
+      {"-0 30", "dms-blank", kNone, -0.5},
+      {"10.30155", "dms-packed", kNone, full},
+      {"-10.301550\"", "dms-packed", kNone, -full},
+      {"10.30S", "dms-packed", kLat, -10.5},
+      {"10", "dms-packed", kNone, 10},
+      {"90 0 0 N", "dms", kLat, 90},
+      {"-10.5", "deg", kNone, -10.5},
+      {"400", "gon", kNone, 360},
+      {"3.141592653589793", "rad", kNone, 180},
+      {"-1600", "mil", kNone, -90},
+      {"1e3", "deg", kNone, 1000},
+  };
+  for (const Case& c : cases) {
+    const Reading reading = Read(c.text, c.notation, c.type);
+    EXPECT_FALSE(reading.fault) << c.text;
+    EXPECT_NEAR(reading.value, c.degrees, 1e-12) << c.text;
+  }
+}
+
+TEST(AngleText, WhatCouldBeMistakenIsNot) {
+  struct Case {
+    const char* text;
+    const char* notation;
+    enumLatLonType type;
+    const char* fault;
+  };
+  const char* notDMS = "not an angle in degrees, minutes and seconds, such as 10\u00B030'15.5\"";
+  const char* notPacked =
+      "not a packed angle with two digits each for minutes and seconds, such as 10.301550";
+  const Case cases[] = {
+      {"", "dms", kNone, notDMS},
+      {"abc", "dms", kNone, notDMS},
+      {"10.5", "dms", kNone, notDMS},
+      {"10\u00B030'15.5\"x", "dms", kNone, notDMS},
+      {"10 30 15 20", "dms", kNone, notDMS},
+      {"99999999999 0 0", "dms", kNone, notDMS},
+      {"10\u00B060'", "dms", kNone, "minutes must be below 60"},
+      {"10 59 60.0", "dms", kNone, "seconds must be below 60"},
+      {"10.6000", "dms-packed", kNone, "minutes must be below 60"},
+      {"10.3", "dms-packed", kNone, notPacked},
+      {"10.301", "dms-packed", kNone, notPacked},
+      {"-10\u00B030'S", "dms", kLat, "a sign and a hemisphere letter don't go together"},
+      {"10\u00B030'E", "dms", kLat, "the letter of a latitude is N or S"},
+      {"10\u00B030'N", "dms", kLon, "the letter of a longitude is E or W"},
+      {"90\u00B000'01\"N", "dms", kNone, "a latitude lies between -90 and 90 degrees"},
+      {"-90.001", "deg", kLat, "a latitude lies between -90 and 90 degrees"},
+      {"200.1", "gon", kLon, "a longitude lies between -180 and 180 degrees"},
+      {"1e7", "deg", kNone, "an angle lies between -1,000,000 and 1,000,000 degrees"},
+      {"1e300", "rad", kNone, "out of range"},
+      {"10,5", "deg", kNone, "not a number"},
+      {"nan", "gon", kNone, "not a number"},
+  };
+  for (const Case& c : cases) {
+    const Reading reading = Read(c.text, c.notation, c.type);
+    ASSERT_TRUE(reading.fault) << c.text;
+    EXPECT_STREQ(reading.fault.Text().ToUtf8().c_str(), c.fault) << c.text;
+  }
+}
+
+TEST(AngleText, ZeroHasNoSign) {
+  EXPECT_EQ(WriteAngle(-1e-9, Notation("deg"), kNone, 3), WString(KTEXT("0.000")));
+  EXPECT_EQ(WriteAngle(-1e-9, Notation("dms"), kNone, 1), WString(KTEXT("0\u00B000'00.0\"")));
+  EXPECT_EQ(WriteAngle(-1e-9, Notation("dms"), kLat, 1), WString(KTEXT("0\u00B000'00.0\"N")));
+  EXPECT_EQ(WriteAngle(-0.001, Notation("dms"), kLat, 1), WString(KTEXT("0\u00B000'03.6\"S")));
+}
+
+// What the program writes in any notation it reads back, up to the decimals that were written.
+TEST(AngleText, EveryNotationReadsBack) {
+  std::mt19937 random(7);
+  std::uniform_real_distribution<double> angle(-90, 90);
+  for (int round = 0; round < 500; ++round) {
+    const double degrees = angle(random);
+    for (const AngleNotation& notation : kAngleNotations) {
+      for (const enumLatLonType type : {kNone, kLat, kLon}) {
+        const WString text = WriteAngle(degrees, notation, type, 9);
+        const Reading reading = ReadAngle(text, notation, type);
+        EXPECT_FALSE(reading.fault) << text.ToUtf8().c_str();
+        EXPECT_NEAR(reading.value, degrees, 6e-8) << text.ToUtf8().c_str();
+      }
+    }
+  }
+}
+
+}  // namespace

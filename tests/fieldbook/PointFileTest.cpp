@@ -1,0 +1,169 @@
+#include "apps/fieldbook/PointFile.h"
+
+#include <random>
+
+#include "tests/TestText.h"
+
+using fieldbook::kLengthUnits;
+using fieldbook::LengthUnit;
+using fieldbook::Point;
+using fieldbook::PointFile;
+using fieldbook::ReadPoints;
+using kelp::WString;
+
+namespace {
+
+const LengthUnit& kMetre = kLengthUnits[0];
+
+std::string Utf8(const WString& text) {
+  return text.ToUtf8().c_str();
+}
+
+// All points as "name|northing|easting|elevation|description" and all faults as "line: text".
+std::string Summary(const std::string& bytes, const LengthUnit& unit = kMetre) {
+  const PointFile file = ReadPoints(bytes, unit);
+  const fieldbook::LengthStyle style = {&kMetre, 2, enumInchDecPrec::Quarters};
+  std::string summary;
+  for (const Point& p : file.points) {
+    summary += Utf8(p.name) + "|" + Utf8(WriteLength(p.northing, kMetre, style)) + "|" +
+               Utf8(WriteLength(p.easting, kMetre, style)) + "|" +
+               Utf8(WriteLength(p.elevation, kMetre, style)) + "|" + Utf8(p.description) + "\n";
+  }
+  for (const auto& fault : file.faults) {
+    summary += std::to_string(fault.line) + ": " + Utf8(fault.message.Text()) + "\n";
+  }
+  return summary;
+}
+
+TEST(PointFile, RowsComeApartBySeparatorAndQuotes) {
+  struct Case {
+    const char* bytes;
+    const char* summary;
+  };
+  const Case cases[] = {
+      {"1,2,3,4,wall", "1|2.00|3.00|4.00|wall\n"},
+      {"1\t2\t3\t\twall\r\n", "1|2.00|3.00||wall\n"},
+      {"1;2,5;-3;+4,25;wall, old\n", "1|2.50|-3.00|4.25|wall, old\n"},
+      {"  A1   2 \t 3  4 top of  wall \n", "A1|2.00|3.00|4.00|top of  wall\n"},
+      {"A1 2,5 3,5 4,5 top\n", "A1|2.50|3.50|4.50|top\n"},
+      {"A1 2 3 \"\" no height", "A1|2.00|3.00||no height\n"},
+      {"1,2,3", "1|2.00|3.00||\n"},
+      {"1, 2 , 3 ,4 , a,b,,c ,,\n", "1|2.00|3.00|4.00|a,b,,c\n"},
+      {"\"A, 1\",\"2\",\"3\",4,\"the \"\"old\"\" mill, door\"",
+       "A, 1|2.00|3.00|4.00|the \"old\" mill, door\n"},
+      {"1,2,3,4,\"a, b\", c", "1|2.00|3.00|4.00|a, b, c\n"},
+      {"1,2,3,4,TOP WALL 18\" WI", "1|2.00|3.00|4.00|TOP WALL 18\" WI\n"},
+      {"1,2,3,4,\"A\" LINE", "1|2.00|3.00|4.00|\"A\" LINE\n"},
+      {"1\t2\t3\t4\ta;b,c", "1|2.00|3.00|4.00|a;b,c\n"},
+      {"1,2,3,4,a;b\n2,2,3,4,c\td\n", "1|2.00|3.00|4.00|a;b\n2|2.00|3.00|4.00|c\td\n"},
+      // The separator is that of the file: the second row has lost two commas.
+      {"1,2,3,4,a\n2,20 30 40,b\n3,2,3,4,c",
+       "1|2.00|3.00|4.00|a\n3|2.00|3.00|4.00|c\n"
+       "2: northing \"20 30 40\": not a number\n"},
+  };
+  for (const Case& c : cases) EXPECT_EQ(Summary(c.bytes), c.summary) << c.bytes;
+}
+
+TEST(PointFile, WhatIsNoRowIsSkippedAndLinesKeepTheirNumbers) {
+  EXPECT_EQ(Summary(""), "");
+  EXPECT_EQ(Summary("\r\n \t\r\n# 1,2,3\r\n"), "");
+  EXPECT_EQ(Summary("# heads follow\n\nPoint;North (m);East (m);Height;Code 1\nP;1;2;x;\nQ;1;2;3;"),
+            "Q|1.00|2.00|3.00|\n4: elevation \"x\": not a number\n");
+  EXPECT_EQ(Summary("P1,north,east\n"), "1: northing \"north\": not a number\n")
+      << "a row with digits in its name is no line of heads";
+  EXPECT_EQ(Summary("P,1,2\nPoint,North,East\n"),
+            "P|1.00|2.00||\n2: northing \"North\": not a number\n")
+      << "heads stand at the top only";
+  EXPECT_EQ(Summary("P,1,2,3,x\r\n\x1A"), "P|1.00|2.00|3.00|x\n");
+}
+
+TEST(PointFile, OnlyWholeNumbersTextsAreNumbers) {
+  const char* bad[] = {"nan", "inf", "0x10", "1e", "1.2.3", "12abc",
+                       "--1", "1 2", ".",    "e5", "1e400"};
+  for (const std::string text : bad) {
+    const PointFile file = ReadPoints("A,1,2\nP," + text + ",1,1,x\n", kMetre);
+    ASSERT_EQ(file.faults.size(), 1u) << text;
+    EXPECT_EQ(file.faults[0].line, 2);
+  }
+  EXPECT_EQ(Summary("P,1e2,-.5,+5.,x"), "P|100.00|-0.50|5.00|x\n");
+  EXPECT_EQ(
+      Summary("P,1,2\nQ,,2\nR,1\nS,6e8,1\nT,\"1,2"),
+      "P|1.00|2.00||\n2: northing is missing\n"
+      "3: fewer than three fields; a row is point, northing, easting, elevation, description\n"
+      "4: northing \"6e8\": out of range\n5: a quote isn't closed\n");
+}
+
+TEST(PointFile, BytesAreUtf8OrLatin1) {
+  const std::string wanted = "P|1.00|2.00|3.00|Localit\xC3\xA0\n";
+  EXPECT_EQ(Summary("P,1,2,3,Localit\xC3\xA0"), wanted);
+  EXPECT_EQ(Summary("\xEF\xBB\xBFP,1,2,3,Localit\xC3\xA0"), wanted);
+  EXPECT_EQ(Summary("P,1,2,3,Localit\xE0"), wanted);
+  // One stray byte anywhere makes the whole file Latin-1.
+  EXPECT_EQ(Summary("P,1,2,3,\xC3\xA0\nQ,1,2,3,\xE0"),
+            "P|1.00|2.00|3.00|\xC3\x83\xC2\xA0\nQ|1.00|2.00|3.00|\xC3\xA0\n");
+  for (const char* notUtf8 : {"\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82", "\x80"}) {
+    EXPECT_FALSE(fieldbook::IsUtf8(notUtf8));
+  }
+  EXPECT_TRUE(fieldbook::IsUtf8("a\xC3\xA0\xE2\x82\xAC\xF0\x9F\x98\x80\xEF\xBF\xBD"));
+}
+
+TEST(PointFile, FeetAndInchesAreReadStrictly) {
+  const LengthUnit& feetInch = kLengthUnits[3];
+  struct Case {
+    const char* text;
+    double feet;
+  };
+  const Case cases[] = {
+      {"5'6\"3/8", 5.53125},
+      {"-5'6\"3/8", -5.53125},
+      {"5'-6 3/8\"", 5.53125},
+      {"5' 6\" 3/8", 5.53125},
+      {"5'", 5},
+      {"5' 6", 5.5},
+      {"18\"", 1.5},
+      {"3/4\"", 0.0625},
+      {"5'1/2\"", 5 + 0.5 / 12},
+      {"5.25", 5.25},
+      {"0'0\"0/64", 0},
+  };
+  for (const Case& c : cases) {
+    const auto reading =
+        ReadLength(WString::ConvertFromUtf8(c.text), feetInch, fieldbook::DecimalMark::Point);
+    EXPECT_FALSE(reading.fault) << c.text;
+    EXPECT_DOUBLE_EQ(reading.value, c.feet) << c.text;
+  }
+  for (const char* text : {"5'12\"", "5'6\"3/7", "5'6\"8/8", "5'6\"3/", "5'x", "'", "5'6\"\"",
+                           "5'-", "6\"5'", "5'6.5\"", "9999999999'"}) {
+    const auto reading =
+        ReadLength(WString::ConvertFromUtf8(text), feetInch, fieldbook::DecimalMark::Point);
+    EXPECT_TRUE(reading.fault) << text;
+  }
+  EXPECT_EQ(Summary("P,1'6\"0/16,\"2'6\"\"\",3", feetInch), "P|1.50|2.50|3.00|\n");
+  EXPECT_TRUE(ReadLength(KTEXT("5'"), kMetre, fieldbook::DecimalMark::Point).fault);
+}
+
+TEST(PointFile, AnyBytesAreTaken) {
+  std::mt19937 random(20240229);
+  const std::string pieces[] = {
+      ",", ";",    "\t",       " ", "\"",       "\n",   "\r\n",
+      "1", "-2.5", "5'6\"3/8", "#", "\xC3\xA0", "\xE0", std::string(1, '\0'),
+      "e", "'"};
+  for (int round = 0; round < 3000; ++round) {
+    std::string bytes;
+    const std::size_t size = random() % 200;
+    while (bytes.size() < size) {
+      bytes += round % 2 == 0 ? std::string(1, static_cast<char>(random()))
+                              : pieces[random() % std::size(pieces)];
+    }
+    const PointFile file = ReadPoints(bytes, kLengthUnits[random() % std::size(kLengthUnits)]);
+    const int lines = static_cast<int>(std::count(bytes.begin(), bytes.end(), '\n')) + 1;
+    EXPECT_LE(file.points.size() + file.faults.size(), static_cast<std::size_t>(lines));
+    for (const Point& point : file.points) {
+      EXPECT_LE(point.line, lines);
+      EXPECT_LT(point.northing, kelp::kNotSetThreshold);
+      EXPECT_LT(point.easting, kelp::kNotSetThreshold);
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,150 @@
+#include "RunProgram.h"
+
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <stdexcept>
+
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path FromUtf8(const std::string& text) {
+  return fs::path(std::u8string(text.begin(), text.end()));
+}
+
+void WriteFile(const fs::path& path, const std::string& bytes) {
+  std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::string ReadFile(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+#ifdef _WIN32
+
+fs::path ProgramPath() {
+  wchar_t self[32768];
+  GetModuleFileNameW(nullptr, self, static_cast<DWORD>(std::size(self)));
+  return fs::path(self).parent_path() / "fieldbook.exe";
+}
+
+// As CommandLineToArgvW takes it apart: backslashes count double before a quote only.
+std::wstring QuotedArgument(const std::wstring& argument) {
+  std::wstring quoted = L"\"";
+  std::size_t backslashes = 0;
+  for (const wchar_t unit : argument) {
+    if (unit == L'"') quoted.append(backslashes + 1, L'\\');
+    backslashes = unit == L'\\' ? backslashes + 1 : 0;
+    quoted += unit;
+  }
+  return quoted.append(backslashes, L'\\') + L'"';
+}
+
+HANDLE OpenInherited(const fs::path& path, DWORD access, DWORD creation) {
+  SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+  return CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited, creation,
+                     FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+int Run(const std::vector<std::string>& arguments, const fs::path& in, const fs::path& out,
+        const fs::path& err) {
+  std::wstring line = QuotedArgument(ProgramPath().wstring());
+  for (const std::string& argument : arguments) {
+    line += L' ' + QuotedArgument(FromUtf8(argument).wstring());
+  }
+  STARTUPINFOW startup = {};
+  startup.cb = sizeof startup;
+  startup.dwFlags = STARTF_USESTDHANDLES;
+  startup.hStdInput = OpenInherited(in, GENERIC_READ, OPEN_EXISTING);
+  startup.hStdOutput = OpenInherited(out, GENERIC_WRITE, CREATE_ALWAYS);
+  startup.hStdError = OpenInherited(err, GENERIC_WRITE, CREATE_ALWAYS);
+  PROCESS_INFORMATION process = {};
+  const BOOL started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                      nullptr, &startup, &process);
+  for (HANDLE handle : {startup.hStdInput, startup.hStdOutput, startup.hStdError}) {
+    CloseHandle(handle);
+  }
+  if (started == 0) throw std::runtime_error("the program doesn't start");
+  DWORD status = 0;
+  WaitForSingleObject(process.hProcess, INFINITE);
+  GetExitCodeProcess(process.hProcess, &status);
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  return static_cast<int>(status);
+}
+
+#else
+
+fs::path ProgramPath() {
+  return fs::read_symlink("/proc/self/exe").parent_path() / "fieldbook";
+}
+
+void Redirect(const fs::path& path, int flags, int target) {
+  const int file = open(path.c_str(), flags, 0600);
+  if (file < 0 || dup2(file, target) < 0) _exit(126);
+  close(file);
+}
+
+int Run(const std::vector<std::string>& arguments, const fs::path& in, const fs::path& out,
+        const fs::path& err) {
+  const std::string program = ProgramPath();
+  std::vector<char*> texts = {const_cast<char*>(program.c_str())};
+  for (const std::string& argument : arguments)
+    texts.push_back(const_cast<char*>(argument.c_str()));
+  texts.push_back(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    Redirect(in, O_RDONLY, STDIN_FILENO);
+    Redirect(out, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
+    Redirect(err, O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
+    execv(program.c_str(), texts.data());
+    _exit(127);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+#endif
+
+}  // namespace
+
+TempFolder::TempFolder() {
+  std::random_device random;
+  m_path = fs::temp_directory_path() /
+           ("fieldbook-" + std::to_string(random()) + std::to_string(random()));
+  fs::create_directories(m_path);
+}
+
+TempFolder::~TempFolder() {
+  std::error_code ignored;
+  fs::remove_all(m_path, ignored);
+}
+
+std::string TempFolder::Write(const std::string& name, const std::string& bytes) const {
+  const fs::path path = m_path / FromUtf8(name);
+  WriteFile(path, bytes);
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+ProgramResult RunFieldbook(const std::vector<std::string>& arguments, const std::string& input,
+                           const fs::path& output) {
+  const TempFolder folder;
+  const fs::path in = folder.PathOf("in");
+  const fs::path out = output.empty() ? folder.PathOf("out") : output;
+  const fs::path err = folder.PathOf("err");
+  WriteFile(in, input);
+  const int status = Run(arguments, in, out, err);
+  return {status, output.empty() ? ReadFile(out) : std::string(), ReadFile(err)};
+}

@@ -1,0 +1,32 @@
+// Runs the built fieldbook as a user does: arguments, standard input, and what it prints.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+// A folder of its own that goes with the object.
+class TempFolder {
+ public:
+  TempFolder();
+  ~TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+
+  std::filesystem::path PathOf(const std::string& name) const { return m_path / name; }
+  // Writes a file and gives its path in UTF-8.
+  std::string Write(const std::string& name, const std::string& bytes) const;
+
+ private:
+  std::filesystem::path m_path;
+};
+
+struct ProgramResult {
+  int status;
+  std::string out;
+  std::string err;
+};
+
+// Arguments are UTF-8. An output path takes standard output in place of the result's text.
+ProgramResult RunFieldbook(const std::vector<std::string>& arguments, const std::string& input = "",
+                           const std::filesystem::path& output = {});
