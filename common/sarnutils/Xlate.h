@@ -6,8 +6,9 @@
 // Both forms are read, .po and .mo (of either byte order), told apart by their content. The whole
 // source text (msgid) is the key; where an entry has a context, the key is the context, the unit
 // U+0004 and the source text, as gettext itself has it. Of plural forms the first is the
-// translation. Fuzzy and obsolete entries of a .po file are left out. The text is in the charset
-// that the header entry names, which is UTF-8 if it names none: UTF-8, ASCII and ISO-8859-1.
+// translation. Left out are the fuzzy and obsolete entries of a .po file, and the entries of a .mo
+// file whose text depends on the system ("%<PRIu64>"). The text is in the charset that the header
+// entry names, which is UTF-8 if it names none: UTF-8, ASCII and ISO-8859-1 are known.
 //
 // A catalogue is taken whole or not at all. A file that breaks the rules of its form, holds text
 // that its charset doesn't have, or an entry of more than 65,535 units leaves the table empty.

@@ -34,7 +34,9 @@ std::vector<Wide> ReadLines(const Wide& path, const WCHAR* mode, int size = 100)
   if (file == nullptr) return lines;
   std::vector<WCHAR> buffer(static_cast<std::size_t>(size));
   while (fgetws(buffer.data(), size, file) != nullptr) lines.emplace_back(buffer.data());
+  const int error = errno;  // of the reading, whatever the closing does to it
   std::fclose(file);
+  errno = error;
   return lines;
 }
 

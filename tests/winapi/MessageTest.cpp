@@ -294,11 +294,9 @@ TEST_F(MessageTest, NobodyWaitsForADestroyedWindow) {
     });
   }
   Pause();
-  PostMessageW(window, WM_APP + 1, 0, 0);
   MSG message;
   while (done < 4) {
-    EXPECT_FALSE(PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-        << "what was posted to it is gone";
+    EXPECT_FALSE(PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE));
     std::this_thread::yield();
   }
   for (auto& sender : senders) sender.join();
@@ -395,10 +393,13 @@ TEST_F(MessageTest, DispatchGoesToTheWindowsProcedure) {
   EXPECT_EQ(DispatchMessageW(&message), 9);
   EXPECT_FALSE(TranslateMessage(&message));
   log.clear();
+  EXPECT_TRUE(PostMessageW(window, WM_APP, 0, 0));
   message.message = WM_CLOSE;
   EXPECT_EQ(DispatchMessageW(&message), 0);
   EXPECT_EQ(log, "w:destroy w:ncdestroy ");
   EXPECT_EQ(DispatchMessageW(&message), 0);
+  MSG left;
+  EXPECT_FALSE(PeekMessageW(&left, nullptr, 0, 0, PM_REMOVE)) << "what was posted to it is gone";
   message.hwnd = nullptr;
   EXPECT_EQ(DispatchMessageW(&message), 0);
 }

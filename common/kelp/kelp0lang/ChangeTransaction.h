@@ -143,6 +143,7 @@ class KELP0LANG_API CChangeTransactionManager {
 
   // Closes the transaction: each source that took part tells its listeners OnBeforeEndEvent, then
   // each, its dependants first, OnEndEvent. Called by the handler of kEndEventMessage, nobody else.
+  // If a listener throws, the sources that haven't ended do so with the next transaction.
   void DoEndEvent();
 
   // Records a command that has just been carried out, and takes it over. Outside a transaction it
