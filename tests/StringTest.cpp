@@ -1,7 +1,9 @@
 #include "kelp0lang/String.h"
 
+#include <algorithm>
 #include <climits>
 #include <random>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -157,6 +159,24 @@ TEST(StringSearch, AgreesWithAPlainSearchAtEveryLength) {
       ASSERT_EQ(marked.IndexOf(WString(KTEXT("ba"))), place == length - 1 ? -1 : place);
       ASSERT_EQ(marked.LastIndexOf(WString(KTEXT("ab")), length), place == 0 ? -1 : place - 1);
     }
+  }
+}
+
+// Few kinds of unit, zero among them, so that places which fit in part are many.
+TEST(StringSearch, FindsTheFirstWholeTextBeforeAZero) {
+  std::mt19937 random(11);
+  for (int round = 0; round < 20000; ++round) {
+    std::u16string text(1 + random() % 80, u'a');
+    std::u16string wanted(1 + random() % 5, u'a');
+    for (char16_t& unit : text) unit = random() % 100 == 0 ? u'\0' : u"aab"[random() % 3];
+    for (char16_t& unit : wanted) unit = u"aab"[random() % 3];
+    WString searched;
+    std::copy(text.begin(), text.end(), searched.GetBufferSetLength(static_cast<int>(text.size())));
+    const WString sought(reinterpret_cast<const WChar*>(wanted.c_str()));
+
+    const std::size_t found = text.substr(0, text.find(u'\0')).find(wanted);
+    ASSERT_EQ(searched.IndexOf(sought),
+              found == std::u16string::npos ? -1 : static_cast<int>(found));
   }
 }
 
@@ -331,6 +351,28 @@ TEST(StringUtf8, RoundTripsAllCodePoints) {
     const String bytes = mixed.ToUtf8();
     EXPECT_EQ(bytes.Capacity(), bytes.Length());
     ASSERT_EQ(bytes.FromUtf8(), mixed);
+  }
+}
+
+// Other units here and there in ASCII, lone surrogates too, where a block meets them at every
+// place; the parts are too short for blocks.
+TEST(StringUtf8, EncodesAsItsPartsDo) {
+  const WChar others[] = {0x80, 0xE8, 0x7FF, 0x800, 0x8001, 0xD83D, 0xDE00, 0xFFFF};
+  std::mt19937 random(13);
+  for (int round = 0; round < 3000; ++round) {
+    const unsigned rarity = 2 + random() % 60;
+    WString text;
+    WChar* units = text.GetBufferSetLength(static_cast<int>(random() % 300));
+    std::generate(units, units + text.Length(), [&]() -> WChar {
+      return random() % rarity == 0 ? others[random() % 8] : KTEXT('a') + random() % 26;
+    });
+    String parts;
+    for (int i = 0; i < text.Length();) {
+      const int count = text.GetChar(i) == 0xD83D ? 2 : 1;
+      parts += text.substr(i, count).ToUtf8();
+      i += count;
+    }
+    ASSERT_EQ(text.ToUtf8(), parts);
   }
 }
 

@@ -32,10 +32,9 @@ struct Fields {
 // off what it reads.
 class RowSplitter {
  public:
-  RowSplitter(WideView row, WChar separator) : m_rest(Trimmed(row)), m_separator(separator) {
-    // A tab at the ends stands for an empty field and is none of the blanks around the row.
-    if (separator == KTEXT('\t')) m_rest = row;
-  }
+  // Where tabs separate, one at an end of the row stands for an empty field.
+  RowSplitter(WideView row, WChar separator)
+      : m_rest(separator == KTEXT('\t') ? row : Trimmed(row)), m_separator(separator) {}
 
   Fields Split() {
     Fields fields;
@@ -63,9 +62,9 @@ class RowSplitter {
     return m_separator != kBlanks || !m_rest.empty();
   }
 
-  // The text of a field in quotes, with what follows it up to the next separator as the rest of the
-  // row's rest. Nothing if the field doesn't begin with a quote, or if more than blanks stands
-  // between its end and the next separator: then the quotes belong to the text.
+  // Takes a field in quotes, up to the separator behind it. Takes nothing if the field doesn't
+  // begin with a quote, or if more than blanks stand between the closing quote and the next
+  // separator: then the quotes belong to the text.
   std::optional<WString> TakeQuoted(bool& isQuoteOpen) {
     if (m_rest.empty() || m_rest.front() != kQuote) return std::nullopt;
     std::basic_string<WChar> text;

@@ -75,8 +75,6 @@ TEST(Program, RowsThatCannotBeReadAreReportedAndTheOthersShown) {
 }
 
 TEST(Program, WhatCannotBeDoneIsOneClearLine) {
-  const TempFolder folder;
-  const std::string folderPath = folder.Write("x", "").substr(0, folder.Write("x", "").size() - 2);
   struct Case {
     std::vector<std::string> arguments;
     const char* error;  // a regular expression
@@ -84,7 +82,7 @@ TEST(Program, WhatCannotBeDoneIsOneClearLine) {
   const std::string hint = "\nTry: fieldbook( show| angle| inverse)? --help\n";
   const Case cases[] = {
       {{"show", "none.csv"}, "fieldbook: none.csv: there is no such file\n"},
-      {{"show", folderPath}, "fieldbook: .*: it is a folder\n"},
+      {{"show", kData}, "fieldbook: .*: it is a folder\n"},
       {{"inverse", kPoints, "T1", "nowhere"}, "fieldbook: .*: there is no point \"nowhere\"\n"},
       {{"--lang", kPoints, "--version"}, "fieldbook: --lang: .*points\\.csv.*\n"},
       {{}, "fieldbook: a command is missing: show, angle or inverse$"},

@@ -1,5 +1,6 @@
 #include "kelp0lang/MeasUnit.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <iterator>
@@ -17,67 +18,80 @@ const Entry* Find(const Entry (&table)[N], Unit unit) {
 }
 
 double Result(double value) {
-  return value > kNotSetThreshold ? kNotSet : value;
+  if (value > kNotSetThreshold) [[unlikely]]
+    return kNotSet;
+  return value;
 }
 
-// One step to or from the base unit. Which operation it is counts, not only its factor: a division
-// and the product with the reciprocal differ in the last digit.
-struct Step {
-  enum Operation { Multiply, MultiplyThrice, Divide };
-
-  double Apply(double value) const {
-    if (operation == Divide) return value / factor;
-    const double product = value * factor;
-    return operation == Multiply ? product : product * factor * factor;
-  }
-
+// Steps to and from the base unit. Which operations they are counts, not only their factors: a
+// division and the product with the reciprocal differ in the last digit. Where a step has more
+// operations than its unit, these are with 1, which is exact and takes less time than a branch.
+struct Product {
+  double Apply(double value) const { return value * factor; }
   double factor;
-  Operation operation = Multiply;
 };
 
+struct Quotient {
+  double Apply(double value) const { return value * factor / divisor; }
+  double factor;
+  double divisor = 1.0;
+};
+
+struct TripleProduct {
+  double Apply(double value) const { return value * first * second * third; }
+  double first;
+  double second = 1.0;
+  double third = 1.0;
+};
+
+template <class ToBase, class FromBase>
 struct UnitSteps {
-  Step toBase;
-  Step fromBase;
+  ToBase toBase;
+  FromBase fromBase;
 };
 
 // The two directions aren't reciprocals of each other in every case; both are as stored projects
 // were computed with.
-constexpr UnitSteps kDist[] = {
+constexpr UnitSteps<Product, Quotient> kDist[] = {
     {{1.0}, {1.0}},
-    {{0.3048}, {0.3048, Step::Divide}},
+    {{0.3048}, {1.0, 0.3048}},
     {{0.3048006096012192}, {3.2808333333333333}},
     {{20.1168}, {0.049709695378986715}},
     {{20.116840233680467}, {0.04970959595959596}},
 };
 
-constexpr UnitSteps kArea[] = {
+constexpr UnitSteps<Product, Product> kArea[] = {
     {{1.0}, {1.0}},
     {{0.09290304}, {10.76391041670972}},
     {{0.09290341161327482}, {10.76386736111111}},
 };
 
-constexpr UnitSteps kVolume[] = {
+constexpr double kFeetPerMetre = 3.280839895013123;
+constexpr double kUSFeetPerMetre = 3.2808333333333333;
+
+constexpr UnitSteps<Product, TripleProduct> kVolume[] = {
     {{1.0}, {1.0}},
-    {{0.028316846592000004}, {3.280839895013123, Step::MultiplyThrice}},
-    {{0.028317016493759152}, {3.2808333333333333, Step::MultiplyThrice}},
+    {{0.028316846592000004}, {kFeetPerMetre, kFeetPerMetre, kFeetPerMetre}},
+    {{0.028317016493759152}, {kUSFeetPerMetre, kUSFeetPerMetre, kUSFeetPerMetre}},
     {{0.7645548579840002}, {1.3079506193143915}},
     {{0.764559445331497}, {1.3079427716263718}},
 };
 
-constexpr UnitSteps kSpeed[] = {
+constexpr UnitSteps<Quotient, Product> kSpeed[] = {
     {{1.0}, {1.0}},
-    {{0.621371, Step::Divide}, {0.621371}},
+    {{1.0, 0.621371}, {0.621371}},
 };
 
-template <std::size_t N, class Unit>
-double Convert(const UnitSteps (&table)[N], double value, Unit from, Unit to) {
+template <class ToBase, class FromBase, std::size_t N, class Unit>
+double Convert(const UnitSteps<ToBase, FromBase> (&table)[N], double value, Unit from, Unit to) {
   if (value > kNotSetThreshold || from == to) return value;
-  const UnitSteps* source = Find(table, from);
-  const UnitSteps* target = Find(table, to);
+  const auto* source = Find(table, from);
+  const auto* target = Find(table, to);
   if (source == nullptr || target == nullptr) return kNotSet;
   const double base = source->toBase.Apply(value);
-  if (base > kNotSetThreshold) return kNotSet;
-  return Result(target->fromBase.Apply(base));
+  const double result = target->fromBase.Apply(base);
+  // One test for both steps.
+  return std::max(base, result) > kNotSetThreshold ? kNotSet : result;
 }
 
 constexpr double kDeg2Grad = 1.1111111111111112;
@@ -105,22 +119,29 @@ double Scale(double value, double factor) {
   return value > kNotSetThreshold ? value : Result(value * factor);
 }
 
-// Into [low, low + 360), as whole turns added or taken away one by one would do it.
-double IntoTurn(double degrees, double low) {
+// Where the interval of 360 degrees begins that angles are brought into; null for none.
+const double* FindLow(enumNormalizeAngle normalize) {
+  static constexpr double kLow[] = {0.0, -180.0};
+  return Find(kLow, static_cast<std::int32_t>(normalize) -
+                        static_cast<std::int32_t>(enumNormalizeAngle::Positive));
+}
+
+// One turn more or less, or none, towards [low, low + 360).
+double TowardsTurn(double degrees, double low) {
+  if (degrees < low) return degrees + 360.0;
+  return degrees < low + 360.0 ? degrees : degrees - 360.0;
+}
+
+// An angle any number of turns away into [low, low + 360), as whole turns added or taken away one
+// by one would bring it there; then into its unit. Apart from its caller, which so needs no stack.
+[[gnu::noinline]] double FromFarAway(double degrees, double low, double fromDegrees) {
   const double high = low + 360.0;
-  if (degrees >= low && degrees < high) return degrees;
   // The remainder is exact, and so was every turn but the last. Adding zero makes -0 positive.
   degrees = std::fmod(degrees, 360.0) + 0.0;
   if (degrees < low) degrees += 360.0;
   // Also where the turn added to a tiny negative angle rounded up to high.
   if (degrees >= high) degrees -= 360.0;
-  return degrees;
-}
-
-double Normalize(double degrees, enumNormalizeAngle normalize) {
-  if (normalize == enumNormalizeAngle::Positive) return IntoTurn(degrees, 0.0);
-  if (normalize == enumNormalizeAngle::Symmetric) return IntoTurn(degrees, -180.0);
-  return degrees;
+  return Result(degrees * fromDegrees);
 }
 
 }  // namespace
@@ -144,25 +165,33 @@ double ConvertSpeed(double value, enumSpeedUnits from, enumSpeedUnits to) {
 double ConvertAngle(double value, eConvertAngleType type, enumAngleUnits fromUnits,
                     enumHorizStartAngle fromStart, enumAngleDir fromDir, enumAngleUnits toUnits,
                     enumHorizStartAngle toStart, enumAngleDir toDir, enumNormalizeAngle normalize) {
-  if (value > kNotSetThreshold) return value;
-  if (fromUnits == toUnits && fromStart == toStart && fromDir == toDir &&
-      normalize == enumNormalizeAngle::None) {
-    return value;
+  const double* low = FindLow(normalize);
+  if (low == nullptr) {
+    const bool same = fromUnits == toUnits && fromStart == toStart && fromDir == toDir;
+    if (value > kNotSetThreshold || (same && normalize == enumNormalizeAngle::None)) return value;
   }
   const AngleFactors* source = Find(kAngle, fromUnits);
   const AngleFactors* target = Find(kAngle, toUnits);
-  if (source == nullptr || target == nullptr) return kNotSet;
+  if (source == nullptr || target == nullptr) [[unlikely]]
+    return value > kNotSetThreshold ? value : kNotSet;
 
   double degrees = value * source->toDegrees;
   if (type != eConvertAngleType::Length) {
     const bool turnsStart = type != eConvertAngleType::Rotation;
     if (turnsStart && fromStart == enumHorizStartAngle::East) degrees -= 90.0;
-    if (fromDir == enumAngleDir::CounterClockwise) degrees = -degrees;
-    if (toDir == enumAngleDir::CounterClockwise) degrees = -degrees;
+    const bool reversed =
+        (fromDir == enumAngleDir::CounterClockwise) != (toDir == enumAngleDir::CounterClockwise);
+    if (reversed) degrees = -degrees;
     if (turnsStart && toStart == enumHorizStartAngle::East) degrees += 90.0;
   }
-  degrees = Normalize(degrees + 0.0, normalize);
-  return Result(degrees * target->fromDegrees);
+  degrees += 0.0;  // makes a negative zero positive
+  if (low == nullptr) return Result(degrees * target->fromDegrees);
+
+  const double turned = TowardsTurn(degrees, *low);
+  if (turned >= *low && turned < *low + 360.0) [[likely]]
+    return turned * target->fromDegrees;
+  // A value that isn't set is far away too.
+  return value > kNotSetThreshold ? value : FromFarAway(degrees, *low, target->fromDegrees);
 }
 
 double Deg2Grad(double value) {

@@ -120,7 +120,7 @@ class TextHandle {
  private:
   static TextHeader* HeaderOf(void* text) noexcept { return static_cast<TextHeader*>(text) - 1; }
   void DropHandle() noexcept {
-    if (__atomic_sub_fetch(&Header()->references, 1, __ATOMIC_ACQ_REL) < 1) FreeText(Header());
+    if (__atomic_sub_fetch(&Header()->references, 1, __ATOMIC_ACQ_REL) == 0) FreeText(Header());
   }
 };
 

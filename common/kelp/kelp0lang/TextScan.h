@@ -1,13 +1,14 @@
 // Searches within wide and narrow text; internal to the library.
 //
-// Both stay between the given ends: the wide ones go eight units at a time where the processor has
-// SSE2, as every 64-bit x86 does.
+// Both stay between the given ends: the wide ones go sixteen units at a time where the processor
+// has SSE2, as every 64-bit x86 does.
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstring>
-#include <cwchar>
+#include <string>
 
 #include "kelp0lang/WideChar.h"
 
@@ -16,6 +17,21 @@
 #endif
 
 namespace kelp::detail {
+
+#ifdef __SSE2__
+
+// Lanes of all ones where eight units equal wanted.
+inline __m128i EqualUnits(const WChar* units, WChar wanted) {
+  return _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(units)),
+                         _mm_set1_epi16(static_cast<short>(wanted)));
+}
+
+// One bit for each of the sixteen lanes of two results.
+inline unsigned LaneBits(__m128i low, __m128i high) {
+  return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(low, high)));
+}
+
+#endif
 
 // The first unit equal to wanted, or end.
 inline const char* FindUnit(const char* begin, const char* end, char wanted) {
@@ -26,17 +42,11 @@ inline const char* FindUnit(const char* begin, const char* end, char wanted) {
 // The first unit equal to a or to b, or end.
 inline const WChar* FindEither(const WChar* begin, const WChar* end, WChar a, WChar b) {
 #ifdef __SSE2__
-  const __m128i wantedA = _mm_set1_epi16(static_cast<short>(a));
-  const __m128i wantedB = _mm_set1_epi16(static_cast<short>(b));
   for (; end - begin >= 16; begin += 16) {
-    const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(begin));
-    const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(begin + 8));
-    const __m128i hitLow =
-        _mm_or_si128(_mm_cmpeq_epi16(low, wantedA), _mm_cmpeq_epi16(low, wantedB));
-    const __m128i hitHigh =
-        _mm_or_si128(_mm_cmpeq_epi16(high, wantedA), _mm_cmpeq_epi16(high, wantedB));
-    const int hits = _mm_movemask_epi8(_mm_packs_epi16(hitLow, hitHigh));
-    if (hits != 0) return begin + __builtin_ctz(static_cast<unsigned>(hits));
+    const unsigned hits =
+        LaneBits(_mm_or_si128(EqualUnits(begin, a), EqualUnits(begin, b)),
+                 _mm_or_si128(EqualUnits(begin + 8, a), EqualUnits(begin + 8, b)));
+    if (hits != 0) return begin + std::countr_zero(hits);
   }
 #endif
   return std::find_if(begin, end, [a, b](WChar unit) { return unit == a || unit == b; });
@@ -44,13 +54,9 @@ inline const WChar* FindEither(const WChar* begin, const WChar* end, WChar a, WC
 
 inline const WChar* FindUnit(const WChar* begin, const WChar* end, WChar wanted) {
 #ifdef __SSE2__
-  const __m128i sought = _mm_set1_epi16(static_cast<short>(wanted));
   for (; end - begin >= 16; begin += 16) {
-    const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(begin));
-    const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(begin + 8));
-    const int hits = _mm_movemask_epi8(
-        _mm_packs_epi16(_mm_cmpeq_epi16(low, sought), _mm_cmpeq_epi16(high, sought)));
-    if (hits != 0) return begin + __builtin_ctz(static_cast<unsigned>(hits));
+    const unsigned hits = LaneBits(EqualUnits(begin, wanted), EqualUnits(begin + 8, wanted));
+    if (hits != 0) return begin + std::countr_zero(hits);
   }
 #endif
   return std::find(begin, end, wanted);
@@ -63,16 +69,33 @@ inline const char* FindText(const char* begin, const char*, const char* wanted) 
 }
 
 inline const WChar* FindText(const WChar* begin, const WChar* end, const WChar* wanted) {
-  if (*wanted == 0) return begin;
+  const auto size = static_cast<std::ptrdiff_t>(std::char_traits<WChar>::length(wanted));
+  if (size == 0) return begin;
+#ifdef __SSE2__
+  // Sixteen places at a time, those where the first and the last unit of wanted both fit: in
+  // running text they are few.
+  const std::ptrdiff_t last = size - 1;
+  for (; end - begin >= 16 + last; begin += 16) {
+    const __m128i fitLow =
+        _mm_and_si128(EqualUnits(begin, *wanted), EqualUnits(begin + last, wanted[last]));
+    const __m128i fitHigh =
+        _mm_and_si128(EqualUnits(begin + 8, *wanted), EqualUnits(begin + 8 + last, wanted[last]));
+    const __m128i zeroLow = EqualUnits(begin, 0);
+    const __m128i zeroHigh = EqualUnits(begin + 8, 0);
+    if (LaneBits(_mm_or_si128(fitLow, zeroLow), _mm_or_si128(fitHigh, zeroHigh)) == 0) continue;
+    const unsigned zeros = LaneBits(zeroLow, zeroHigh);
+    const unsigned beforeZero = (zeros - 1) & ~zeros;
+    for (unsigned fits = LaneBits(fitLow, fitHigh) & beforeZero; fits != 0; fits &= fits - 1) {
+      const WChar* place = begin + std::countr_zero(fits);
+      if (std::equal(wanted, wanted + last, place)) return place;
+    }
+    if (zeros != 0) return nullptr;
+  }
+#endif
   for (;;) {
     begin = FindEither(begin, end, *wanted, 0);
-    if (begin == end || *begin == 0) return nullptr;
-    // The units behind end - 1 are met only through the terminator at end, which differs from every
-    // unit of wanted before its own terminator.
-    const WChar* text = begin + 1;
-    const WChar* rest = wanted + 1;
-    while (*rest != 0 && *text == *rest) ++text, ++rest;
-    if (*rest == 0) return begin;
+    if (end - begin < size || *begin == 0) return nullptr;
+    if (std::equal(wanted, wanted + size, begin)) return begin;
     ++begin;
   }
 }

@@ -1,5 +1,6 @@
 #include "kelp0lang/Utf8.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 
@@ -91,16 +92,73 @@ unsigned NonAsciiBytes(const unsigned char* bytes) {
       _mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes))));
 }
 
-// Bit i of the result is set where unit i of sixteen isn't ASCII; narrows them into packed.
-unsigned NarrowBlock(const WChar* units, __m128i& packed) {
+// Sixteen units narrowed to sixteen bytes; bit i of the result is set where unit i isn't ASCII, and
+// byte i then has no meaning.
+unsigned NarrowBlock(const WChar* units, char* out) {
   const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
   const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + 8));
-  const __m128i mask = _mm_set1_epi16(static_cast<short>(0xFF80));
-  const __m128i zero = _mm_setzero_si128();
-  const __m128i plain = _mm_packs_epi16(_mm_cmpeq_epi16(_mm_and_si128(low, mask), zero),
-                                        _mm_cmpeq_epi16(_mm_and_si128(high, mask), zero));
-  packed = _mm_packus_epi16(low, high);
-  return ~static_cast<unsigned>(_mm_movemask_epi8(plain)) & 0xFFFFu;
+  // The saturating sum has its top bit set from 0x80 on, and the signed pack keeps that bit.
+  const __m128i gap = _mm_set1_epi16(0x7F80);
+  const __m128i others = _mm_packs_epi16(_mm_adds_epu16(low, gap), _mm_adds_epu16(high, gap));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(low, high));
+  return static_cast<unsigned>(_mm_movemask_epi8(others));
+}
+
+// A pair of blocks.
+unsigned NarrowTwoBlocks(const WChar* units, char* out) {
+  const unsigned low = NarrowBlock(units, out);
+  return NarrowBlock(units + kBlock, out + kBlock) << kBlock | low;
+}
+
+// Narrows as many pairs of blocks as are ASCII throughout; gives the number of units.
+std::ptrdiff_t NarrowAsciiPairs(const WChar* units, char* out, std::ptrdiff_t pairs) {
+  const auto* const begin = reinterpret_cast<const __m128i*>(units);
+  const __m128i* from = begin;
+  for (auto* to = reinterpret_cast<__m128i*>(out); pairs > 0; --pairs, from += 4, to += 2) {
+    const __m128i a = _mm_loadu_si128(from);
+    const __m128i b = _mm_loadu_si128(from + 1);
+    const __m128i c = _mm_loadu_si128(from + 2);
+    const __m128i d = _mm_loadu_si128(from + 3);
+    const __m128i all = _mm_or_si128(_mm_or_si128(a, b), _mm_or_si128(c, d));
+    const __m128i others = _mm_adds_epu16(all, _mm_set1_epi16(0x7F80));
+    if ((_mm_movemask_epi8(others) & 0xAAAA) != 0) break;
+    _mm_storeu_si128(to, _mm_packus_epi16(a, b));
+    _mm_storeu_si128(to + 1, _mm_packus_epi16(c, d));
+  }
+  return (from - begin) * 8;
+}
+
+// Encodes pairs of blocks while both ends are far enough for whole stores; moves unit and out.
+//
+// The places of the other units are taken from one mask, without a look at the text in between, so
+// that a step needn't wait for the one before it. The units behind each such place are narrowed
+// again to where they now belong; what is written too far is written over. At the worst a step
+// takes kPair + 1 units, three bytes each, and narrows kPair more.
+void EncodeBlocks(const WChar*& unit, const WChar* end, char*& out, const char* outEnd) {
+  constexpr std::ptrdiff_t kPair = 2 * kBlock;
+  // Much text is ASCII to its end. Once other units have come, more of them will, and this look
+  // ahead would cost more than it saves.
+  const std::ptrdiff_t ascii =
+      NarrowAsciiPairs(unit, out, std::min(end - unit, outEnd - out) / kPair);
+  unit += ascii;
+  out += ascii;
+  while (end - unit > 2 * kPair && outEnd - out > 4 * kPair) {
+    const WChar* const pairEnd = unit + kPair;
+    std::uint64_t others = NarrowTwoBlocks(unit, out);
+    while (others != 0) {
+      const int plain = std::countr_zero(others);
+      unit += plain;
+      out += plain;
+      const WChar* const other = unit;
+      out = PutUtf8(EncodeStep(unit, end), out);
+      others >>= plain + (unit - other);
+      NarrowTwoBlocks(unit, out);
+    }
+    if (unit < pairEnd) {
+      out += pairEnd - unit;
+      unit = pairEnd;
+    }
+  }
 }
 
 #endif
@@ -158,12 +216,13 @@ std::size_t EncodeUtf8(const WChar* units, std::size_t size, char* target, std::
   const WChar* end = units + size;
   char* out = target;
   [[maybe_unused]] const char* outEnd = target + room;
+#ifdef __SSE2__
+  EncodeBlocks(unit, end, out, outEnd);
+#endif
   while (unit < end) {
 #ifdef __SSE2__
     while (*unit < 0x80 && end - unit >= kBlock && outEnd - out >= kBlock) {
-      __m128i packed;
-      const unsigned others = NarrowBlock(unit, packed);
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(out), packed);
+      const unsigned others = NarrowBlock(unit, out);
       const int plain = others == 0 ? kBlock : std::countr_zero(others);
       unit += plain;
       out += plain;

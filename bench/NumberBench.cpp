@@ -1,0 +1,73 @@
+// Number text beside QString, fmt and the C library.
+#include <fmt/format.h>
+
+#include <QLocale>
+#include <QString>
+#include <algorithm>
+#include <cwchar>
+#include <random>
+
+#include "bench/BenchTable.h"
+#include "kelp0lang/LegacyNumber.h"
+#include "kelp0lang/LocaleFree.h"
+
+namespace bench {
+namespace {
+
+// What a survey has: northings and eastings, heights, distances, small differences of either sign,
+// with all the digits that a computation leaves.
+std::vector<double> SurveyValues() {
+  std::mt19937 random(42);
+  const auto between = [&random](double low, double high) {
+    return std::uniform_real_distribution<>(low, high)(random);
+  };
+  std::vector<double> values;
+  for (int i = 0; i < 400; ++i) {
+    values.push_back(between(4000000, 5300000));
+    values.push_back(between(250000, 850000));
+    values.push_back(between(-5, 4000));
+    values.push_back(between(0, 900));
+    values.push_back(between(-2, 2));
+  }
+  std::shuffle(values.begin(), values.end(), random);
+  return values;
+}
+
+void AddPrinting() {
+  const auto values = SurveyValues();
+  Compare("StringDaDouble(v, 0, 3)",
+          Over(values, [](double value) { return StringDaDouble(value, 0, 3); }),
+          {{"QString::number", 0.5,
+            Over(values, [](double value) { return QString::number(value, 'f', 3); })},
+           {"fmt::format", 1.0,
+            Over(values, [](double value) { return fmt::format("{:.3f}", value); })}});
+}
+
+// Coordinates to the millimetre.
+void AddParsing() {
+  std::vector<kelp::WString> ours;
+  std::vector<std::wstring> wide;
+  std::vector<QString> qt;
+  for (const double value : SurveyValues()) {
+    const std::string text = fmt::format("{:.3f}", value);
+    ours.push_back(kelp::WString::ConvertFromUtf8(text.c_str()));
+    wide.emplace_back(text.begin(), text.end());
+    qt.push_back(QString::fromStdString(text));
+  }
+  Compare(
+      "kelp_wtof of a coordinate",
+      Over(ours, [](const kelp::WString& text) { return kelp_wtof(text.c_str()); }),
+      {{"wcstod", 0.3,
+        Over(wide, [](const std::wstring& text) { return std::wcstod(text.c_str(), nullptr); })},
+       {"QLocale::c().toDouble", 0.3,
+        Over(qt, [locale = QLocale::c()](const QString& text) { return locale.toDouble(text); })}});
+}
+
+}  // namespace
+
+void AddNumberWorks() {
+  AddPrinting();
+  AddParsing();
+}
+
+}  // namespace bench
