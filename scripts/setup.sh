@@ -36,7 +36,7 @@ need_packages() {
 }
 
 need_compiler() {
-  need_packages g++ cmake ninja-build
+  need_packages g++ cmake ninja-build libboost-dev
   # A compiler cache is used where there is one, and not asked for.
   if command -v ccache >/dev/null; then export CMAKE_CXX_COMPILER_LAUNCHER=ccache; fi
 }

@@ -5,6 +5,8 @@
 #include <random>
 #include <string>
 
+#include "kelp0lang/Translate.h"
+#include "tests/TempFolder.h"
 #include "tests/TestText.h"
 
 using kelp::kNotSet;
@@ -332,13 +334,13 @@ class AngleDMSProperty : public testing::TestWithParam<int> {
     const double whole = std::floor(m_uniform(m_random) * 360);
     const double minutes = std::floor(m_uniform(m_random) * 60) / 60;
     const double noise = (m_uniform(m_random) - 0.5) * 4e-13;
-    const double near[] = {m_uniform(m_random) * 360,
-                           whole + noise,
-                           whole + minutes + noise,
-                           whole + minutes - unit / 2 + noise,
-                           whole + minutes + 30.0 / 3600 + noise,
-                           whole + minutes + 30.0 / 3600 - unit + noise};
-    const double magnitude = near[m_random() % std::size(near)];
+    const double candidates[] = {m_uniform(m_random) * 360,
+                                 whole + noise,
+                                 whole + minutes + noise,
+                                 whole + minutes - unit / 2 + noise,
+                                 whole + minutes + 30.0 / 3600 + noise,
+                                 whole + minutes + 30.0 / 3600 - unit + noise};
+    const double magnitude = candidates[m_random() % std::size(candidates)];
     return m_random() % 2 == 0 ? magnitude : -magnitude;
   }
 
@@ -407,6 +409,32 @@ TEST(AngleLetters, BelongToTheirType) {
   EXPECT_EQ(letter, KTEXT('N'));
   EXPECT_TRUE(LatLonSignToSign(false, kLongitude, letter));
   EXPECT_EQ(letter, KTEXT('E'));
+}
+
+// The letter that is shown is the first unit of the translation; the one that is read is all of it.
+TEST(AngleLetters, AreTranslated) {
+  const TempFolder folder;
+  constexpr const WChar* kName = KTEXT("letters.po");
+  folder.Write(kName,
+               "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n\n"
+               "msgid \"W@@West (1 char)\"\nmsgstr \"O\"\n\n"
+               "msgid \"E@@East (1 char)\"\nmsgstr \"Est\"\n\n"
+               "msgid \"S@@South (1 char)\"\nmsgstr \"\u042E\"\n");
+  ASSERT_TRUE(kelp::LoadTranslateFile(WString(folder.Wide(kName).c_str())));
+  const WString west = DegToDMS(-10.5, kSymbols, kLongitude, 0);
+  const WString east = DegToDMS(10.5, kSymbols, kLongitude, 0);
+  const WString south = DegToDMS(-10.5, kBlanks, kLatitude, 0);
+  const double readWest = DMSToDeg(west, kSymbols, kLongitude);
+  const double readSouth = DMSToDeg(south, kBlanks, kLatitude);
+  const bool isWest = IsLatLonSignNegative(KTEXT('W'), kLongitude);
+  kelp::UnloadTranslateFile();
+
+  EXPECT_EQ(Narrow(west), "10\u00B030'00\"O");
+  EXPECT_EQ(Narrow(east), "10\u00B030'00\"E");
+  EXPECT_EQ(Narrow(south), "10 30 00\"\u042E");
+  EXPECT_EQ(readWest, -10.5);
+  EXPECT_EQ(readSouth, -10.5);
+  EXPECT_FALSE(isWest);
 }
 
 }  // namespace

@@ -54,6 +54,17 @@ TEST(Singleton, OneGoesBehindAllOthers) {
   delete left;
 }
 
+TEST(Singleton, TheFoldersBeginAnewBehindTheDeletion) {
+  using kelp::WString;
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(kelp::GetProgramFolderPath(WString()), WString());
+    EXPECT_EQ(kelp::GetMapsFolderPath(WString()), WString(KTEXT("/Maps")));
+    kelp::SetFolderFileNames(KTEXT("Fonts"));
+    EXPECT_EQ(kelp::GetFontsFolderPath(WString()), WString(KTEXT("/Fonts")));
+    DeleteAll();
+  }
+}
+
 class Telling : public ISingleton {
  public:
   explicit Telling(const char* word) : m_word(word) {}

@@ -9,4 +9,6 @@ void* sarn_operator_new(std::size_t size) {
   throw std::bad_alloc();
 }
 
-void sarn_operator_delete(void* block) noexcept { std::free(block); }
+void sarn_operator_delete(void* block) noexcept {
+  std::free(block);
+}

@@ -125,6 +125,14 @@ TEST(CodePage, CountsTheTerminatorOnlyForALengthOfMinusOne) {
   EXPECT_EQ(units[2], 0);
 }
 
+TEST(CodePage, OemCodePageTakesTextWithoutBestFit) {
+  char bytes[8] = {};
+  EXPECT_EQ(WideCharToMultiByte(CP_OEMCP, WC_NO_BEST_FIT_CHARS, WTEXT("C:\\a"), 4, bytes, 8,
+                                nullptr, nullptr),
+            4);
+  EXPECT_STREQ(bytes, "C:\\a");
+}
+
 TEST(CodePage, FailsWithTheReason) {
   WCHAR units[4];
   char bytes[4];

@@ -1,9 +1,8 @@
 // The forms in which angles are exchanged, read and typed.
 //
-//   WString text = DegToDMS(45.5042, enumDisplayAngleUnits::DMSSymbols, enumLatLonType::Latitude,
-//   1);
-//   // 45°30'15.1"N
-//   double deg = DMSToDeg(text, enumDisplayAngleUnits::DMSSymbols, enumLatLonType::Latitude);
+//   constexpr auto kForm = enumDisplayAngleUnits::DMSSymbols;
+//   WString text = DegToDMS(45.5042, kForm, enumLatLonType::Latitude, 1);  // 45°30'15.1"N
+//   double deg = DMSToDeg(text, kForm, enumLatLonType::Latitude);
 //
 // The names say the form: Sesd decimal degrees, Sesg degrees, minutes and seconds as three values,
 // Cent gon, Radi radians, Nmea the number ddmm.mmmm, SesgVerto the number DD.MMSSss, GraPriDcP the

@@ -20,9 +20,17 @@ void IRefCounter::SubReference() noexcept {
   if (__atomic_fetch_sub(&m_referenceCount, 1, __ATOMIC_SEQ_CST) < 2) delete this;
 }
 
-void* IRefCounter::operator new(std::size_t size) { return sarn_operator_new(size); }
-void* IRefCounter::operator new[](std::size_t size) { return sarn_operator_new(size); }
-void IRefCounter::operator delete(void* block) noexcept { std::free(block); }
-void IRefCounter::operator delete[](void* block) noexcept { std::free(block); }
+void* IRefCounter::operator new(std::size_t size) {
+  return sarn_operator_new(size);
+}
+void* IRefCounter::operator new[](std::size_t size) {
+  return sarn_operator_new(size);
+}
+void IRefCounter::operator delete(void* block) noexcept {
+  std::free(block);
+}
+void IRefCounter::operator delete[](void* block) noexcept {
+  std::free(block);
+}
 
 }  // namespace kelp

@@ -1,4 +1,5 @@
-// Roots of the class world: Object, and IRefCounter, an object that lives as long as it has holders.
+// Roots of the class world: Object, and IRefCounter, an object that lives as long as it has
+// holders.
 //
 //   class Layer : public kelp::IRefCounter { ... };
 //   Layer* layer = new Layer;         // one reference, the creator's

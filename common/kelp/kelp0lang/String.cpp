@@ -23,7 +23,9 @@ constinit EmptyText<WChar> emptyWide = {{0, 0, 2}, 0};
 static_assert(offsetof(EmptyText<char>, terminator) == sizeof(TextHeader));
 static_assert(offsetof(EmptyText<WChar>, terminator) == sizeof(TextHeader));
 
-void FreeText(TextHeader* header) noexcept { delete[] reinterpret_cast<char*>(header); }
+void FreeText(TextHeader* header) noexcept {
+  delete[] reinterpret_cast<char*>(header);
+}
 
 namespace {
 
@@ -52,24 +54,48 @@ void CopyPadded(C* target, const C* source, std::size_t count) {
 }
 
 // The C library's routines under one name for both widths.
-std::size_t TerminatedLength(const char* text) { return std::strlen(text); }
-std::size_t TerminatedLength(const WChar* text) { return wcslen(text); }
-int CompareWithoutCase(const char* a, const char* b) { return _stricmp(a, b); }
-int CompareWithoutCase(const WChar* a, const WChar* b) { return _wcsicmp(a, b); }
-int CompareUpTo(const char* a, const char* b, std::size_t n) { return std::strncmp(a, b, n); }
-int CompareUpTo(const WChar* a, const WChar* b, std::size_t n) { return wcsncmp(a, b, n); }
+std::size_t TerminatedLength(const char* text) {
+  return std::strlen(text);
+}
+std::size_t TerminatedLength(const WChar* text) {
+  return wcslen(text);
+}
+int CompareWithoutCase(const char* a, const char* b) {
+  return _stricmp(a, b);
+}
+int CompareWithoutCase(const WChar* a, const WChar* b) {
+  return _wcsicmp(a, b);
+}
+int CompareUpTo(const char* a, const char* b, std::size_t n) {
+  return std::strncmp(a, b, n);
+}
+int CompareUpTo(const WChar* a, const WChar* b, std::size_t n) {
+  return wcsncmp(a, b, n);
+}
 int CompareUpToWithoutCase(const char* a, const char* b, std::size_t n) {
   return _strnicmp(a, b, n);
 }
 int CompareUpToWithoutCase(const WChar* a, const WChar* b, std::size_t n) {
   return _wcsnicmp(a, b, n);
 }
-void LowerInPlace(char* text) { _strlwr(text); }
-void LowerInPlace(WChar* text) { _wcslwr(text); }
-void UpperInPlace(char* text) { _strupr(text); }
-void UpperInPlace(WChar* text) { _wcsupr(text); }
-bool IsSpace(char unit) { return std::isspace(static_cast<unsigned char>(unit)) != 0; }
-bool IsSpace(WChar unit) { return std::iswspace(unit) != 0; }
+void LowerInPlace(char* text) {
+  _strlwr(text);
+}
+void LowerInPlace(WChar* text) {
+  _wcslwr(text);
+}
+void UpperInPlace(char* text) {
+  _strupr(text);
+}
+void UpperInPlace(WChar* text) {
+  _wcsupr(text);
+}
+bool IsSpace(char unit) {
+  return std::isspace(static_cast<unsigned char>(unit)) != 0;
+}
+bool IsSpace(WChar unit) {
+  return std::iswspace(unit) != 0;
+}
 
 // How many units at either end satisfy the test.
 template <class C, class Test>
@@ -416,7 +442,8 @@ S BasicText<S, C>::TrimLeft(C unit) const {
 
 template <class S, class C>
 S BasicText<S, C>::TrimRight(C unit) const {
-  return Substring(0, Length() - CountTrailing(Text(), Length(), [unit](C u) { return u == unit; }));
+  return Substring(0,
+                   Length() - CountTrailing(Text(), Length(), [unit](C u) { return u == unit; }));
 }
 
 template class BasicText<String, char>;
@@ -489,9 +516,13 @@ bool String::RegionMatches(int offset, const char* other, int otherOffset, int c
   return (ignoreCase ? _strnicmp(own, theirs, units) : std::strncmp(own, theirs, units)) == 0;
 }
 
-String String::AcceptString(const WChar* text) { return ConvertString(text, 0); }
+String String::AcceptString(const WChar* text) {
+  return ConvertString(text, 0);
+}
 
-String String::AcceptString(const WChar* text, int count) { return ConvertString(text, count); }
+String String::AcceptString(const WChar* text, int count) {
+  return ConvertString(text, count);
+}
 
 String String::ConvertToUtf8(const WChar* text) {
   if (text == nullptr || *text == 0) return String();
@@ -505,16 +536,22 @@ WString String::FromUtf8() const {
 WString::WString(const WChar* text, int start, int count)
     : BasicText(CopyOfRange(text, static_cast<int>(wcslen(text)), start, count)) {}
 
-WString WString::AcceptString(const char* text) { return ConvertString(text, 0); }
+WString WString::AcceptString(const char* text) {
+  return ConvertString(text, 0);
+}
 
-WString WString::AcceptString(const char* text, int count) { return ConvertString(text, count); }
+WString WString::AcceptString(const char* text, int count) {
+  return ConvertString(text, count);
+}
 
 WString WString::ConvertFromUtf8(const char* text) {
   if (text == nullptr || *text == 0) return WString();
   return WString(Decode(text, std::strlen(text)));
 }
 
-String WString::ToUtf8() const { return empty() ? String() : String(Encode(c_str(), length())); }
+String WString::ToUtf8() const {
+  return empty() ? String() : String(Encode(c_str(), length()));
+}
 
 namespace {
 
@@ -547,7 +584,8 @@ int WString::ReplaceInPlace(const WChar* from, const WChar* to) {
   ForEachMatch(begin, end, from, fromLength, [&count](const WChar*) { ++count; });
   if (count == 0) return 0;
 
-  const int newLength = Length() + count * (static_cast<int>(toLength) - static_cast<int>(fromLength));
+  const int newLength =
+      Length() + count * (static_cast<int>(toLength) - static_cast<int>(fromLength));
   const int capacity = std::max({Length(), newLength, IsShared() ? 0 : Capacity()});
   WString result(FreshText<WChar>{detail::NewText<WChar>(capacity)});
   WChar* out = result.Text();

@@ -15,8 +15,8 @@
 // that reaches outside the text (Substring, the constructors with a range, Insert), only the part
 // inside is used; GetChar, SetChar and their kin don't test.
 //
-// Text may hold zero units inside its length, but the searches for a text and the comparisons with a
-// pointer work on terminated text and stop there.
+// Text may hold zero units inside its length, but the searches for a text and the comparisons with
+// a pointer work on terminated text and stop there.
 //
 // Threads: two threads may hold handles on one buffer and each copy, destroy or change its own. One
 // String object isn't safe for a write beside any other access to that object.
@@ -193,7 +193,8 @@ class KELP0LANG_API BasicText : public TextHandle {
   // Compares count units of this text and of another; false where either range leaves its text.
   bool RegionMatches(int offset, const S& other, int otherOffset, int count, bool ignoreCase) const;
 
-  // Derived text; the receiver stays. Where nothing changes the result shares the receiver's buffer.
+  // Derived text; the receiver stays. Where nothing changes the result shares the receiver's
+  // buffer.
   //
   // A negative start or a count below 1 gives empty text.
   S Substring(int start) const;
@@ -228,9 +229,7 @@ class KELP0LANG_API BasicText : public TextHandle {
     return a.Length() == b.Length() && std::memcmp(a.m_text, b.m_text, a.sizeInBytes()) == 0;
   }
   // The order of the units as unsigned values.
-  friend std::strong_ordering operator<=>(const S& a, const S& b) noexcept {
-    return a.Order(b);
-  }
+  friend std::strong_ordering operator<=>(const S& a, const S& b) noexcept { return a.Order(b); }
 
  protected:
   BasicText() noexcept : TextHandle(Share(EmptyBuffer<C>())) {}

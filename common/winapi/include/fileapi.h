@@ -32,6 +32,8 @@ WINAPI_EXPORT DWORD WINAPI GetCurrentDirectoryW(DWORD size, LPWSTR buffer);
 // if the path ends in a separator.
 WINAPI_EXPORT DWORD WINAPI GetFullPathNameW(LPCWSTR path, DWORD size, LPWSTR buffer,
                                             LPWSTR* filePart);
+// The path itself, if there is a file or folder of that path: the disks here have no short names.
+WINAPI_EXPORT DWORD WINAPI GetShortPathNameW(LPCWSTR path, LPWSTR shortPath, DWORD size);
 // The folder of TMPDIR, or /tmp, with a separator at its end.
 WINAPI_EXPORT DWORD WINAPI GetTempPathW(DWORD size, LPWSTR buffer);
 

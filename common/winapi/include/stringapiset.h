@@ -1,12 +1,13 @@
 // Text between the code pages and UTF-16.
 //
-// The layer has CP_UTF8, 28591 (ISO 8859-1) and CP_ACP, which is UTF-8, as the text of the system
-// is. Any other code page gives ERROR_INVALID_PARAMETER.
+// The layer has CP_UTF8, 28591 (ISO 8859-1) and CP_ACP and CP_OEMCP, which are UTF-8, as the text
+// of the system is. Any other code page gives ERROR_INVALID_PARAMETER.
 #pragma once
 
 #include "windef.h"
 
 #define CP_ACP 0
+#define CP_OEMCP 1
 #define CP_UTF8 65001
 
 #define MB_PRECOMPOSED 0x00000001

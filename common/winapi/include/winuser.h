@@ -104,6 +104,8 @@ WINAPI_EXPORT HWND WINAPI CreateWindowExW(DWORD exStyle, LPCWSTR className, LPCW
 // By the window's own thread only. Its children, and the windows that it owns, go with it.
 WINAPI_EXPORT BOOL WINAPI DestroyWindow(HWND window);
 WINAPI_EXPORT BOOL WINAPI IsWindow(HWND window);
+// Null: no window of any thread is active, there being no screen to bring one to the front of.
+WINAPI_EXPORT HWND WINAPI GetActiveWindow();
 WINAPI_EXPORT DWORD WINAPI GetWindowThreadProcessId(HWND window, LPDWORD processId);
 WINAPI_EXPORT LRESULT WINAPI DefWindowProcW(HWND window, UINT message, WPARAM wParam,
                                             LPARAM lParam);

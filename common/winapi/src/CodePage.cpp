@@ -112,10 +112,17 @@ int WideToLatin1(const WCHAR* source, std::size_t size, char defaultChar, BOOL* 
   return target.Finish();
 }
 
+// The code pages that are UTF-8 because the system's text is. Programs pass the flags of any code
+// page with them.
+bool IsOfSystem(UINT codePage) {
+  return codePage == CP_ACP || codePage == CP_OEMCP;
+}
+
 // What both calls ask of their source and target.
 bool AreGood(UINT codePage, const void* source, int sourceSize, const void* target,
              int targetSize) {
-  if (codePage != CP_ACP && codePage != CP_UTF8 && codePage != kLatin1) return false;
+  const bool known = IsOfSystem(codePage) || codePage == CP_UTF8 || codePage == kLatin1;
+  if (!known) return false;
   if (source == nullptr || sourceSize == 0 || sourceSize < -1) return false;
   return targetSize == 0 || (targetSize > 0 && target != nullptr && target != source);
 }
@@ -147,12 +154,13 @@ int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR source, int s
   if (!latin1 && (defaultChar != nullptr || usedDefaultChar != nullptr)) {
     return Fail(ERROR_INVALID_PARAMETER);
   }
-  const DWORD allowed = latin1 ? WC_NO_BEST_FIT_CHARS : WC_ERR_INVALID_CHARS;
+  const DWORD allowed = (latin1 ? 0 : WC_ERR_INVALID_CHARS) |
+                        (latin1 || IsOfSystem(codePage) ? WC_NO_BEST_FIT_CHARS : 0);
   if ((flags & ~allowed) != 0) return Fail(ERROR_INVALID_FLAGS);
   const std::size_t size =
       sourceSize == -1 ? wcslen(source) + 1 : static_cast<std::size_t>(sourceSize);
   const Target<char> out(target, targetSize);
-  if (!latin1) return WideToUtf8(source, size, flags != 0, out);
+  if (!latin1) return WideToUtf8(source, size, (flags & WC_ERR_INVALID_CHARS) != 0, out);
   return WideToLatin1(source, size, defaultChar == nullptr ? '?' : *defaultChar, usedDefaultChar,
                       out);
 }

@@ -21,8 +21,12 @@ bool IsCLocale() {
   return name != nullptr && (std::strcmp(name, "C") == 0 || std::strcmp(name, "POSIX") == 0);
 }
 
-char16_t Lower(char16_t unit) { return static_cast<char16_t>(std::towlower(unit)); }
-char16_t Upper(char16_t unit) { return static_cast<char16_t>(std::towupper(unit)); }
+char16_t Lower(char16_t unit) {
+  return static_cast<char16_t>(std::towlower(unit));
+}
+char16_t Upper(char16_t unit) {
+  return static_cast<char16_t>(std::towupper(unit));
+}
 unsigned char LowerByte(char unit) {
   return static_cast<unsigned char>(std::tolower(static_cast<unsigned char>(unit)));
 }
@@ -39,8 +43,12 @@ int CompareFolded(const C* a, const C* b, std::size_t count, Fold fold) {
   return 0;
 }
 
-bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+bool IsHighSurrogate(char16_t unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+bool IsLowSurrogate(char16_t unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
 
 // Takes one character off UTF-16 text; a lone surrogate gives WEOF.
 std::wint_t NextCharacter(const char16_t*& text) {
@@ -70,9 +78,13 @@ std::size_t Unconvertible() {
 
 }  // namespace
 
-std::size_t wcslen(const char16_t* text) { return std::char_traits<char16_t>::length(text); }
+std::size_t wcslen(const char16_t* text) {
+  return std::char_traits<char16_t>::length(text);
+}
 
-int wcscmp(const char16_t* a, const char16_t* b) { return wcsncmp(a, b, SIZE_MAX); }
+int wcscmp(const char16_t* a, const char16_t* b) {
+  return wcsncmp(a, b, SIZE_MAX);
+}
 
 int wcsncmp(const char16_t* a, const char16_t* b, std::size_t count) {
   return CompareFolded(a, b, count, [](char16_t unit) { return unit; });
@@ -102,13 +114,17 @@ const char16_t* wcsstr(const char16_t* text, const char16_t* wanted) {
   return nullptr;
 }
 
-int _stricmp(const char* a, const char* b) { return _strnicmp(a, b, SIZE_MAX); }
+int _stricmp(const char* a, const char* b) {
+  return _strnicmp(a, b, SIZE_MAX);
+}
 
 int _strnicmp(const char* a, const char* b, std::size_t count) {
   return CompareFolded(a, b, count, LowerByte);
 }
 
-int _wcsicmp(const char16_t* a, const char16_t* b) { return _wcsnicmp(a, b, SIZE_MAX); }
+int _wcsicmp(const char16_t* a, const char16_t* b) {
+  return _wcsnicmp(a, b, SIZE_MAX);
+}
 
 int _wcsnicmp(const char16_t* a, const char16_t* b, std::size_t count) {
   return CompareFolded(a, b, count, Lower);

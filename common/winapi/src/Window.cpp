@@ -253,6 +253,10 @@ BOOL WINAPI IsWindow(HWND window) {
   return Table().Find(window) != nullptr;
 }
 
+HWND WINAPI GetActiveWindow() {
+  return nullptr;
+}
+
 DWORD WINAPI GetWindowThreadProcessId(HWND window, LPDWORD processId) {
   const std::lock_guard lock(Table().mutex);
   const auto record = Table().Find(window);

@@ -1,0 +1,102 @@
+#include "kelp0lang/CurrMeasUnitInfo.h"
+
+#include <boost/make_shared.hpp>
+
+#include "kelp0lang/ChangeTransaction.h"
+#include "kelp0lang/LegacyNumber.h"
+#include "kelp0lang/MeasUnitChangeContext.h"
+
+using kelp::WString;
+
+namespace {
+
+constexpr const WChar* kConfigFile = KTEXT("config_measunit.dat");
+constexpr const WChar* kReportConfigFile = KTEXT("config_raw_report_measunit.dat");
+
+// Length, in feet, that stands for a metre where a program proposes one.
+constexpr double kFeetForAMetre = 3.0;
+
+constinit CCurrMeasUnitInfo* instance = nullptr;
+
+}  // namespace
+
+CCurrMeasUnitInfo::CCurrMeasUnitInfo() {
+  // Without a settings file a program runs on the defaults.
+  m_current = new CMeasUnitSystem(kConfigFile, kConfigFile);
+  m_current->LoadConfig();
+
+  m_reportRaw = new CMeasUnitSystem(kReportConfigFile, kReportConfigFile);
+  m_reportRaw->SetToNotSet();
+  if (!m_reportRaw->LoadConfig()) m_reportRaw->SaveConfig();
+
+  m_reportConcrete = new CMeasUnitSystem;
+  m_exchange = boost::make_shared<CMeasUnitSystem>(kConfigFile, kConfigFile);
+  m_transactions = new kelp::CChangeTransactionManager;
+  m_current->SetContext(new CMeasUnitChangeContext(m_transactions));
+}
+
+CCurrMeasUnitInfo::~CCurrMeasUnitInfo() {
+  m_current->GetContext()->SubReference();
+  delete m_current;
+  delete m_reportRaw;
+  delete m_reportConcrete;
+  delete m_transactions;
+}
+
+CCurrMeasUnitInfo* CCurrMeasUnitInfo::GetInstance() {
+  if (instance == nullptr) {
+    instance = new CCurrMeasUnitInfo;
+    // Reads the current system through this function, so the instance has to be in place.
+    instance->m_reportRaw->ToConcrete(*instance->m_reportConcrete);
+  }
+  return instance;
+}
+
+boost::shared_ptr<CMeasUnitSystem> CCurrMeasUnitInfo::GetIEMeasUnitSystem() const {
+  m_exchange->CopyFrom(*m_current, false);
+  return m_exchange;
+}
+
+void CCurrMeasUnitInfo::UpdateReportRawMeasUnitSystem() {
+  m_reportRaw->FromConcrete(*m_reportConcrete);
+}
+
+void CCurrMeasUnitInfo::CopyFrom(const CMeasUnitSystem& source) {
+  m_current->ResetNotify();
+  m_current->CopyFrom(source, false);
+  m_current->Notify();
+}
+
+boost::shared_ptr<CMeasUnitSystem> GetIEMeasUnitSystem() {
+  return CCurrMeasUnitInfo::GetInstance()->GetIEMeasUnitSystem();
+}
+
+CMeasUnitSystem* GetReportConcreteMeasUnitSystem() {
+  return CCurrMeasUnitInfo::GetInstance()->GetReportConcreteMeasUnitSystem();
+}
+
+void UpdateReportRawMeasUnitSystem() {
+  CCurrMeasUnitInfo::GetInstance()->UpdateReportRawMeasUnitSystem();
+}
+
+double RoundDist(double value, int decimals) {
+  const CMeasUnitSystem& current = *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
+  return ArrotondatoAtDec(value, decimals == -1 ? current.GetNumDistDec() : decimals);
+}
+
+double RoundQuote(double value, int decimals) {
+  const CMeasUnitSystem& current = *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
+  return ArrotondatoAtDec(value, decimals == -1 ? current.GetNumQuoteDec() : decimals);
+}
+
+double DefaultValueDist(double value) {
+  switch (CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem()->GetUnitSystem()) {
+    case enumUnitSystem::Imperial:
+      return ConvertDist(kFeetForAMetre * value, enumDistUnits::InternationalFoot,
+                         enumDistUnits::Metre);
+    case enumUnitSystem::USSurvey:
+      return ConvertDist(kFeetForAMetre * value, enumDistUnits::USSurveyFoot, enumDistUnits::Metre);
+    default:
+      return value;
+  }
+}

@@ -1,0 +1,57 @@
+#include "kelp0lang/LibGen.h"
+
+#include <cstdio>
+#include <memory>
+
+namespace kelp {
+namespace {
+
+constexpr short kRecordFileVersion = 1909;
+constexpr int kUpdateBinary = 35;
+constexpr unsigned char kUnfinishedMarker = 0;
+constexpr int kRecordMark = 1;
+constexpr int kEndOfRecords = 0;
+
+}  // namespace
+
+CLibGen::~CLibGen() = default;
+
+void CLibGen::SetModifiedFlag(bool modified) {
+  m_modified = modified;
+  if (modified) m_autoSaved = false;
+}
+
+bool CLibGen::IsModified() {
+  return m_modified;
+}
+
+void CLibGen::SetAutoSaved() {
+  m_autoSaved = true;
+}
+
+bool CLibGen::IsAutoSaved() {
+  return m_autoSaved;
+}
+
+void CLibGen::SalvaInFile(ofpstream&, short) {}
+
+void CLibGen::LeggeDaFile(ifpstream&, short) {}
+
+ofpstream* CLibGen::GetFileOutTmp(const WChar* path, int recordType) {
+  auto file = std::make_unique<ofpstream>(path, kRecordFileVersion, KTEXT("CE"), 0, kUpdateBinary);
+  if (file->GetState() != 0) return nullptr;
+  file->Seek(0, SEEK_SET);
+  file->WriteBytes(&kUnfinishedMarker, sizeof kUnfinishedMarker);
+  file->Seek(-static_cast<long>(sizeof kEndOfRecords), SEEK_END);
+  *file << kRecordMark << recordType << file->GetVersion();
+  return file.release();
+}
+
+void CLibGen::CloseFileOutTmp(ofpstream* file) {
+  if (file == nullptr) return;
+  *file << kEndOfRecords;
+  file->Close();
+  delete file;
+}
+
+}  // namespace kelp

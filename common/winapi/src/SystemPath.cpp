@@ -1,0 +1,26 @@
+#include <unistd.h>
+#include <windows.h>
+
+#include <cerrno>
+#include <string>
+
+#include "PathName.h"
+#include "UserFolders.h"
+
+UINT WINAPI GetWindowsDirectoryW(LPWSTR buffer, UINT size) {
+  return GiveText(FromPosixPath(winapi::kSystemFolder), size, buffer);
+}
+
+DWORD WINAPI GetShortPathNameW(LPCWSTR path, LPWSTR shortPath, DWORD size) {
+  if (path == nullptr) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return 0;
+  }
+  const std::string file = ToPosixPath(path);
+  if (file.empty()) return 0;
+  if (access(file.c_str(), F_OK) != 0) {
+    SetFileError(errno, file);
+    return 0;
+  }
+  return GiveText(path, size, shortPath);
+}

@@ -1,0 +1,313 @@
+#include "kelp0lang/MeasUnitSystem.h"
+
+#include <filesystem>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "kelp0lang/ChangeTransaction.h"
+#include "kelp0lang/CurrMeasUnitInfo.h"
+#include "kelp0lang/MeasUnitChangeContext.h"
+#include "kelp0lang/MeasUnitText.h"
+#include "tests/MeasureTestFolders.h"
+#include "tests/TestText.h"
+
+namespace fs = std::filesystem;
+using kelp::WString;
+
+namespace {
+
+constexpr std::size_t kFileSize = 135;
+
+std::string HeaderAndVersion() {
+  return std::string("\x3A\0\x01\0\0\xA6\x06", 7);
+}
+
+// A file whose field i holds i + first.
+std::string NumberedFile(int first) {
+  std::string bytes = HeaderAndVersion();
+  for (int i = 0; i < 32; ++i) {
+    bytes += static_cast<char>(first + i);
+    bytes += std::string(3, '\0');
+  }
+  return bytes;
+}
+
+CMeasUnitSystem& Current() {
+  return *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
+}
+
+// Puts the current settings back when a test is done with them.
+class CurrentSettings : public testing::Test {
+ protected:
+  void TearDown() override {
+    Current().CopyFrom(CMeasUnitSystem(), false);
+    Current().ResetNotify();
+  }
+};
+
+class CountingListener : public kelp::CSourceEvent::IEvent {
+ public:
+  explicit CountingListener(CMeasUnitChangeContext* context) : m_context(context) {
+    m_context->Register(this);
+  }
+  ~CountingListener() { m_context->Unregister(this); }
+
+  void OnBeginEvent(kelp::CSourceEvent*) override {
+    log += m_context->IsMeasUnitSystemChanged() ? "B" : "b";
+  }
+  void OnBeforeEndEvent(kelp::CSourceEvent*) override {
+    log += m_context->IsMeasUnitSystemChanged() ? "C" : "c";
+  }
+  void OnEndEvent(kelp::CSourceEvent*) override {
+    log += m_context->IsMeasUnitSystemChanged() ? "E" : "e";
+    redrawn = DistToString(12.3456);
+  }
+
+  std::string log;
+  WString redrawn;
+
+ private:
+  CMeasUnitChangeContext* m_context;
+};
+
+TEST(MeasUnitSystem, DefaultsAreMetric) {
+  CMeasUnitSystem system;
+  EXPECT_EQ(system.GetNumLatLonAngleDec(), 5);
+  EXPECT_EQ(system.GetAngleUnits(), enumDisplayAngleUnits::Gon);
+  EXPECT_EQ(system.GetLatLonAngleUnits(), enumDisplayAngleUnits::DMSSymbols);
+  EXPECT_EQ(static_cast<int>(system.GetPressureUnits()), 2);
+  EXPECT_EQ(system.GetNumSpeedDec(), 1);
+  EXPECT_EQ(system.GetNumVolDec(), 2);
+  EXPECT_EQ(system.GetVolInchDecPrec(), enumInchDecPrec::Quarters);
+  EXPECT_EQ(system.GetQuoteInchDecPrec(), enumInchDecPrec::Eighths);
+  EXPECT_EQ(system.GetNumScaleDec(), 8);
+  EXPECT_TRUE(system.LoadConfig());
+  EXPECT_TRUE(system.SaveConfig());
+  EXPECT_TRUE(system.LoadDefault());
+}
+
+TEST(MeasUnitSystem, UnitSystemBringsItsUnits) {
+  CMeasUnitSystem system;
+  system.SetUnitSystem(enumUnitSystem::USSurvey, true);
+  EXPECT_EQ(system.GetDistUnits(), enumDisplayDistUnits::USSurveyFoot);
+  EXPECT_EQ(system.GetAreaUnits(), enumDisplayAreaUnits::SquareUSSurveyFoot);
+  EXPECT_EQ(system.GetVolumeUnits(), enumDisplayVolumeUnits::CubicUSSurveyFoot);
+  EXPECT_EQ(system.GetSpeedUnits(), enumSpeedUnits::Imperial);
+  EXPECT_FALSE(system.IsCustom());
+  // Volume is tested against the choices of length.
+  system.SetVolumeUnits(enumDisplayVolumeUnits::CubicUSSurveyYard);
+  EXPECT_FALSE(system.IsCustom());
+  system.SetVolumeUnits(enumDisplayVolumeUnits::CubicInternationalYard);
+  EXPECT_TRUE(system.IsCustom());
+
+  CMeasUnitSystem imperial;
+  imperial.SetUnitSystem(enumUnitSystem::Imperial, false);
+  EXPECT_EQ(imperial.GetDistUnits(), enumDisplayDistUnits::Metre);
+  EXPECT_TRUE(imperial.IsCustom());
+  EXPECT_EQ(imperial.GetDefaultAreaOptions(),
+            (std::vector{enumDisplayAreaUnits::SquareInternationalFoot,
+                         enumDisplayAreaUnits::SquareInternationalFootInch}));
+
+  CMeasUnitSystem unknown;
+  unknown.SetUnitSystem(static_cast<enumUnitSystem>(9), true);
+  EXPECT_EQ(static_cast<int>(unknown.GetUnitSystem()), 9);
+  EXPECT_EQ(unknown.GetDistUnits(), enumDisplayDistUnits::Metre);
+  EXPECT_TRUE(unknown.GetDefaultDistOptions().empty());
+}
+
+TEST(MeasUnitSystem, ListsEveryChoiceInOrder) {
+  EXPECT_EQ(CMeasUnitSystem::GetAllDistOptions().size(), 7u);
+  EXPECT_EQ(CMeasUnitSystem::GetAllTSDistOptions().back(), enumDisplayDistUnits::USSurveyChain);
+  EXPECT_EQ(CMeasUnitSystem::GetAllAreaOptions().size(), 5u);
+  EXPECT_EQ(CMeasUnitSystem::GetAllVolumeOptions().size(), 7u);
+  EXPECT_EQ(CMeasUnitSystem::GetAllSpeedOptions().size(), 2u);
+  EXPECT_EQ(CMeasUnitSystem::GetAllAngleOptions().size(), 7u);
+  EXPECT_EQ(CMeasUnitSystem::GetAllTSAngleOptions().back(), enumDisplayAngleUnits::DMSPacked);
+  EXPECT_EQ(CMeasUnitSystem::GetAllLatLonAngleOptions().front(), enumDisplayAngleUnits::DMSSymbols);
+}
+
+TEST_F(CurrentSettings, OneChangeIsReportedOnce) {
+  CountingListener listener(Current().GetContext());
+  Current().SetDistUnits(Current().GetDistUnits());
+  Current().Notify();
+  EXPECT_EQ(listener.log, "");
+
+  Current().SetDistUnits(enumDisplayDistUnits::InternationalFoot);
+  Current().Notify();
+  Current().Notify();
+  EXPECT_EQ(listener.log, "bCE");
+  EXPECT_FALSE(Current().GetContext()->IsMeasUnitSystemChanged());
+  EXPECT_EQ(listener.redrawn, WString(KTEXT("40.504")));
+
+  Current().SetUnitSystem(enumUnitSystem::Imperial, false);
+  Current().Notify();
+  EXPECT_EQ(listener.log, "bCE") << "the unit system alone raises no flag";
+}
+
+TEST_F(CurrentSettings, CopyFromCarriesTheSettingsOver) {
+  CountingListener listener(Current().GetContext());
+  CMeasUnitSystem edited(Current());
+  edited.SetDateFormat(static_cast<enumDateFormat>(3));
+  edited.SetAngleDir(enumAngleDir::CounterClockwise);
+  CCurrMeasUnitInfo::GetInstance()->CopyFrom(edited);
+  EXPECT_EQ(listener.log, "");
+  EXPECT_EQ(static_cast<int>(Current().GetDateFormatW()), 0);
+  EXPECT_EQ(Current().GetAngleDir(), enumAngleDir::Clockwise);
+
+  edited.SetNumDistDec(1);
+  edited.SetNumAngleDec(2);
+  edited.SetUnitSystem(enumUnitSystem::USSurvey, false);
+  CCurrMeasUnitInfo::GetInstance()->CopyFrom(edited);
+  EXPECT_EQ(listener.log, "bCE");
+  EXPECT_EQ(listener.redrawn, WString(KTEXT("12.3")));
+  EXPECT_EQ(Current().GetUnitSystem(), enumUnitSystem::USSurvey);
+}
+
+TEST_F(CurrentSettings, ReportsFollowTheCurrentSettings) {
+  CCurrMeasUnitInfo* info = CCurrMeasUnitInfo::GetInstance();
+  EXPECT_EQ(Folders().Read(DataSupportFolder() / "config_raw_report_measunit.dat"),
+            HeaderAndVersion() + std::string(32 * 4, '\xFF'));
+
+  CMeasUnitSystem* concrete = GetReportConcreteMeasUnitSystem();
+  EXPECT_EQ(concrete->GetNumDistDec(), Current().GetNumDistDec());
+  concrete->SetNumDistDec(6);
+  concrete->SetNumAreaDec(Current().GetNumAreaDec());
+  UpdateReportRawMeasUnitSystem();
+  const CMeasUnitSystem* raw = info->GetReportRawMeasUnitSystem();
+  EXPECT_EQ(raw->GetNumDistDec(), 6);
+  EXPECT_EQ(raw->GetNumAreaDec(), -1);
+
+  Current().SetNumAreaDec(5);
+  CMeasUnitSystem filled;
+  raw->ToConcrete(filled);
+  EXPECT_EQ(filled.GetNumAreaDec(), 5);
+  EXPECT_EQ(filled.GetNumDistDec(), 6);
+  concrete->SetNumDistDec(Current().GetNumDistDec());
+  UpdateReportRawMeasUnitSystem();
+}
+
+TEST_F(CurrentSettings, ExchangeSystemIsOneObjectBroughtUpToDate) {
+  const auto first = GetIEMeasUnitSystem();
+  Current().SetNumDistDec(7);
+  const auto second = GetIEMeasUnitSystem();
+  EXPECT_EQ(first.get(), second.get());
+  EXPECT_EQ(first->GetNumDistDec(), 7);
+  EXPECT_GE(first.use_count(), 3);
+}
+
+TEST_F(CurrentSettings, RoundsAndProposesByTheSettings) {
+  EXPECT_EQ(RoundDist(1.23456, -1), 1.235);
+  EXPECT_EQ(RoundDist(1.23456, 1), 1.2);
+  Current().SetNumQuoteDec(2);
+  EXPECT_EQ(RoundQuote(1.23456, -1), 1.23);
+  EXPECT_EQ(DefaultValueDist(10.0), 10.0);
+  Current().SetUnitSystem(enumUnitSystem::Imperial, false);
+  EXPECT_DOUBLE_EQ(DefaultValueDist(10.0), 9.144);
+  Current().SetUnitSystem(enumUnitSystem::Metric, false);
+}
+
+// The whole road of a change: edited settings, one event, a redraw, the file, and a later start.
+TEST_F(CurrentSettings, AChangeReachesListenersAndTheFile) {
+  CountingListener listener(Current().GetContext());
+  CMeasUnitSystem edited(Current());
+  edited.SetUnitSystem(enumUnitSystem::USSurvey, true);
+  edited.SetNumDistDec(2);
+  CCurrMeasUnitInfo::GetInstance()->CopyFrom(edited);
+  EXPECT_EQ(listener.log, "bCE");
+  EXPECT_EQ(listener.redrawn, WString(KTEXT("40.50")));
+  ASSERT_TRUE(Current().SaveConfig());
+
+  const std::string bytes = Folders().Read(DataSupportFolder() / "config_measunit.dat");
+  EXPECT_EQ(bytes.size(), kFileSize);
+  EXPECT_EQ(bytes.substr(0, 7), HeaderAndVersion());
+  EXPECT_EQ(bytes[7], 2);
+  EXPECT_EQ(bytes[11], 2);
+  EXPECT_EQ(bytes[71], 2);
+
+  CMeasUnitSystem later(KTEXT("config_measunit.dat"), KTEXT("config_measunit.dat"));
+  ASSERT_TRUE(later.LoadConfig());
+  EXPECT_EQ(later.FromDistToString(12.3456), WString(KTEXT("40.50")));
+  EXPECT_FALSE(later.LoadDefault()) << "no shipped defaults here";
+  fs::remove(DataSupportFolder() / "config_measunit.dat");
+}
+
+TEST(MeasUnitFile, EveryFieldHasItsPlace) {
+  Folders().Write(DataSupportFolder() / "numbered.dat", NumberedFile(40));
+  CMeasUnitSystem system(WString(), KTEXT("numbered.dat"));
+  ASSERT_TRUE(system.LoadConfig());
+  EXPECT_EQ(static_cast<int>(system.GetUnitSystem()), 40);
+  EXPECT_EQ(static_cast<int>(system.GetCoordDisplayMode()), 46);
+  EXPECT_EQ(static_cast<int>(system.GetTemperatureUnits()), 50);
+  EXPECT_EQ(static_cast<int>(system.GetDateFormatW()), 55);
+  EXPECT_EQ(system.GetNumDistDec(), 56);
+  EXPECT_EQ(system.GetNumLatLonAngleDec(), 65);
+  EXPECT_EQ(static_cast<int>(system.GetQuoteInchDecPrec()), 71);
+  ASSERT_TRUE(system.SaveConfig());
+  EXPECT_EQ(Folders().Read(DataSupportFolder() / "numbered.dat"), NumberedFile(40));
+  fs::remove(DataSupportFolder() / "numbered.dat");
+}
+
+// A file cut anywhere loads: what it holds applies, what it lacks stays.
+TEST(MeasUnitFile, LoadsEveryLength) {
+  const fs::path path = DataSupportFolder() / "short.dat";
+  const std::string whole = NumberedFile(40);
+  for (std::size_t size = 0; size <= kFileSize; ++size) {
+    Folders().Write(path, whole.substr(0, size));
+    CMeasUnitSystem system(WString(), KTEXT("short.dat"));
+    ASSERT_TRUE(system.LoadConfig()) << size;
+    ASSERT_EQ(static_cast<int>(system.GetUnitSystem()), size >= 11 ? 40 : 0) << size;
+    ASSERT_EQ(system.GetNumDistDec(), size >= 75 ? 56 : 3) << size;
+    ASSERT_EQ(static_cast<int>(system.GetQuoteInchDecPrec()), size >= kFileSize ? 71 : 1) << size;
+  }
+  fs::remove(path);
+}
+
+// Whatever the settings hold, values print and read without harm.
+TEST(MeasUnitFile, RandomContentLeavesTheProgramUsable) {
+  const fs::path path = DataSupportFolder() / "random.dat";
+  std::mt19937 random(4);
+  for (int round = 0; round < 300; ++round) {
+    std::string bytes = HeaderAndVersion();
+    bytes.resize(kFileSize);
+    // Small values reach the units, large ones the limits of decimals.
+    for (std::size_t i = 7; i < kFileSize; ++i) {
+      bytes[i] = static_cast<char>(i % 4 == 3 || round % 3 == 0 ? random() % 256 : 0);
+    }
+    if (round % 5 == 0) bytes[random() % 5] = static_cast<char>(random());
+    Folders().Write(path, bytes);
+    CMeasUnitSystem system(WString(), KTEXT("random.dat"));
+    ASSERT_TRUE(system.LoadConfig());
+    for (int kind = -1; kind < 24; ++kind) {
+      for (int size = -1; size < 5; ++size) {
+        const auto value = static_cast<enumMeasUnitValue>(kind);
+        const auto unitSize = static_cast<enumMeasUnitSize>(size);
+        const WString text = system.FromValueToString(123.456, value, -1, unitSize, unitSize);
+        system.FromStringToValue(text, value, unitSize, unitSize);
+        ASSERT_TRUE(system.FromValueToString(kelp::kNotSet, value, -1, unitSize, unitSize).empty());
+      }
+    }
+    ASSERT_TRUE(system.SaveConfig());
+  }
+  fs::remove(path);
+}
+
+TEST(MeasUnitFile, AFailedSaveLeavesTheOldFile) {
+  CMeasUnitSystem missing(WString(), KTEXT("no/such/folder.dat"));
+  EXPECT_FALSE(missing.SaveConfig());
+  EXPECT_FALSE(missing.LoadConfig());
+
+  // A folder stands where the new file would be written.
+  const fs::path path = DataSupportFolder() / "kept.dat";
+  Folders().Write(path, "old");
+  fs::create_directories(DataSupportFolder() / "kept.dat.new" / "x");
+  CMeasUnitSystem system(WString(), KTEXT("kept.dat"));
+  EXPECT_FALSE(system.SaveConfig());
+  EXPECT_EQ(Folders().Read(path), "old");
+  fs::remove_all(DataSupportFolder() / "kept.dat.new");
+  EXPECT_TRUE(system.SaveConfig());
+  EXPECT_FALSE(fs::exists(DataSupportFolder() / "kept.dat.new"));
+  fs::remove(path);
+}
+
+}  // namespace

@@ -1,0 +1,241 @@
+#include "kelp0lang/SpecialFolder.h"
+
+#include <windows.h>
+
+#include <shlobj.h>
+
+#include <filesystem>
+#include <string>
+#include <thread>
+
+#include "kelp0lang/RunOnce.h"
+#include "tests/TempFolder.h"
+#include "tests/TestText.h"
+
+#ifndef _WIN32
+#include <winapi_host.h>
+#endif
+
+using kelp::String;
+using kelp::WString;
+
+namespace {
+
+const WString kNone;
+
+// Before every test the roots are those of the first one, whatever ran before.
+class SpecialFolder : public testing::Test {
+ protected:
+  SpecialFolder() {
+    kelp::FInitializeSpecialFolder(KTEXT("C:\\P"), -1, KTEXT("C:\\D\\X"), KTEXT("C:\\T"));
+    kelp::SetFolderFileNames(WString());
+    kelp::SetCurrentLocale(1033);
+  }
+};
+
+WString SystemFolder(int id) {
+  WChar path[MAX_PATH] = {};
+  EXPECT_TRUE(SHGetSpecialFolderPathW(nullptr, path, id, FALSE));
+  return path;
+}
+
+TEST_F(SpecialFolder, EveryFolderStandsInItsPlace) {
+  const WString global = SystemFolder(CSIDL_COMMON_APPDATA) + KTEXT("\\Halden");
+  const struct {
+    WString (*path)(const WString&);
+    WString expected;
+  } folders[] = {
+      {kelp::GetProgramFolderPath, KTEXT("C:\\P")},
+      {kelp::GetProgramFilesFolderPath, KTEXT("C:\\P")},
+      {kelp::GetProgramDataFolderPath, KTEXT("C:\\D\\X")},
+      {kelp::GetProgramDataGlobalFolderPath, global},
+      {kelp::GetTempFolderPath, KTEXT("C:\\T")},
+      {kelp::GetProgramSupportFolderPath, KTEXT("C:\\P/Support")},
+      {kelp::GetProgramDataSupportFolderPath, KTEXT("C:\\D\\X/Support")},
+      {kelp::GetProgramGuiFolderPath, KTEXT("C:\\P/Support/GUI")},
+      {kelp::GetProgramDataGuiFolderPath, KTEXT("C:\\D\\X/Support/GUI")},
+      {kelp::GetProgramDataWorkspacesFolderPath, KTEXT("C:\\D\\X/Support/GUI/Workspaces")},
+      {kelp::GetProgramReportsFolderPath, KTEXT("C:\\P/Reports")},
+      {kelp::GetProgramDataReportsFolderPath, KTEXT("C:\\D\\X/Reports")},
+      {kelp::GetProgramCsvTemplatesFolderPath, KTEXT("C:\\P/CsvTemplates")},
+      {kelp::GetProgramDataCsvTemplatesFolderPath, KTEXT("C:\\D\\X/CsvTemplates")},
+      {kelp::GetLanguagesFolderPath, KTEXT("C:\\P/Languages")},
+      {kelp::GetEgm96FolderPath, KTEXT("C:\\P/Egm96")},
+      {kelp::GetItalyFolderPath, KTEXT("C:\\P/res/Italy")},
+      {kelp::GetResourceFolderPath, KTEXT("C:\\P/Res")},
+      {kelp::GetFontsFolderPath, KTEXT("C:\\P")},
+      {kelp::GetVertoFolderPath, KTEXT("C:\\D\\X/Verto")},
+      {kelp::GetComuniFolderPath, KTEXT("C:\\D\\X/Support/Comuni")},
+      {kelp::GetRoadTemplatesFolderPath, KTEXT("C:\\D\\X/Support/RoadTemplates")},
+      {kelp::GetMapsFolderPath, global + KTEXT("/Maps")},
+      {kelp::GetSarnGeoidsFolderPath, global + KTEXT("/Geoids")},
+      {kelp::GetSarnProjectionsFolderPath, global + KTEXT("/Geo/4.2")},
+      {kelp::GetCloudFolderPath, KTEXT("C:\\D\\X/Support")},
+      {kelp::GetPregeoResFolderPath, KTEXT("C:\\P/Support")},
+  };
+  for (const auto& folder : folders) {
+    EXPECT_EQ(folder.path(kNone), folder.expected);
+    EXPECT_EQ(folder.path(KTEXT("a")), folder.expected + KTEXT("/a"));
+  }
+}
+
+TEST_F(SpecialFolder, OnlyTheFontsFolderHasANameToSet) {
+  kelp::SetFolderFileNames(KTEXT("Fonts"));
+  EXPECT_EQ(kelp::GetFontsFolderName(), WString(KTEXT("Fonts")));
+  EXPECT_EQ(kelp::GetFontsFolderPath(KTEXT("x")), WString(KTEXT("C:\\P/Fonts/x")));
+  for (const auto name : {kelp::GetComboFolderName, kelp::GetPreferencesFolderName,
+                          kelp::GetDocumentsFolderName, kelp::GetOldNtripServerFileName}) {
+    EXPECT_TRUE(name().empty());
+  }
+}
+
+TEST_F(SpecialFolder, RootsOfTheSystem) {
+  kelp::FInitializeSpecialFolder(nullptr, CSIDL_LOCAL_APPDATA, KTEXT("Product"), nullptr);
+  const WString data = SystemFolder(CSIDL_LOCAL_APPDATA);
+  EXPECT_EQ(kelp::GetProgramDataFolderPath(kNone), data + KTEXT("\\Product"));
+  EXPECT_EQ(kelp::GetProgramDataGlobalFolderPath(kNone), data + KTEXT("\\Halden"));
+
+  WChar text[MAX_PATH + 1];
+  ASSERT_NE(GetTempPathW(MAX_PATH + 1, text), 0u);
+  EXPECT_EQ(kelp::GetTempFolderPath(kNone) + KTEXT('\\'), WString(text));
+  ASSERT_NE(GetModuleFileNameW(nullptr, text, MAX_PATH), 0u);
+  const WString program = kelp::GetProgramFolderPath(kNone) + KTEXT('\\');
+  EXPECT_TRUE(WString(text).StartsWith(program));
+  EXPECT_EQ(WString(text).IndexOf(KTEXT('\\'), program.Length()), -1);
+}
+
+TEST_F(SpecialFolder, AnUnknownFolderLeavesTheDataFolders) {
+  const WString global = kelp::GetProgramDataGlobalFolderPath(kNone);
+  kelp::FInitializeSpecialFolder(KTEXT("C:\\Q"), 0x7777, KTEXT("Other"), KTEXT(""));
+  EXPECT_EQ(kelp::GetProgramFolderPath(kNone), WString(KTEXT("C:\\Q")));
+  EXPECT_EQ(kelp::GetProgramDataFolderPath(kNone), WString(KTEXT("C:\\D\\X")));
+  EXPECT_EQ(kelp::GetProgramDataGlobalFolderPath(kNone), global);
+  EXPECT_TRUE(kelp::GetTempFolderPath(kNone).empty());
+}
+
+TEST_F(SpecialFolder, LongTextsAreStoredWhole) {
+  WString text;
+  text.resize(1000, KTEXT('x'));
+  kelp::FInitializeSpecialFolder(text.c_str(), -1, text.c_str(), text.c_str());
+  EXPECT_EQ(kelp::GetProgramFolderPath(kNone), text);
+  EXPECT_EQ(kelp::GetProgramDataFolderPath(kNone), text);
+  EXPECT_EQ(kelp::GetTempFolderPath(kNone), text);
+  kelp::FInitializeSpecialFolder(nullptr, CSIDL_APPDATA, text.c_str(), nullptr);
+  EXPECT_EQ(kelp::GetProgramDataFolderPath(kNone),
+            (SystemFolder(CSIDL_APPDATA) + KTEXT('\\')).Concat(text));
+}
+
+// Sees the folders that were set before it ran.
+class SeeFolders : public kelp::IRunOnceCommand {
+ public:
+  explicit SeeFolders(WString& seen) : m_seen(seen) {}
+  void Run() override {
+    m_seen += kelp::GetProgramFolderPath(kNone).Concat(kelp::GetTempFolderPath(kNone));
+  }
+
+ private:
+  WString& m_seen;
+};
+
+TEST_F(SpecialFolder, CommandsRunOnceTheFoldersAreKnown) {
+  WString seen;
+  kelp::RegisterForRunOnce(new SeeFolders(seen));
+  for (int i = 0; i < 2; ++i) {
+    kelp::FInitializeSpecialFolder(KTEXT("p"), -1, KTEXT("d"), KTEXT("t"));
+  }
+  EXPECT_EQ(seen, WString(KTEXT("pt")));
+}
+
+TEST_F(SpecialFolder, TranslatedFilesFallBackToEnglish) {
+  const TempFolder folder;
+  std::filesystem::create_directories(folder.Path() / "Languages" / "it-IT");
+  folder.Write("Languages/it-IT/ui.txt", "");
+  const WString root(folder.Wide().c_str());
+  kelp::FInitializeSpecialFolder(root.c_str(), -1, KTEXT(""), KTEXT(""));
+  const WString languages = root + KTEXT("/Languages/");
+
+  kelp::SetCurrentLocale(0x410);
+  EXPECT_EQ(kelp::GetTranslatedFilePath(KTEXT("ui.txt")), languages + KTEXT("it-IT/ui.txt"));
+  EXPECT_EQ(kelp::GetTranslatedFilePath(KTEXT("no.txt")), languages + KTEXT("en-US/no.txt"));
+  EXPECT_EQ(kelp::GetCurrentLocale(), 0x410);
+
+  kelp::SetCurrentLocale(0);
+  EXPECT_EQ(kelp::GetTranslatedFilePath(KTEXT("ui.txt")), languages + KTEXT("en-US/ui.txt"));
+  EXPECT_EQ(kelp::GetCurrentLocale(), 1033);
+}
+
+TEST_F(SpecialFolder, NarrowPathsAreTheShortForm) {
+  const TempFolder folder;
+  folder.Write("a name that is longer than eight.text", "x");
+  const WString old(folder.Wide(KTEXT("a name that is longer than eight.text")).c_str());
+  const String narrow = kelp::ConvertPathToLegacyAnsi(old);
+  WChar expected[MAX_PATH];
+  const DWORD length = GetShortPathNameW(old.c_str(), expected, MAX_PATH);
+  ASSERT_GT(length, 0u);
+  EXPECT_EQ(WString::ConvertFromUtf8(narrow.c_str()), WString(expected)) << "all of it is ASCII";
+
+  const WString fresh(folder.Wide(KTEXT("new file.txt")).c_str());
+  EXPECT_FALSE(kelp::ConvertPathToLegacyAnsi(fresh).empty());
+  EXPECT_FALSE(std::filesystem::exists(folder.Path() / "new file.txt"));
+  EXPECT_EQ(folder.Read("a name that is longer than eight.text"), "x");
+
+  const WString nowhere(folder.Wide(KTEXT("no/such/file.txt")).c_str());
+  EXPECT_EQ(kelp::ConvertPathToLegacyAnsi(nowhere), String::AcceptString(nowhere.c_str()));
+  EXPECT_TRUE(kelp::ConvertPathToLegacyAnsi(kNone).empty());
+}
+
+// The user at the dialog of FBrowserDirectory: who presses OK at once, where the dialog opened, or
+// cancels. False from Ask, and nothing asked, where no dialog can be shown.
+#ifdef _WIN32
+
+bool Ask(WString& directory, bool accept, bool& shown) {
+  std::jthread user([accept, &shown, thread = GetCurrentThreadId()](std::stop_token stop) {
+    const auto press = [](HWND window, LPARAM data) -> BOOL {
+      WCHAR name[16];
+      const bool dialog = GetClassNameW(window, name, 16) != 0 && wcscmp(name, L"#32770") == 0;
+      if (!dialog || !IsWindowVisible(window)) return TRUE;
+      PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(data), 0);
+      return FALSE;
+    };
+    while (!stop.stop_requested()) {
+      Sleep(500);
+      if (!EnumThreadWindows(thread, press, accept ? IDOK : IDCANCEL)) shown = true;
+    }
+  });
+  return kelp::FBrowserDirectory(directory);
+}
+
+#else
+
+bool cancels;
+
+BOOL ChooseSelected(HWND, LPCWSTR title, LPCWSTR selected, LPWSTR path) {
+  EXPECT_EQ(WString(title), WString(KTEXT("Specify the directory")));
+  std::u16string(selected).copy(path, MAX_PATH);
+  return cancels ? FALSE : TRUE;
+}
+
+bool Ask(WString& directory, bool accept, bool& shown) {
+  cancels = !accept;
+  shown = true;
+  WinapiSetFolderChooser(ChooseSelected);
+  const bool chosen = kelp::FBrowserDirectory(directory);
+  WinapiSetFolderChooser(nullptr);
+  return chosen;
+}
+
+#endif
+
+TEST_F(SpecialFolder, TheUserChoosesOrCancels) {
+  const TempFolder folder;
+  const WString begin = WString(folder.Wide().c_str());
+  WString directory = begin;
+  bool shown = false;
+  EXPECT_FALSE(Ask(directory, false, shown));
+  EXPECT_EQ(directory, begin);
+  if (!shown) GTEST_SKIP() << "no dialog can be shown here";
+  EXPECT_TRUE(Ask(directory, true, shown));
+  EXPECT_EQ(directory, begin);
+}
+
+}  // namespace

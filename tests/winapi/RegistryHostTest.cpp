@@ -1,0 +1,91 @@
+// The file behind the registry, which only the layer has.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <windows.h>
+#include <winreg.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/TempFolder.h"
+#include "tests/winapi/Variable.h"
+
+namespace {
+
+class RegistryHost : public testing::Test {
+ protected:
+  RegistryHost() : m_data("XDG_DATA_HOME", m_folder.Path().c_str()) {}
+
+  bool HasFile() const {
+    return std::filesystem::exists(m_folder.Path() / "winapi" / "registry.txt");
+  }
+  static HKEY Create(const WCHAR* path) {
+    HKEY key = nullptr;
+    EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key,
+                              nullptr),
+              ERROR_SUCCESS);
+    return key;
+  }
+
+  TempFolder m_folder;
+  Variable m_data;
+};
+
+TEST_F(RegistryHost, TheFileStandsAsLongAsThereAreKeys) {
+  HKEY key = nullptr;
+  EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
+  EXPECT_TRUE(std::filesystem::is_empty(m_folder.Path())) << "reading makes nothing";
+  RegCloseKey(Create(u"K\\L"));
+  EXPECT_TRUE(HasFile());
+  EXPECT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, u"K\\L"), ERROR_SUCCESS);
+  EXPECT_TRUE(HasFile());
+  EXPECT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, u"K"), ERROR_SUCCESS);
+  EXPECT_FALSE(HasFile());
+}
+
+TEST_F(RegistryHost, ADamagedFileIsLeftAlone) {
+  std::filesystem::create_directories(m_folder.Path() / "winapi");
+  for (const char* text : {"[HKEY_CURRENT_USER\\\\K\n", "\"v\"=1:00\n", "[K]\n\"v\"=x:00\n",
+                           "[K]\n\"v\"=1:0\n", "[K]\n\"v\"=1:0g\n", "[K]\n\"v=1:00\n", "\n"}) {
+    SCOPED_TRACE(text);
+    m_folder.Write("winapi/registry.txt", text);
+    HKEY key = nullptr;
+    EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_READ, &key), ERROR_BADDB);
+    EXPECT_EQ(
+        RegCreateKeyExW(HKEY_CURRENT_USER, u"K", 0, nullptr, 0, KEY_READ, nullptr, &key, nullptr),
+        ERROR_BADDB);
+    EXPECT_EQ(m_folder.Read("winapi/registry.txt"), text);
+  }
+}
+
+void SetMany(const WCHAR* head) {
+  HKEY key = nullptr;
+  RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_WRITE, &key);
+  for (WCHAR i = 0; i < 20; ++i) {
+    const WCHAR name[] = {*head, static_cast<WCHAR>('a' + i), 0};
+    RegSetValueExW(key, name, 0, REG_BINARY, nullptr, 0);
+  }
+  RegCloseKey(key);
+}
+
+TEST_F(RegistryHost, ThreadsAndProgramsLoseNoChange) {
+  const HKEY key = Create(u"K");
+  const pid_t child = fork();
+  if (child == 0) {
+    SetMany(u"1");
+    _exit(0);
+  }
+  { const std::jthread second(SetMany, u"2"), third(SetMany, u"3"); }
+  ASSERT_EQ(waitpid(child, nullptr, 0), child);
+  for (const WCHAR head : {u'1', u'2', u'3'}) {
+    for (WCHAR i = 0; i < 20; ++i) {
+      const WCHAR name[] = {head, static_cast<WCHAR>('a' + i), 0};
+      EXPECT_EQ(RegQueryValueExW(key, name, nullptr, nullptr, nullptr, nullptr), ERROR_SUCCESS);
+    }
+  }
+  RegCloseKey(key);
+}
+
+}  // namespace

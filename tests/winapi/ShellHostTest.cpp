@@ -1,0 +1,123 @@
+// What only the layer has: the XDG folders behind the shell's, and the host's chooser of folders.
+#include <gtest/gtest.h>
+#include <shlobj.h>
+#include <winapi_host.h>
+#include <windows.h>
+
+#include <filesystem>
+#include <string>
+
+#include "tests/TempFolder.h"
+#include "tests/winapi/Variable.h"
+
+namespace {
+
+std::u16string Folder(int id, BOOL create = FALSE) {
+  WCHAR path[MAX_PATH] = {};
+  return SHGetSpecialFolderPathW(nullptr, path, id, create) ? path : u"(none)";
+}
+
+TEST(ShellHost, FoldersFollowTheXdgVariables) {
+  const Variable home("HOME", "/home/me");
+  {
+    const Variable config("XDG_CONFIG_HOME", "/c/d"), data("XDG_DATA_HOME", "/e");
+    EXPECT_EQ(Folder(CSIDL_APPDATA), u"C:\\c\\d");
+    EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA), u"C:\\e");
+  }
+  const Variable config("XDG_CONFIG_HOME", nullptr), data("XDG_DATA_HOME", "not/absolute");
+  EXPECT_EQ(Folder(CSIDL_APPDATA), u"C:\\home\\me\\.config");
+  EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA), u"C:\\home\\me\\.local\\share");
+  EXPECT_EQ(Folder(CSIDL_PROFILE), u"C:\\home\\me");
+  EXPECT_EQ(Folder(CSIDL_COMMON_APPDATA), u"C:\\var\\lib");
+}
+
+TEST(ShellHost, FoldersOfTheDesktopAreThoseOfUserDirs) {
+  const TempFolder folder;
+  const Variable home("HOME", "/home/me");
+  const Variable config("XDG_CONFIG_HOME", folder.Path().c_str());
+  EXPECT_EQ(Folder(CSIDL_DESKTOP), u"C:\\home\\me\\Desktop") << "there is no file";
+  EXPECT_EQ(Folder(CSIDL_PERSONAL), u"C:\\home\\me");
+  folder.Write("user-dirs.dirs",
+               "# comment\n"
+               "XDG_DESKTOP_DIR=\"$HOME/Scrivania\"\n"
+               "  XDG_DOCUMENTS_DIR=\"/data/docs \\\"x\\\"\"\n"
+               "XDG_MUSIC_DIR=\"relative\"\n"
+               "#XDG_PICTURES_DIR=\"/no\"\n");
+  EXPECT_EQ(Folder(CSIDL_DESKTOPDIRECTORY), u"C:\\home\\me\\Scrivania");
+  EXPECT_EQ(Folder(CSIDL_PERSONAL), u"C:\\data\\docs \"x\"");
+  EXPECT_EQ(Folder(CSIDL_MYMUSIC), u"C:\\home\\me");
+  EXPECT_EQ(Folder(CSIDL_MYPICTURES), u"C:\\home\\me");
+}
+
+TEST(ShellHost, AFolderIsMadeOnlyWhenAsked) {
+  const TempFolder folder;
+  const std::filesystem::path wanted = folder.Path() / "a" / "b";
+  const Variable data("XDG_DATA_HOME", wanted.c_str());
+  EXPECT_NE(Folder(CSIDL_LOCAL_APPDATA), u"(none)");
+  EXPECT_FALSE(std::filesystem::exists(wanted));
+  EXPECT_NE(Folder(CSIDL_LOCAL_APPDATA, TRUE), u"(none)");
+  EXPECT_TRUE(std::filesystem::is_directory(wanted));
+
+  folder.Write("file", "");
+  const Variable below("XDG_DATA_HOME", (folder.Path() / "file" / "x").c_str());
+  EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA, TRUE), u"(none)");
+}
+
+TEST(ShellHost, PathsThatDoNotFit) {
+  const Variable data("XDG_DATA_HOME", ("/" + std::string(300, 'x')).c_str());
+  EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA), u"(none)");
+}
+
+// What a chooser was asked, and what it answers.
+struct Asked {
+  std::u16string title;
+  std::u16string selected;
+};
+Asked asked;
+const WCHAR* answer = nullptr;
+
+BOOL Choose(HWND, LPCWSTR title, LPCWSTR selected, LPWSTR path) {
+  asked = {title, selected};
+  if (answer == nullptr) return FALSE;
+  std::u16string(answer).copy(path, MAX_PATH);
+  return TRUE;
+}
+
+int CALLBACK Select(HWND dialog, UINT message, LPARAM, LPARAM data) {
+  if (message == BFFM_INITIALIZED) SendMessageW(dialog, BFFM_SETSELECTIONW, TRUE, data);
+  return 0;
+}
+
+TEST(ShellHost, TheHostChoosesAFolder) {
+  WCHAR name[MAX_PATH] = u"old";
+  BROWSEINFOW info = {};
+  info.pszDisplayName = name;
+  info.lpszTitle = u"Title";
+  EXPECT_EQ(SHBrowseForFolderW(&info), nullptr) << "there is nobody to ask";
+
+  WinapiSetFolderChooser(Choose);
+  answer = nullptr;
+  EXPECT_EQ(SHBrowseForFolderW(&info), nullptr);
+  EXPECT_EQ(asked.title, u"Title");
+  EXPECT_EQ(asked.selected, u"");
+  EXPECT_EQ(std::u16string(name), u"old");
+
+  answer = u"C:\\jobs\\site 1";
+  info.lpfn = Select;
+  info.lParam = reinterpret_cast<LPARAM>(u"C:\\jobs");
+  for (int i = 0; i < 2; ++i) {
+    const LPITEMIDLIST list = SHBrowseForFolderW(&info);
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(asked.selected, u"C:\\jobs");
+    EXPECT_EQ(std::u16string(name), u"site 1");
+    WCHAR path[MAX_PATH] = {};
+    EXPECT_TRUE(SHGetPathFromIDListW(list, path));
+    EXPECT_EQ(std::u16string(path), answer);
+    LPMALLOC allocator = nullptr;
+    ASSERT_EQ(SHGetMalloc(&allocator), S_OK);
+    allocator->Free(list);
+  }
+  WinapiSetFolderChooser(nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,65 @@
+// The shell's folders and allocator.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <shlobj.h>
+
+#include <cstring>
+#include <string>
+
+#include "tests/winapi/UnderWine.h"
+
+namespace {
+
+using Wide = std::basic_string<WCHAR>;
+
+TEST(Shell, FoldersAreWholePathsWithoutASeparatorAtTheEnd) {
+  for (const int id : {CSIDL_APPDATA, CSIDL_LOCAL_APPDATA, CSIDL_PERSONAL, CSIDL_DESKTOPDIRECTORY,
+                       CSIDL_COMMON_APPDATA, CSIDL_WINDOWS, CSIDL_PROFILE}) {
+    SCOPED_TRACE(id);
+    WCHAR path[MAX_PATH] = {};
+    ASSERT_TRUE(SHGetSpecialFolderPathW(nullptr, path, id, FALSE));
+    const Wide text = path;
+    ASSERT_GT(text.size(), 3u);
+    EXPECT_EQ(text[1], ':');
+    EXPECT_EQ(text[2], '\\');
+    EXPECT_NE(text.back(), '\\');
+    EXPECT_EQ(text.find('/'), Wide::npos);
+  }
+}
+
+TEST(Shell, WhatIsNoFolderOfADisk) {
+  WCHAR path[MAX_PATH] = {};
+  for (const int id : {3 /* the control panel */, 0x7777, -2}) {
+    EXPECT_FALSE(SHGetSpecialFolderPathW(nullptr, path, id, FALSE)) << id;
+  }
+  EXPECT_FALSE(SHGetPathFromIDListW(nullptr, path));
+}
+
+TEST(Shell, AllocatorKeepsWhatItMoves) {
+  LPMALLOC allocator = nullptr;
+  ASSERT_EQ(SHGetMalloc(&allocator), S_OK);
+  ASSERT_NE(allocator, nullptr);
+  void* block = allocator->Alloc(10);
+  ASSERT_NE(block, nullptr);
+  EXPECT_GE(allocator->GetSize(block), 10u);
+  std::memcpy(block, "123456789", 10);
+  block = allocator->Realloc(block, 100000);
+  ASSERT_NE(block, nullptr);
+  EXPECT_STREQ(static_cast<char*>(block), "123456789");
+  allocator->Free(block);
+  allocator->Free(nullptr);
+
+  void* same = nullptr;
+  EXPECT_EQ(allocator->QueryInterface(IID_IMalloc, &same), S_OK);
+  EXPECT_EQ(same, allocator);
+  const IID other = {1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
+  EXPECT_EQ(allocator->QueryInterface(other, &same), E_NOINTERFACE);
+  // Wine leaves the pointer as it was.
+  if (!UnderWine()) {
+    EXPECT_EQ(same, nullptr);
+  }
+  allocator->Release();
+}
+
+}  // namespace

@@ -1,0 +1,59 @@
+// The system's own folder, and short names of files.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/TempFolder.h"
+#include "tests/winapi/UnderWine.h"
+
+#ifdef _WIN32
+#define WTEXT(text) L##text
+#else
+#define WTEXT(text) u##text
+#endif
+
+namespace {
+
+using Wide = std::basic_string<WCHAR>;
+
+TEST(SystemPath, WindowsDirectoryFollowsTheBufferRules) {
+  WCHAR path[MAX_PATH];
+  const UINT length = GetWindowsDirectoryW(path, MAX_PATH);
+  ASSERT_GT(length, 3u);
+  EXPECT_EQ(Wide(path).size(), length);
+  EXPECT_EQ(path[1], ':');
+  EXPECT_NE(path[length - 1], '\\');
+  EXPECT_EQ(GetWindowsDirectoryW(nullptr, 0), length + 1);
+  EXPECT_EQ(GetWindowsDirectoryW(path, length), length + 1);
+  EXPECT_EQ(GetWindowsDirectoryW(path, length + 1), length);
+}
+
+TEST(SystemPath, ShortNamesAreOfWhatIsThere) {
+  const TempFolder folder;
+  folder.Write("a name that is longer than eight.text", "x");
+  const Wide path = folder.Wide(WTEXT("a name that is longer than eight.text"));
+  const DWORD room = GetShortPathNameW(path.c_str(), nullptr, 0);
+  ASSERT_GT(room, 1u);
+  std::vector<WCHAR> text(room);
+  EXPECT_EQ(GetShortPathNameW(path.c_str(), text.data(), room), room - 1);
+  EXPECT_EQ(Wide(text.data()).size(), room - 1);
+  EXPECT_NE(GetFileAttributesW(text.data()), INVALID_FILE_ATTRIBUTES) << "it leads to the file";
+  EXPECT_EQ(GetShortPathNameW(path.c_str(), text.data(), room - 1), room);
+
+  const struct {
+    const WCHAR* name;
+    DWORD error;
+  } missing[] = {{WTEXT("no"), ERROR_FILE_NOT_FOUND}, {WTEXT("no/no"), ERROR_PATH_NOT_FOUND}};
+  for (const auto& test : missing) {
+    SetLastError(0);
+    EXPECT_EQ(GetShortPathNameW(folder.Wide(test.name).c_str(), text.data(), room), 0u);
+    // Wine doesn't tell a missing folder from a missing file.
+    if (!UnderWine()) {
+      EXPECT_EQ(GetLastError(), test.error);
+    }
+  }
+}
+
+}  // namespace
