@@ -105,6 +105,10 @@ TEST(ConvertUnits, PassesNotSetOnAndRefusesUnknownUnits) {
                            kNorth, kClockwise, kAsIs),
               kNotSet);
   }
+  EXPECT_EQ(
+      ConvertAngle(-9e199, kRotation, kGon, kNorth, kClockwise, kGon, kNorth, kCounter, kAsIs),
+      kNotSet)
+      << "the result crosses it upwards";
   EXPECT_EQ(Rad2Deg(9e199), 9e199);
   EXPECT_EQ(Rad2Deg(8e199), kNotSet);
 }
