@@ -400,6 +400,49 @@ TEST(FormatStream, WritesTextOfAnyLength) {
   EXPECT_EQ(file.Content(), expected);
 }
 
+// The members that take an argument list, as a host's own printf-like function calls them.
+template <class Call>
+int WithList(Call call, ...) {
+  std::va_list args;
+  va_start(args, call);
+  const int result = call(args);
+  va_end(args);
+  return result;
+}
+
+TEST(Format, ArgumentListsPrintAsArgumentsDo) {
+  char narrow[32];
+  WChar wide[32];
+  EXPECT_EQ(kelp_sprintf(narrow, "%d|%.1f", 7, 0.5), 5);
+  EXPECT_STREQ(narrow, "7|0.5");
+  EXPECT_EQ(
+      WithList([&](std::va_list args) { return kelp_vsprintf(narrow, "%d-%.1f", args); }, 7, 0.5),
+      5);
+  EXPECT_STREQ(narrow, "7-0.5");
+  EXPECT_EQ(
+      WithList([&](std::va_list args) { return kelp_vswprintf(wide, KTEXT("%d+%.1f"), args); }, 7,
+               0.5),
+      5);
+  EXPECT_EQ(WString(wide), WString(KTEXT("7+0.5")));
+  EXPECT_EQ(
+      WithList([&](std::va_list args) { return kelp_vsnwprintf(wide, 5, KTEXT("%d+%.1f"), args); },
+               7, 0.5),
+      -1)
+      << "no room for the terminator";
+  EXPECT_EQ(wide[0], 0);
+}
+
+TEST(FormatStream, StandardOutputTakesBothWidths) {
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(kelp_printf("%d|", 1), 2);
+  EXPECT_EQ(WithList([](std::va_list args) { return kelp_vprintf("%d|", args); }, 2), 2);
+  EXPECT_EQ(WithList([](std::va_list args) { return kelp_vfprintf(stdout, "%.2f|", args); }, 3.5),
+            5);
+  EXPECT_EQ(kelp_wprintf(KTEXT("%ls"), KTEXT("four")), 4);
+  std::fflush(stdout);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "1|2|3.50|four");
+}
+
 TEST(FormatStream, TellsFailures) {
   const TextFile file;
   ASSERT_NE(file.Get(), nullptr);

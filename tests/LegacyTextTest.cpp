@@ -145,6 +145,15 @@ TEST(LegacyText, SplitsRowsAtDelimiters) {
       << "a delimiter within quotation marks counts";
 }
 
+TEST(LegacyText, FieldsLoseQuotesAndBlanks) {
+  std::vector<WString> fields = {KTEXT(" \"a b\" "), KTEXT("x\"y"), KTEXT(" z ")};
+  std::vector<WString> kept = fields;
+  EliminaApiciESpazi(&fields, true);
+  EXPECT_EQ(fields, (std::vector<WString>{KTEXT("a b"), KTEXT("x\"y"), KTEXT("z")}));
+  EliminaApiciESpazi(&kept, false);
+  EXPECT_EQ(kept[0], WString(KTEXT("\"a b\"")));
+}
+
 TEST(LegacyText, ReadsLinesWithoutTheirLineFeed) {
   const TempFolder folder;
   folder.Write("rows.txt", "first\r\n\nlong row");

@@ -77,6 +77,11 @@ TEST(ConvertUnits, KeepsTheOperationsOfEachDirection) {
   EXPECT_EQ(Deg2Rad(180.0), 180.0 * 0.01745329251994);
   EXPECT_NE(Deg2Rad(180.0), 3.141592653589793);
   EXPECT_EQ(Grad2Rad(200.0), 200.0 * 0.015707963267948);
+  EXPECT_EQ(Deg2Grad(90.0), 90.0 * 1.1111111111111112);
+  EXPECT_EQ(Grad2Deg(100.0), 90.0);
+  EXPECT_EQ(Deg2Mils(90.0), 90.0 * 17.77777777777778);
+  EXPECT_EQ(Mils2Deg(1600.0), 90.0);
+  EXPECT_EQ(Rad2Grad(2.0), 2.0 * 63.66197723675813);
 }
 
 TEST(ConvertUnits, PassesNotSetOnAndRefusesUnknownUnits) {

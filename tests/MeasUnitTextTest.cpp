@@ -197,6 +197,13 @@ TEST(MeasUnitText, CoordinatesTakeTheOrderOfTheMode) {
   EXPECT_EQ(north, 2);
   system.FromEastToString(1, s1, &eastFirst);
   EXPECT_FALSE(eastFirst);
+  system.FromNorthToString(2, s1, &eastFirst);
+  EXPECT_TRUE(eastFirst);
+  system.CoordsToEastNorth(2, 1, east, north, &eastFirst);
+  EXPECT_EQ(east, 1);
+  EXPECT_FALSE(eastFirst);
+  system.FromString1ToCoord(KTEXT("7"), c1, &eastFirst);
+  EXPECT_FALSE(eastFirst);
   system.FromString2ToCoord(KTEXT("7"), c1, &eastFirst);
   EXPECT_EQ(c1, 7);
   EXPECT_TRUE(eastFirst);

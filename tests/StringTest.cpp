@@ -85,6 +85,19 @@ TEST(StringBuffer, RangesReachNoFurtherThanTheText) {
   EXPECT_EQ(abcdef.Substring(3, 100), String("def"));
 }
 
+TEST(StringBuffer, UnitsAreReadWrittenAndCopiedOut) {
+  WString a(KTEXT("abcdef"));
+  const WString b(a);
+  a.WriteChar(1, KTEXT('X'));
+  EXPECT_EQ(a.ReadChar(1), KTEXT('X'));
+  EXPECT_EQ(b.at(1), KTEXT('b'));
+  WChar target[] = KTEXT("------");
+  b.GetChars(1, 4, target, 2);
+  EXPECT_EQ(WString(target), WString(KTEXT("--bcd-"))) << "without a terminator";
+  EXPECT_EQ(b.sizeInBytes(), 12u);
+  EXPECT_EQ(String("abc").sizeInBytes(), 3u);
+}
+
 TEST(StringConcat, AppendsInPlaceAlsoItself) {
   WString a(KTEXT("ab"));
   a += a;
@@ -303,10 +316,12 @@ TEST(StringUtf8, DecodesEveryKindOfSequence) {
       {"\xF0\x9F\x98\x80", KTEXT("\xD83D\xDE00")},
       {"\x85", KTEXT("\x0085")},
       {"\xFF", KTEXT("\x00FF")},
-      {"\xC1\x81", KTEXT("A")},               // overlong
-      {"\xED\xA0\xBD", KTEXT("\xD83D")},      // a surrogate value
-      {"\xC3" "A", KTEXT("\x00C1")},          // continuation bytes are only masked
-      {"ab\xE2\x82", KTEXT("ab\x2080")},      // cut short: zero bits follow
+      {"\xC1\x81", KTEXT("A")},           // overlong
+      {"\xED\xA0\xBD", KTEXT("\xD83D")},  // a surrogate value
+      {"\xC3"
+       "A",
+       KTEXT("\x00C1")},                  // continuation bytes are only masked
+      {"ab\xE2\x82", KTEXT("ab\x2080")},  // cut short: zero bits follow
   };
   for (const auto& c : cases) {
     EXPECT_EQ(String(c.bytes).FromUtf8(), WString(c.units)) << c.bytes;
@@ -320,7 +335,9 @@ TEST(StringUtf8, EncodesPairsAndLoneSurrogates) {
   EXPECT_EQ(WString(KTEXT("\xDE00")).ToUtf8(), String("\xED\xB8\x80"));
   EXPECT_EQ(WString(KTEXT("x\xD83D")).ToUtf8(), String("x\xED\xA0\xBD"));
   // A high surrogate is joined with whatever follows: (0xD83D << 10) + 'A' - 0x035FDC00.
-  EXPECT_EQ(String::ConvertToUtf8(KTEXT("\xD83D" "A")), String("\xF0\x91\xA1\x81"));
+  EXPECT_EQ(String::ConvertToUtf8(KTEXT("\xD83D"
+                                        "A")),
+            String("\xF0\x91\xA1\x81"));
 }
 
 // All code points, alone and in text long enough for blocks and for two passes.
@@ -385,7 +402,9 @@ TEST(StringLocale, ConvertsByTheProcessLocale) {
 
   LocaleScope german(LC_ALL, kGermanLocale);
   ASSERT_TRUE(german.Ok());
-  const WString umlaut(KTEXT("Gr\x00FC\x00DF" "e"));
+  const WString umlaut(
+      KTEXT("Gr\x00FC\x00DF"
+            "e"));
   EXPECT_EQ(WString::AcceptString(String::AcceptString(umlaut.c_str()).c_str()), umlaut);
 }
 
