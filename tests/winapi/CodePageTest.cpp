@@ -5,18 +5,11 @@
 #include <string>
 
 #include "tests/winapi/UnderWine.h"
-
-#ifdef _WIN32
-#define WTEXT(text) L##text
-#else
-#define WTEXT(text) u##text
-#endif
+#include "tests/winapi/WideText.h"
 
 namespace {
 
 constexpr UINT kLatin1 = 28591;
-using Wide = std::basic_string<WCHAR>;
-
 // The text without its last error, or the error in place of the text.
 struct Decoded {
   Wide text;

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "tests/TempFolder.h"
+#include "tests/winapi/WideText.h"
 
 #ifdef _WIN32
 #define WTEXT(text) L##text
@@ -23,8 +24,6 @@ constexpr const char* kGermanLocale = "de_DE.UTF-8";
 #endif
 
 namespace {
-
-using Wide = std::basic_string<WCHAR>;
 
 // The lines of a file as fgetws gives them, each in a buffer of size units.
 std::vector<Wide> ReadLines(const Wide& path, const WCHAR* mode, int size = 100) {

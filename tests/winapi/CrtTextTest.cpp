@@ -8,11 +8,7 @@
 #include <cstdlib>
 #include <cwchar>
 
-#ifdef _WIN32
-#define WTEXT(text) L##text
-#else
-#define WTEXT(text) u##text
-#endif
+#include "tests/winapi/WideText.h"
 
 namespace {
 

@@ -10,16 +10,9 @@
 
 #include "tests/TempFolder.h"
 #include "tests/winapi/UnderWine.h"
-
-#ifdef _WIN32
-#define WTEXT(text) L##text
-#else
-#define WTEXT(text) u##text
-#endif
+#include "tests/winapi/WideText.h"
 
 namespace {
-
-using Wide = std::basic_string<WCHAR>;
 
 // The names that a search gives.
 std::vector<Wide> Find(const Wide& path) {

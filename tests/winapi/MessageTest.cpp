@@ -12,11 +12,7 @@
 
 #include "UnderWine.h"
 
-#ifdef _WIN32
-#define WTEXT(text) L##text
-#else
-#define WTEXT(text) u##text
-#endif
+#include "tests/winapi/WideText.h"
 
 namespace {
 

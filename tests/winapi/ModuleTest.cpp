@@ -7,16 +7,9 @@
 #include <string>
 
 #include "tests/winapi/UnderWine.h"
-
-#ifdef _WIN32
-#define WTEXT(text) L##text
-#else
-#define WTEXT(text) u##text
-#endif
+#include "tests/winapi/WideText.h"
 
 namespace {
-
-using Wide = std::basic_string<WCHAR>;
 
 Wide PathOf(HMODULE module) {
   WCHAR path[1024];

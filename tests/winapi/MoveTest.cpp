@@ -7,18 +7,11 @@
 
 #include "tests/TempFolder.h"
 #include "tests/winapi/UnderWine.h"
-
-#ifdef _WIN32
-#define WTEXT(text) L##text
-#else
-#define WTEXT(text) u##text
-#endif
+#include "tests/winapi/WideText.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using Wide = std::basic_string<WCHAR>;
-
 DWORD MoveError(const Wide& source, const Wide& target, DWORD flags) {
   return MoveFileExW(source.c_str(), target.c_str(), flags) ? ERROR_SUCCESS : GetLastError();
 }

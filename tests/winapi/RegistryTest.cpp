@@ -8,15 +8,9 @@
 #include <string>
 #include <vector>
 
-#ifdef _WIN32
-#define WTEXT(text) L##text
-#else
-#define WTEXT(text) u##text
-#endif
+#include "tests/winapi/WideText.h"
 
 namespace {
-
-using Wide = std::basic_string<WCHAR>;
 
 std::vector<BYTE> Bytes(const Wide& text) {
   std::vector<BYTE> bytes(text.size() * sizeof(WCHAR));

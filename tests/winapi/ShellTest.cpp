@@ -8,10 +8,9 @@
 #include <string>
 
 #include "tests/winapi/UnderWine.h"
+#include "tests/winapi/WideText.h"
 
 namespace {
-
-using Wide = std::basic_string<WCHAR>;
 
 TEST(Shell, FoldersAreWholePathsWithoutASeparatorAtTheEnd) {
   for (const int id : {CSIDL_APPDATA, CSIDL_LOCAL_APPDATA, CSIDL_PERSONAL, CSIDL_DESKTOPDIRECTORY,

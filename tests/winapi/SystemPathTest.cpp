@@ -7,16 +7,9 @@
 
 #include "tests/TempFolder.h"
 #include "tests/winapi/UnderWine.h"
-
-#ifdef _WIN32
-#define WTEXT(text) L##text
-#else
-#define WTEXT(text) u##text
-#endif
+#include "tests/winapi/WideText.h"
 
 namespace {
-
-using Wide = std::basic_string<WCHAR>;
 
 TEST(SystemPath, WindowsDirectoryFollowsTheBufferRules) {
   WCHAR path[MAX_PATH];

@@ -14,14 +14,13 @@ namespace kelp::detail {
 // Counts end here, below the limits of 64 bits.
 inline constexpr std::int64_t kMaxCount = 9'000'000'000'000'000'000;
 
-// The nearest count, a half upwards; what lies outside ends at +-kMaxCount, NaN counts 0. Unlike
-// floor(x + 0.5) this doesn't round twice.
+// floor(value + 0.5), the nearest count with a half upwards; what lies outside ends at +-kMaxCount,
+// NaN counts 0.
 inline std::int64_t RoundToCount(double value) {
   constexpr auto kLimit = static_cast<double>(kMaxCount);
   if (std::isnan(value)) return 0;
   if (std::fabs(value) >= kLimit) return value < 0 ? -kMaxCount : kMaxCount;
-  const double below = std::floor(value);
-  return static_cast<std::int64_t>(below) + (value - below >= 0.5 ? 1 : 0);
+  return static_cast<std::int64_t>(std::floor(value + 0.5));
 }
 
 // The nearest value that 32 bits hold.
