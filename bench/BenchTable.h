@@ -45,6 +45,7 @@ void AddStringWorks();
 void AddNumberWorks();
 void AddAngleWorks();
 void AddUnitWorks();
+void AddTimeWorks();
 
 // Prints, when all have run, one row for each work and peer: the medians of the repetitions, in
 // nanoseconds of processor time for one item, and their ratio.

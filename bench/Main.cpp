@@ -5,6 +5,7 @@ int main(int argc, char** argv) {
   bench::AddNumberWorks();
   bench::AddAngleWorks();
   bench::AddUnitWorks();
+  bench::AddTimeWorks();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   bench::TableReporter table;

@@ -2,12 +2,17 @@
 // what happens when it is attached and detached. No other source has an object that needs building
 // at load, so that this order is the only one there is.
 #include "kelp0lang/CriticalSec.h"
+#include "kelp0lang/LocalTimeComputer.h"
 #include "kelp0lang/LocaleFree.h"
 #include "kelp0lang/Singleton.h"
 
 namespace kelp {
 namespace {
 
+// The computer reads the machine's time zone now. It is a singleton: built with new, deleted by
+// the walk.
+[[maybe_unused]] CGlobalLocalTimeComputer& globalLocalTimeComputer =
+    CGlobalLocalTimeComputer::GetInstance();
 CCriticalSec globalCritSection;
 
 // Behind the construction of all static objects, and before their destruction.

@@ -12,6 +12,7 @@ typedef uint16_t WORD;
 typedef uint32_t DWORD;
 typedef int32_t LONG;
 typedef uint32_t ULONG;
+typedef uint64_t ULONGLONG;
 typedef unsigned int UINT;
 typedef uintptr_t ULONG_PTR;
 typedef void* LPVOID;

@@ -8,6 +8,7 @@
 #include "stringapiset.h"
 #include "synchapi.h"
 #include "sysinfoapi.h"
+#include "timezoneapi.h"
 #include "winbase.h"
 #include "windef.h"
 #include "winerror.h"

@@ -1,0 +1,41 @@
+// File times, calendar dates and the time zone.
+#pragma once
+
+#include "minwinbase.h"
+
+// A year from 1601 to 30827, an existing day of it, a time from 00:00:00.000 to 23:59:59.999. The
+// weekday isn't looked at. Anything else fails with ERROR_INVALID_PARAMETER.
+WINAPI_EXPORT BOOL WINAPI SystemTimeToFileTime(const SYSTEMTIME* time, LPFILETIME fileTime);
+// A file time below 0x8000000000000000, which is in September 30828; from there on it fails with
+// ERROR_INVALID_PARAMETER.
+WINAPI_EXPORT BOOL WINAPI FileTimeToSystemTime(const FILETIME* fileTime, LPSYSTEMTIME time);
+
+#define TIME_ZONE_ID_UNKNOWN 0
+#define TIME_ZONE_ID_STANDARD 1
+#define TIME_ZONE_ID_DAYLIGHT 2
+#define TIME_ZONE_ID_INVALID ((DWORD)0xFFFFFFFF)
+
+// UTC = local time + Bias + the bias of the part of the year, in minutes. The two dates are those
+// of the changes to standard and to daylight saving time, on the clock as it reads before: year 0,
+// the month, the weekday, in wDay the week from 1 to 5, the last, and the time. Both months are 0
+// where there is no daylight saving.
+typedef struct _TIME_ZONE_INFORMATION {
+  LONG Bias;
+  WCHAR StandardName[32];
+  SYSTEMTIME StandardDate;
+  LONG StandardBias;
+  WCHAR DaylightName[32];
+  SYSTEMTIME DaylightDate;
+  LONG DaylightBias;
+} TIME_ZONE_INFORMATION, *LPTIME_ZONE_INFORMATION;
+
+// The machine's zone, and which part of its year it is: TIME_ZONE_ID_UNKNOWN where there is no
+// daylight saving. Never fails.
+//
+// The zone is that of TZ, where it is set, else of /etc/localtime: a rule ("CET-1CEST,M3.5.0,
+// M10.5.0/3") or a zone file, which ends with one. The names are the rule's. Of two offsets the
+// lesser is standard time, though the rule call it the other way, as the Irish does. A zone that
+// can't be read is UTC. What a record can't tell is made to fit: 24:00 is 23:59:59.999, days of the
+// year and times further outside of their day become the weekday and week that they have in the
+// current year, daylight saving all the year the standard time.
+WINAPI_EXPORT DWORD WINAPI GetTimeZoneInformation(LPTIME_ZONE_INFORMATION zone);

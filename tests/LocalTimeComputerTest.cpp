@@ -1,0 +1,276 @@
+#include "kelp0lang/LocalTimeComputer.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <random>
+#include <thread>
+#include <vector>
+
+#include "kelp0lang/UtcTime.h"
+
+using kelp::CLocalTimeComputer;
+using std::chrono::sys_days;
+using std::chrono::year;
+
+namespace {
+
+constexpr std::uint64_t kMinute = 60'000;
+constexpr std::uint64_t kHour = 60 * kMinute;
+constexpr std::uint64_t kDay = 24 * kHour;
+
+// Milliseconds since 1601 of a date and time.
+std::uint64_t At(int y, unsigned month, unsigned day, int hour = 0, int minute = 0) {
+  const auto days = sys_days(year(y) / month / day) - sys_days(year(1601) / 1 / 1);
+  return days.count() * kDay + hour * kHour + minute * kMinute;
+}
+
+// The date of a change: month, weekday, week, hour.
+_SYSTEMTIME Rule(WORD month, WORD weekday, WORD week, WORD hour) {
+  return {0, month, weekday, week, hour, 0, 0, 0};
+}
+
+_TIME_ZONE_INFORMATION Zone(LONG bias, LONG daylightBias, _SYSTEMTIME daylight,
+                            _SYSTEMTIME standard) {
+  _TIME_ZONE_INFORMATION zone = {};
+  zone.Bias = bias;
+  zone.DaylightBias = daylightBias;
+  zone.DaylightDate = daylight;
+  zone.StandardDate = standard;
+  return zone;
+}
+
+CLocalTimeComputer For(const _TIME_ZONE_INFORMATION& zone) {
+  CLocalTimeComputer computer;
+  computer.SetTimeZoneInformation(zone);
+  return computer;
+}
+
+const _TIME_ZONE_INFORMATION kRome = Zone(-60, -60, Rule(3, 0, 5, 2), Rule(10, 0, 5, 3));
+const _TIME_ZONE_INFORMATION kSydney = Zone(-600, -60, Rule(10, 0, 1, 2), Rule(4, 0, 1, 3));
+const _TIME_ZONE_INFORMATION kLordHowe = Zone(-630, -30, Rule(10, 0, 1, 2), Rule(4, 0, 1, 2));
+const _TIME_ZONE_INFORMATION kIndia = Zone(-330, 0, {}, {});
+
+TEST(LocalTime, AddsTheOffsetInForce) {
+  struct Case {
+    _TIME_ZONE_INFORMATION zone;
+    std::uint64_t utc;
+    int minutes;
+    bool daylight;
+  };
+  const Case kCases[] = {
+      {kRome, At(2021, 7, 1, 12), 120, true},
+      {kRome, At(2021, 1, 1, 12), 60, false},
+      {kRome, At(2021, 3, 28, 1) - 1, 60, false},
+      {kRome, At(2021, 3, 28, 1), 120, true},
+      {kRome, At(2021, 10, 31, 1) - 1, 120, true},
+      {kRome, At(2021, 10, 31, 1), 60, false},
+      // The last Sunday is the fourth; the month begins on the rule's weekday, and behind it.
+      {kRome, At(2019, 10, 27, 1) - 1, 120, true},
+      {kRome, At(2019, 10, 27, 1), 60, false},
+      {kSydney, At(2023, 10, 1) - 8 * kHour - 1, 600, false},
+      {kSydney, At(2023, 10, 1) - 8 * kHour, 660, true},
+      {kSydney, At(2022, 4, 3) - 8 * kHour - 1, 660, true},
+      {kSydney, At(2022, 4, 3) - 8 * kHour, 600, false},
+      {kSydney, At(2021, 1, 1), 660, true},
+      {kLordHowe, At(2022, 4, 2, 15) - 1, 660, true},
+      {kLordHowe, At(2022, 4, 2, 15), 630, false},
+      {kIndia, At(2021, 7, 1), 330, false},
+      {kIndia, At(1601, 1, 1), 330, false},
+      {kRome, At(1601, 1, 1), 60, false},
+      {kSydney, At(1601, 1, 1), 660, true},
+      {kRome, At(9999, 7, 1), 120, true},
+      // The years of the platform's calendar end; the offset stays.
+      {kRome, At(30827, 7, 1), 120, true},
+      {kRome, std::uint64_t{1} << 60, 60, false},
+      {kSydney, std::uint64_t{1} << 60, 660, true},
+  };
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(testing::Message() << c.zone.Bias << ' ' << c.utc);
+    CLocalTimeComputer computer = For(c.zone);
+    const std::uint64_t local = c.utc + c.minutes * static_cast<std::int64_t>(kMinute);
+    EXPECT_EQ(computer.Utc_to_Local(c.utc), local);
+    EXPECT_EQ(computer.IsUtcTimeInDaylight(c.utc), c.daylight);
+  }
+}
+
+TEST(LocalTime, SkippedAndDoubledReadingsAreDaylight) {
+  struct Case {
+    _TIME_ZONE_INFORMATION zone;
+    std::uint64_t local;
+    int minutes;
+    bool daylight;
+  };
+  const Case kCases[] = {
+      {kRome, At(2021, 3, 28, 2) - 1, 60, false},     {kRome, At(2021, 3, 28, 2), 120, true},
+      {kRome, At(2021, 3, 28, 2, 30), 120, true},     {kRome, At(2021, 10, 31, 2, 30), 120, true},
+      {kRome, At(2021, 10, 31, 3) - 1, 120, true},    {kRome, At(2021, 10, 31, 3), 60, false},
+      {kLordHowe, At(2022, 10, 2, 2, 15), 660, true}, {kLordHowe, At(2022, 4, 3, 1, 45), 660, true},
+      {kLordHowe, At(2022, 4, 3, 2), 630, false},     {kIndia, At(2021, 1, 2), 330, false},
+  };
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(testing::Message() << c.zone.Bias << ' ' << c.local);
+    CLocalTimeComputer computer = For(c.zone);
+    EXPECT_EQ(computer.Local_to_Utc(c.local), c.local - c.minutes * kMinute);
+    EXPECT_EQ(computer.IsLocalTimeInDaylight(c.local), c.daylight);
+  }
+}
+
+TEST(LocalTime, ZoneTimeHasNoDaylight) {
+  CLocalTimeComputer computer = For(kRome);
+  const std::uint64_t july = At(2021, 7, 1);
+  EXPECT_EQ(computer.Utc_to_Zone(july), july + kHour);
+  EXPECT_EQ(computer.Utc_to_Local(july) - computer.Utc_to_Zone(july), kHour);
+  EXPECT_EQ(computer.Zone_to_Utc(july), july - kHour);
+  // Only the bias of the zone, not that of standard time.
+  _TIME_ZONE_INFORMATION zone = kRome;
+  zone.StandardBias = 15;
+  computer = For(zone);
+  EXPECT_EQ(computer.Utc_to_Zone(july), july + kHour);
+  EXPECT_EQ(computer.Utc_to_Local(At(2021, 1, 1)), At(2021, 1, 1, 0, 45));
+}
+
+// A zone of which a month is missing has none; the year of a date isn't looked at.
+TEST(LocalTime, HalfARuleIsNone) {
+  _TIME_ZONE_INFORMATION zone = kRome;
+  zone.StandardDate.wMonth = 0;
+  zone.StandardBias = 15;
+  CLocalTimeComputer computer = For(zone);
+  EXPECT_EQ(computer.Utc_to_Local(At(2021, 7, 1)), At(2021, 7, 1, 1));
+  zone = kRome;
+  zone.DaylightDate.wMonth = 13;
+  computer = For(zone);
+  EXPECT_FALSE(computer.IsUtcTimeInDaylight(At(2021, 7, 1)));
+  zone = kRome;
+  zone.DaylightDate.wYear = zone.StandardDate.wYear = 2007;
+  computer = For(zone);
+  EXPECT_TRUE(computer.IsUtcTimeInDaylight(At(2021, 7, 1)));
+}
+
+// Every rule against a search through the days of the month.
+TEST(LocalTime, DaysOfRules) {
+  const auto dayOf = [](int y, const _SYSTEMTIME& rule) {
+    const std::chrono::year_month month = year(y) / static_cast<int>(rule.wMonth);
+    const sys_days end = sys_days(month / std::chrono::last) + std::chrono::days(1);
+    std::vector<sys_days> found;
+    for (sys_days day = month / 1; day < end; day += std::chrono::days(1)) {
+      if (std::chrono::weekday(day).c_encoding() == rule.wDayOfWeek) found.push_back(day);
+    }
+    const sys_days day = rule.wDay == 5 ? found.back() : found[rule.wDay - 1];
+    return static_cast<std::uint64_t>((day - sys_days(year(1601) / 1 / 1)).count()) * kDay;
+  };
+  for (WORD month = 1; month <= 12; ++month) {
+    for (WORD week = 1; week <= 5; ++week) {
+      for (WORD weekday = 0; weekday <= 6; ++weekday) {
+        const _SYSTEMTIME begin = Rule(month, weekday, week, 2);
+        const _SYSTEMTIME end = Rule((month + 5) % 12 + 1, weekday, week, 3);
+        CLocalTimeComputer computer = For(Zone(0, -60, begin, end));
+        for (int y = 1999; y <= 2026; ++y) {
+          const std::uint64_t beginUtc = dayOf(y, begin) + 2 * kHour;
+          const std::uint64_t endUtc = dayOf(y, end) + 2 * kHour;
+          ASSERT_FALSE(computer.IsUtcTimeInDaylight(beginUtc - 1)) << beginUtc;
+          ASSERT_TRUE(computer.IsUtcTimeInDaylight(beginUtc)) << beginUtc;
+          ASSERT_TRUE(computer.IsUtcTimeInDaylight(endUtc - 1)) << endUtc;
+          ASSERT_FALSE(computer.IsUtcTimeInDaylight(endUtc)) << endUtc;
+        }
+      }
+    }
+  }
+}
+
+// What has been asked before changes no answer, in either column; nor do copies share anything.
+TEST(LocalTime, AnswersDontDependOnTheCache) {
+  std::mt19937_64 random(31);
+  std::uniform_int_distribution<std::uint64_t> moments(0, At(2400, 1, 1));
+  for (const auto& zone : {kRome, kSydney, kLordHowe, kIndia}) {
+    CLocalTimeComputer grown = For(zone);
+    for (int i = 0; i < 100; ++i) {
+      const std::uint64_t moment = moments(random);
+      CLocalTimeComputer fresh = For(zone);
+      CLocalTimeComputer copy = grown;
+      EXPECT_EQ(grown.Utc_to_Local(moment), fresh.Utc_to_Local(moment));
+      EXPECT_EQ(copy.Local_to_Utc(moment), For(zone).Local_to_Utc(moment));
+    }
+    grown = For(kRome);
+    EXPECT_EQ(grown.Utc_to_Local(At(1990, 7, 1)), At(1990, 7, 1, 2));
+    grown.SetTimeZoneInformation(kIndia);
+    EXPECT_EQ(grown.Utc_to_Local(At(1990, 7, 1)), At(1990, 7, 1, 5, 30));
+  }
+}
+
+// A record that is no rule gives no defined time, but an answer.
+TEST(LocalTime, ABrokenRuleEnds) {
+  for (const WORD value : {0, 6, 100, 65535}) {
+    CLocalTimeComputer computer =
+        For(Zone(0, -60, Rule(3, value, 1, 2), Rule(10, 0, value, value)));
+    for (const std::uint64_t moment : {At(1601, 1, 1), At(2021, 7, 1), ~std::uint64_t{0}}) {
+      computer.Utc_to_Local(moment);
+      computer.Local_to_Utc(moment);
+    }
+  }
+}
+
+// The rest is the machine's zone, whatever it is.
+
+TEST(GlobalLocalTime, IsTheMachines) {
+  kelp::FResetGlobalLocalTimeComputer();
+  CLocalTimeComputer computer;
+  _TIME_ZONE_INFORMATION zone;
+  GetTimeZoneInformation(&zone);
+  const std::uint64_t bias = static_cast<std::uint64_t>(std::int64_t{zone.Bias}) * kMinute;
+  for (const std::uint64_t utc : {At(2021, 1, 15, 12), At(2021, 7, 15, 12), At(1700, 7, 15)}) {
+    const std::uint64_t local = computer.Utc_to_Local(utc);
+    EXPECT_EQ(kelp::FUtcMsToZoneMs(utc), utc - bias);
+    EXPECT_EQ(kelp::FZoneMsToUtcMs(utc), utc + bias);
+    EXPECT_EQ(kelp::FUtcMsToUserMs(kelp::tsUtc, utc), utc);
+    EXPECT_EQ(kelp::FUtcMsToUserMs(kelp::tsZone, utc), utc - bias);
+    EXPECT_EQ(kelp::FUtcMsToUserMs(kelp::tsLocal, utc), local);
+    EXPECT_EQ(kelp::FUtcMsToUserMs(static_cast<kelp::enumTimeSystem>(3), utc), utc);
+    EXPECT_EQ(kelp::FUserMsToUtcMs(kelp::tsUtc, utc), utc);
+    EXPECT_EQ(kelp::FUserMsToUtcMs(kelp::tsZone, utc - bias), utc);
+    EXPECT_EQ(kelp::FUserMsToUtcMs(kelp::tsLocal, local), utc);
+    EXPECT_EQ(kelp::FUserMsToUtcMs(static_cast<kelp::enumTimeSystem>(-1), utc), utc);
+
+    _SYSTEMTIME byLocal = {}, byUser = {};
+    kelp::FUtcMsToLocalTime(utc, &byLocal);
+    kelp::FUtcMsToUserTime(kelp::tsLocal, utc, &byUser);
+    EXPECT_EQ(kelp::FSystemTimeToMs(&byLocal), local);
+    EXPECT_EQ(kelp::FSystemTimeToMs(&byUser), local);
+    EXPECT_EQ(kelp::FLocalTimeToUtcMs(&byLocal), utc);
+    EXPECT_EQ(kelp::FUserTimeToUtcMs(kelp::tsLocal, &byLocal), utc);
+  }
+  _SYSTEMTIME endOfDay = {2021, 1, 0, 14, 24, 0, 0, 0};
+  EXPECT_EQ(kelp::FUserTimeToUtcMs(kelp::tsZone, &endOfDay), At(2021, 1, 15) + bias);
+  EXPECT_EQ(endOfDay.wHour, 23);
+}
+
+// Threads that ask for ever other years make the cache grow under one another.
+TEST(GlobalLocalTime, ThreadsShareIt) {
+  kelp::FResetGlobalLocalTimeComputer();
+  CLocalTimeComputer computer;
+  std::vector<std::uint64_t> moments, expected;
+  for (int y = 1700; y < 2300; ++y) {
+    moments.push_back(At(y, 7, 15));
+    expected.push_back(computer.Utc_to_Local(moments.back()));
+  }
+  constexpr std::size_t kThreads = 4;
+  std::vector<std::vector<std::uint64_t>> results(kThreads,
+                                                  std::vector<std::uint64_t>(moments.size()));
+  std::vector<std::thread> threads;
+  for (std::size_t t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&moments, &result = results[t], backwards = t % 2 == 1] {
+      for (std::size_t i = 0; i < moments.size(); ++i) {
+        const std::size_t place = backwards ? moments.size() - 1 - i : i;
+        const std::uint64_t local = kelp::FUtcMsToUserMs(kelp::tsLocal, moments[place]);
+        const bool comesBack = kelp::FUserMsToUtcMs(kelp::tsLocal, local) == moments[place];
+        result[place] = comesBack ? local : 0;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const auto& result : results) EXPECT_EQ(result, expected);
+}
+
+}  // namespace
