@@ -12,7 +12,6 @@ cd "$(dirname "$0")"
 
 run_linux() {
   need_compiler
-  need_packages libgtest-dev
   need_german_locale
   build "$1"
   ctest --preset "$1"

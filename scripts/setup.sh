@@ -35,8 +35,9 @@ need_packages() {
     apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2 </dev/null
 }
 
+# What every build on Linux takes; the tests belong to it.
 need_compiler() {
-  need_packages g++ cmake ninja-build libboost-dev
+  need_packages g++ cmake ninja-build libboost-dev libgtest-dev
   # A compiler cache is used where there is one, and not asked for.
   if command -v ccache >/dev/null; then export CMAKE_CXX_COMPILER_LAUNCHER=ccache; fi
 }

@@ -1,4 +1,5 @@
 // The formatting engine and the kelp_ family.
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -402,10 +403,10 @@ TEST(FormatStream, WritesTextOfAnyLength) {
 
 // The members that take an argument list, as a host's own printf-like function calls them.
 template <class Call>
-int WithList(Call call, ...) {
+int WithList(const Call* call, ...) {
   std::va_list args;
   va_start(args, call);
-  const int result = call(args);
+  const int result = (*call)(args);
   va_end(args);
   return result;
 }
@@ -415,32 +416,31 @@ TEST(Format, ArgumentListsPrintAsArgumentsDo) {
   WChar wide[32];
   EXPECT_EQ(kelp_sprintf(narrow, "%d|%.1f", 7, 0.5), 5);
   EXPECT_STREQ(narrow, "7|0.5");
-  EXPECT_EQ(
-      WithList([&](std::va_list args) { return kelp_vsprintf(narrow, "%d-%.1f", args); }, 7, 0.5),
-      5);
+  const auto toNarrow = [&](std::va_list args) { return kelp_vsprintf(narrow, "%d-%.1f", args); };
+  EXPECT_EQ(WithList(&toNarrow, 7, 0.5), 5);
   EXPECT_STREQ(narrow, "7-0.5");
-  EXPECT_EQ(
-      WithList([&](std::va_list args) { return kelp_vswprintf(wide, KTEXT("%d+%.1f"), args); }, 7,
-               0.5),
-      5);
+  const auto toWide = [&](std::va_list args) {
+    return kelp_vswprintf(wide, KTEXT("%d+%.1f"), args);
+  };
+  EXPECT_EQ(WithList(&toWide, 7, 0.5), 5);
   EXPECT_EQ(WString(wide), WString(KTEXT("7+0.5")));
-  EXPECT_EQ(
-      WithList([&](std::va_list args) { return kelp_vsnwprintf(wide, 5, KTEXT("%d+%.1f"), args); },
-               7, 0.5),
-      -1)
-      << "no room for the terminator";
+  const auto toFive = [&](std::va_list args) {
+    return kelp_vsnwprintf(wide, 5, KTEXT("%d+%.1f"), args);
+  };
+  EXPECT_EQ(WithList(&toFive, 7, 0.5), -1) << "no room for the terminator";
   EXPECT_EQ(wide[0], 0);
 }
 
 TEST(FormatStream, StandardOutputTakesBothWidths) {
+  const auto print = [](std::va_list args) { return kelp_vprintf("%d|", args); };
+  const auto printToFile = [](std::va_list args) { return kelp_vfprintf(stdout, "%.2f|", args); };
   testing::internal::CaptureStdout();
-  EXPECT_EQ(kelp_printf("%d|", 1), 2);
-  EXPECT_EQ(WithList([](std::va_list args) { return kelp_vprintf("%d|", args); }, 2), 2);
-  EXPECT_EQ(WithList([](std::va_list args) { return kelp_vfprintf(stdout, "%.2f|", args); }, 3.5),
-            5);
-  EXPECT_EQ(kelp_wprintf(KTEXT("%ls"), KTEXT("four")), 4);
+  const int lengths[] = {kelp_printf("%d|", 1), WithList(&print, 2), WithList(&printToFile, 3.5),
+                         kelp_wprintf(KTEXT("%ls"), KTEXT("four"))};
   std::fflush(stdout);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "1|2|3.50|four");
+  const int expected[] = {2, 2, 5, 4};
+  EXPECT_TRUE(std::equal(std::begin(lengths), std::end(lengths), expected));
 }
 
 TEST(FormatStream, TellsFailures) {
