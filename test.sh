@@ -22,12 +22,29 @@ run_sanitizer() {
   run_linux "$1"
 }
 
+# Windows are made on a screen of the tests' own, which goes when the script ends.
+start_display() {
+  local number
+  exec {display_output}< <(exec Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp 2>/dev/null)
+  display_process=$!
+  trap stop_display EXIT
+  read -r -t 60 -u "$display_output" number || die "no display for the tests: Xvfb didn't start"
+  export DISPLAY=:$number
+}
+
+# Wine's desktop goes before its screen.
+stop_display() {
+  /usr/lib/wine/wineserver64 -k || true
+  kill "$display_process" 2>/dev/null || true
+}
+
 run_windows() {
   need_compiler
-  need_packages g++-mingw-w64-x86-64-posix wine64 googletest
+  need_packages g++-mingw-w64-x86-64-posix wine64 googletest xvfb
   build windows
   # A Windows of the build's own, made before several tests start at once.
   export WINEPREFIX=$root/build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+  start_display
   [ -f "$WINEPREFIX/system.reg" ] || /usr/lib/wine/wine64 wineboot --init >&2
   ctest --preset windows
 }

@@ -1,7 +1,7 @@
 # What every target of this tree has in common.
 
 add_library(kelp_options INTERFACE)
-target_compile_options(kelp_options INTERFACE -Wall -Wextra -Werror)
+target_compile_options(kelp_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Werror>)
 if(KELP_SANITIZE)
   target_compile_options(kelp_options INTERFACE
     -fsanitize=${KELP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -5,6 +5,7 @@
 #include "kelp0lang/LocalTimeComputer.h"
 #include "kelp0lang/LocaleFree.h"
 #include "kelp0lang/Singleton.h"
+#include "kelp0lang/StringLoader.h"
 
 namespace kelp {
 namespace {
@@ -13,6 +14,7 @@ namespace {
 // the walk.
 [[maybe_unused]] CGlobalLocalTimeComputer& globalLocalTimeComputer =
     CGlobalLocalTimeComputer::GetInstance();
+CStringLoader globalStringLoader;
 CCriticalSec globalCritSection;
 
 // Behind the construction of all static objects, and before their destruction.
@@ -27,6 +29,10 @@ void Detach() {
 
 }  // namespace
 
+CStringLoader& GetGlobalStringLoader() {
+  return globalStringLoader;
+}
+
 CCriticalSec& CCriticalSec::GetGlobalCritSection() {
   return globalCritSection;
 }
@@ -35,7 +41,8 @@ CCriticalSec& CCriticalSec::GetGlobalCritSection() {
 
 #ifdef _WIN32
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void*) {
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void*) {
+  kelp::GetGlobalStringLoader().Init(module);
   if (reason == DLL_PROCESS_ATTACH) kelp::Attach();
   if (reason == DLL_PROCESS_DETACH) kelp::Detach();
   return TRUE;
@@ -43,12 +50,32 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void*) {
 
 #else
 
+#include <iterator>
+
+#include "winapi_host.h"
+
 namespace {
 
-// The last static object of the library.
+constexpr WORD kItalian = 1040;
+constexpr WINAPI_STRING kStrings[] = {
+#define KELP_STRING(id, text) {id, KTEXT(text)},
+#include "kelp0lang/StringTable.inc"
+};
+
+// The last static object of the library. Nobody tells the library of threads here.
 struct Attachment {
-  Attachment() { kelp::Attach(); }
-  ~Attachment() { kelp::Detach(); }
+  Attachment() {
+    kelp::GetGlobalStringLoader().Init(module);
+    WinapiSetStrings(module, kItalian, kStrings, std::size(kStrings));
+    kelp::Attach();
+  }
+  ~Attachment() {
+    kelp::GetGlobalStringLoader().Init(module);
+    kelp::Detach();
+    WinapiSetStrings(module, kItalian, nullptr, 0);
+  }
+
+  const HMODULE module = GetModuleHandleW(KTEXT("kelp0lang.dll"));
 } attachment;
 
 }  // namespace

@@ -1,15 +1,35 @@
-// The program and the libraries in the process. A module's handle is the address where it is
-// loaded.
+// The program and the libraries in the process, and their resources. A module's handle is the
+// address where it is loaded; null means the program.
 #pragma once
 
 #include "windef.h"
 
-// Null means the program. A name matches the file name of a module without regard to case, or its
+// A name matches the file name of a module without regard to case, or its
 // whole path; "name" and "name.dll" also match a library that is called "libname.so" here, whatever
 // its version. Where there is none it gives null and ERROR_MOD_NOT_FOUND.
 WINAPI_EXPORT HMODULE WINAPI GetModuleHandleW(LPCWSTR name);
 
-// The path of a module, of the program for null. Gives its length; a path that doesn't fit is cut
+// The path of a module. Gives its length; a path that doesn't fit is cut
 // and terminated, and the call gives size and ERROR_INSUFFICIENT_BUFFER. What is no module gives 0
 // and ERROR_MOD_NOT_FOUND.
 WINAPI_EXPORT DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size);
+
+// Resources, which winapi_host.h gives to a module. A type or name is an integer (MAKEINTRESOURCEW,
+// winuser.h) or a text without regard to case, where "#" and decimal digits stand for the integer.
+// What isn't there gives null and ERROR_RESOURCE_DATA_NOT_FOUND (the module has none),
+// ..._TYPE_...,
+// ..._NAME_... or ..._LANG_NOT_FOUND. All stay valid for as long as the module has them.
+//
+// A resource in several languages is found in the neutral one, else in the lowest.
+WINAPI_EXPORT HRSRC WINAPI FindResourceW(HMODULE module, LPCWSTR name, LPCWSTR type);
+// In one language; 0 means any, as with FindResourceW.
+WINAPI_EXPORT HRSRC WINAPI FindResourceExW(HMODULE module, LPCWSTR type, LPCWSTR name,
+                                           WORD language);
+WINAPI_EXPORT HGLOBAL WINAPI LoadResource(HMODULE module, HRSRC resource);
+WINAPI_EXPORT LPVOID WINAPI LockResource(HGLOBAL loaded);
+// In bytes.
+WINAPI_EXPORT DWORD WINAPI SizeofResource(HMODULE module, HRSRC resource);
+// A string of a module's table, cut to size - 1 units and terminated; gives its length in the
+// buffer, 0 where there is none. With size 0 the buffer is a pointer's, which then points to the
+// string itself, and the call gives its length; that text has no terminator.
+WINAPI_EXPORT int WINAPI LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int size);

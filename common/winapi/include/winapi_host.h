@@ -1,7 +1,19 @@
-// What a host sets where Windows would ask its desktop; only this layer has it.
+// What a host or a library sets where Windows would ask its desktop or look into a module; only
+// this layer has it.
 #pragma once
 
 #include "windef.h"
+
+typedef struct WINAPI_STRING {
+  UINT id;  // 16 bits
+  LPCWSTR text;
+} WINAPI_STRING;
+
+// The strings of a module, its string table in one language, as the linker puts it into the module
+// on Windows. They are copied, take the place of those before and stay until the next call: a
+// library that is unloaded takes them away with a count of 0.
+WINAPI_EXPORT void WinapiSetStrings(HMODULE module, WORD language, const WINAPI_STRING* strings,
+                                    size_t count);
 
 // Stands in for the dialog of SHBrowseForFolderW: shows the title, begins at a folder (empty:
 // none), writes the chosen path, terminated, into MAX_PATH units and gives TRUE, or FALSE if the

@@ -26,6 +26,8 @@ typedef char* LPSTR;
 typedef void* HANDLE;
 typedef struct HINSTANCE__* HINSTANCE;
 typedef HINSTANCE HMODULE;
+typedef struct HRSRC__* HRSRC;
+typedef HANDLE HGLOBAL;
 
 typedef intptr_t LONG_PTR;
 typedef uintptr_t UINT_PTR;
@@ -39,6 +41,7 @@ typedef struct HMENU__* HMENU;
 typedef struct HICON__* HICON;
 typedef HICON HCURSOR;
 typedef struct HBRUSH__* HBRUSH;
+typedef struct HBITMAP__* HBITMAP;
 
 typedef struct tagPOINT {
   LONG x;

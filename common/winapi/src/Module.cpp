@@ -9,6 +9,7 @@
 #include <system_error>
 #include <vector>
 
+#include "CopyText.h"
 #include "PathName.h"
 
 namespace {
@@ -93,12 +94,8 @@ DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size) {
     SetLastError(ERROR_MOD_NOT_FOUND);
     return 0;
   }
-  const std::size_t length = std::min<std::size_t>(found->path.size(), size == 0 ? 0 : size - 1);
-  if (size != 0) {
-    std::copy_n(found->path.begin(), length, path);
-    path[length] = 0;
-  }
-  if (length == found->path.size()) return static_cast<DWORD>(length);
+  const int length = CopyText(found->path, path, static_cast<int>(size));
+  if (static_cast<std::size_t>(length) == found->path.size()) return static_cast<DWORD>(length);
   SetLastError(ERROR_INSUFFICIENT_BUFFER);
   return size;
 }

@@ -1,9 +1,10 @@
-// Window classes, windows and their values.
+// Window classes, windows, their text and values.
 #include <tchar.h>
 
 #include <algorithm>
 #include <cstring>
 
+#include "CopyText.h"
 #include "WindowTable.h"
 
 namespace winapi {
@@ -28,6 +29,7 @@ void WindowTable::Erase(HWND window) {
   if (record == nullptr) return;
   windows.erase(window);
   --record->windowClass->windows;
+  if (record->menu != nullptr) DestroyMenu(record->menu);
   MessageQueue& queue = *record->queue;
   std::erase_if(queue.posted, [window](const MSG& message) { return message.hwnd == window; });
   std::erase_if(queue.sent, [window](const std::shared_ptr<SentMessage>& sent) {
@@ -48,24 +50,34 @@ int Fail(DWORD error) {
   return 0;
 }
 
-bool IsAtom(LPCWSTR name) {
-  return reinterpret_cast<ULONG_PTR>(name) <= 0xFFFF;
+HINSTANCE InstanceOrProgram(HINSTANCE instance) {
+  static const HINSTANCE program = GetModuleHandleW(nullptr);
+  return instance != nullptr ? instance : program;
 }
 
-using ClassList = std::vector<std::shared_ptr<WindowClass>>;
-
-// By name or atom. A class of another module counts only if it is global.
-ClassList::iterator FindClass(LPCWSTR name, HINSTANCE instance) {
-  return std::find_if(Table().classes.begin(), Table().classes.end(), [=](const auto& c) {
-    if (c->instance != instance && (c->style & CS_GLOBALCLASS) == 0) return false;
-    return IsAtom(name) ? c->atom == static_cast<ATOM>(reinterpret_cast<ULONG_PTR>(name))
-                        : _wcsicmp(c->name.c_str(), name) == 0;
+// Under a name or atom, of a module, the process or the system.
+std::shared_ptr<WindowClass> FindClass(LPCWSTR name, HINSTANCE instance, ClassScope scope) {
+  const auto& classes = Table().classes;
+  const auto found = std::find_if(classes.begin(), classes.end(), [=](const auto& c) {
+    if (c->scope != scope || (scope == ClassScope::kModule && c->instance != instance)) {
+      return false;
+    }
+    return IS_INTRESOURCE(name) ? c->atom == static_cast<ATOM>(reinterpret_cast<ULONG_PTR>(name))
+                                : _wcsicmp(c->name.c_str(), name) == 0;
   });
+  return found == classes.end() ? nullptr : *found;
 }
 
-ATOM FreeAtom() {
+std::shared_ptr<WindowClass> FindClass(LPCWSTR name, HINSTANCE instance) {
+  for (const auto scope : {ClassScope::kModule, ClassScope::kProcess, ClassScope::kSystem}) {
+    if (const auto found = FindClass(name, instance, scope)) return found;
+  }
+  return nullptr;
+}
+
+ATOM FreeAtom(const std::vector<std::shared_ptr<WindowClass>>& classes) {
   ATOM atom = kFirstAtom;
-  for (const auto& c : Table().classes) atom = std::max<ATOM>(atom, c->atom + 1);
+  for (const auto& c : classes) atom = std::max<ATOM>(atom, c->atom + 1);
   return atom;
 }
 
@@ -73,6 +85,34 @@ ATOM FreeAtom() {
 HWND NextHandle() {
   static ULONG_PTR last = 0x10000;
   return reinterpret_cast<HWND>(last += 2);
+}
+
+// From the top down. No call changes the order.
+std::vector<HWND> InOrder(HWND container) {
+  std::vector<HWND> found;
+  for (const auto& [handle, record] : Table().windows) {
+    if (record->Container() == container) found.push_back(handle);
+  }
+  if (container == nullptr || container == HWND_MESSAGE) std::reverse(found.begin(), found.end());
+  return found;
+}
+
+// What stands a number of places below a window.
+HWND SiblingOf(const Window& window, int below) {
+  const std::vector<HWND> siblings = InOrder(window.Container());
+  const auto at = std::find(siblings.begin(), siblings.end(), window.handle) - siblings.begin();
+  const std::ptrdiff_t wanted = at + below;
+  const bool exists = wanted >= 0 && wanted < static_cast<std::ptrdiff_t>(siblings.size());
+  return exists ? siblings[static_cast<std::size_t>(wanted)] : nullptr;
+}
+
+// Only a window that is no child owns others.
+HWND OwnerFor(HWND window) {
+  for (auto record = Table().Find(window); record != nullptr && record->IsChild();
+       record = Table().Find(window)) {
+    window = record->parent;
+  }
+  return window;
 }
 
 std::vector<HWND> Dependants(HWND window, bool children) {
@@ -115,8 +155,8 @@ void Destroy(HWND window) {
 HWND MakeWindow(LPCWSTR className, const CREATESTRUCTW& create) {
   const auto queue = ThreadQueue();
   const std::lock_guard lock(Table().mutex);
-  const auto found = FindClass(className, create.hInstance);
-  if (found == Table().classes.end()) {
+  const auto windowClass = FindClass(className, create.hInstance);
+  if (windowClass == nullptr) {
     Fail(ERROR_CANNOT_FIND_WND_CLASS);
     return nullptr;
   }
@@ -133,34 +173,40 @@ HWND MakeWindow(LPCWSTR className, const CREATESTRUCTW& create) {
 
   const auto window = std::make_shared<Window>();
   window->handle = NextHandle();
-  window->parent = parent;
   window->style = style;
+  window->exStyle = create.dwExStyle;
+  window->parent = window->IsChild() ? parent : OwnerFor(parent);
   window->queue = queue;
-  window->windowClass = *found;
-  window->procedure = (*found)->procedure;
+  window->windowClass = windowClass;
+  window->procedure = windowClass->procedure;
   window->instance = create.hInstance;
-  window->id = reinterpret_cast<LONG_PTR>(create.hMenu);
-  window->extra.resize((*found)->extraBytes);
-  ++(*found)->windows;
+  if (window->IsChild()) {
+    window->id = reinterpret_cast<LONG_PTR>(create.hMenu);
+  } else {
+    window->menu = create.hMenu;
+  }
+  window->extra.resize(windowClass->extraBytes);
+  ++windowClass->windows;
   Table().windows[window->handle] = window;
   return window->handle;
 }
 
-// The place of a value; null with the last error where the index is none.
-void* ValueOf(Window& window, int index) {
-  switch (index) {
-    case GWLP_WNDPROC:
-      return &window.procedure;
-    case GWLP_HINSTANCE:
-      return &window.instance;
-    case GWLP_ID:
-      return &window.id;
-    case GWLP_USERDATA:
-      return &window.userData;
-    default:
-      break;
+// The place of a value of a number of bytes; null with the last error where the index is none.
+void* ValueOf(Window& window, int index, std::size_t width) {
+  const struct {
+    int index;
+    void* value;
+    std::size_t width;  // that it needs
+  } values[] = {{GWL_STYLE, &window.style, sizeof(LONG)},
+                {GWL_EXSTYLE, &window.exStyle, sizeof(LONG)},
+                {GWLP_WNDPROC, &window.procedure, sizeof(LONG_PTR)},
+                {GWLP_HINSTANCE, &window.instance, sizeof(LONG_PTR)},
+                {GWLP_ID, &window.id, sizeof(LONG)},
+                {GWLP_USERDATA, &window.userData, sizeof(LONG)}};
+  for (const auto& value : values) {
+    if (value.index == index && width >= value.width) return value.value;
   }
-  if (index >= 0 && static_cast<std::size_t>(index) + sizeof(LONG_PTR) <= window.extra.size()) {
+  if (index >= 0 && static_cast<std::size_t>(index) + width <= window.extra.size()) {
     return window.extra.data() + index;
   }
   SetLastError(ERROR_INVALID_INDEX);
@@ -168,19 +214,42 @@ void* ValueOf(Window& window, int index) {
 }
 
 // Reads a value and, where there is a new one, replaces it.
-LONG_PTR ExchangeValue(HWND window, int index, const LONG_PTR* value) {
+template <class Value>
+Value ExchangeValue(HWND window, int index, const Value* value) {
   const std::lock_guard lock(Table().mutex);
   const auto record = Table().Find(window);
   if (record == nullptr) return InvalidWindow();
-  void* const place = ValueOf(*record, index);
+  void* const place = ValueOf(*record, index, sizeof(Value));
   if (place == nullptr) return 0;
-  LONG_PTR before;
+  Value before;
   std::memcpy(&before, place, sizeof(before));
   if (value != nullptr) std::memcpy(place, value, sizeof(*value));
   return before;
 }
 
+BOOL SetText(HWND window, LPCWSTR text) {
+  const std::lock_guard lock(Table().mutex);
+  const auto record = Table().Find(window);
+  if (record == nullptr) return InvalidWindow();
+  record->text = text != nullptr ? text : u"";
+  return TRUE;
+}
+
+std::u16string TextOf(HWND window) {
+  const std::lock_guard lock(Table().mutex);
+  const auto record = Table().Find(window);
+  return record != nullptr ? record->text : std::u16string();
+}
+
 }  // namespace
+
+WindowTable::WindowTable() {
+  for (const char16_t* name : {u"Button", u"ComboBox", u"Edit", u"ListBox", u"Static"}) {
+    classes.push_back(std::make_shared<WindowClass>(
+        WindowClass{name, FreeAtom(classes), nullptr, ClassScope::kSystem, DefWindowProcW, 0}));
+  }
+}
+
 }  // namespace winapi
 
 using winapi::Table;
@@ -196,35 +265,49 @@ ATOM WINAPI RegisterClassW(const WNDCLASSW* windowClass) {
 ATOM WINAPI RegisterClassExW(const WNDCLASSEXW* windowClass) {
   const WNDCLASSEXW& c = *windowClass;
   if (c.cbSize != sizeof(WNDCLASSEXW) || c.lpfnWndProc == nullptr || c.cbClsExtra < 0 ||
-      c.cbWndExtra < 0 || winapi::IsAtom(c.lpszClassName)) {
+      c.cbWndExtra < 0 || IS_INTRESOURCE(c.lpszClassName)) {
     return static_cast<ATOM>(winapi::Fail(ERROR_INVALID_PARAMETER));
   }
+  const HINSTANCE instance = winapi::InstanceOrProgram(c.hInstance);
+  const auto scope =
+      (c.style & CS_GLOBALCLASS) != 0 ? winapi::ClassScope::kProcess : winapi::ClassScope::kModule;
   const std::lock_guard lock(Table().mutex);
-  if (winapi::FindClass(c.lpszClassName, c.hInstance) != Table().classes.end()) {
+  if (winapi::FindClass(c.lpszClassName, instance, scope) != nullptr) {
     return static_cast<ATOM>(winapi::Fail(ERROR_CLASS_ALREADY_EXISTS));
   }
   const auto added = std::make_shared<winapi::WindowClass>(
-      winapi::WindowClass{c.lpszClassName, winapi::FreeAtom(), c.hInstance, c.style, c.lpfnWndProc,
-                          static_cast<std::size_t>(c.cbWndExtra)});
+      winapi::WindowClass{c.lpszClassName, winapi::FreeAtom(Table().classes), instance, scope,
+                          c.lpfnWndProc, static_cast<std::size_t>(c.cbWndExtra)});
   Table().classes.push_back(added);
   return added->atom;
 }
 
 BOOL WINAPI UnregisterClassW(LPCWSTR name, HINSTANCE instance) {
   const std::lock_guard lock(Table().mutex);
-  const auto found = winapi::FindClass(name, instance);
-  if (found == Table().classes.end()) return winapi::Fail(ERROR_CLASS_DOES_NOT_EXIST);
-  if ((*found)->windows > 0) return winapi::Fail(ERROR_CLASS_HAS_WINDOWS);
-  Table().classes.erase(found);
+  const auto found = winapi::FindClass(name, winapi::InstanceOrProgram(instance));
+  if (found == nullptr || found->scope == winapi::ClassScope::kSystem) {
+    return winapi::Fail(ERROR_CLASS_DOES_NOT_EXIST);
+  }
+  if (found->windows > 0) return winapi::Fail(ERROR_CLASS_HAS_WINDOWS);
+  std::erase(Table().classes, found);
   return TRUE;
 }
 
 HWND WINAPI CreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR windowName, DWORD style,
                             int x, int y, int width, int height, HWND parent, HMENU menu,
                             HINSTANCE instance, LPVOID param) {
-  CREATESTRUCTW create{
-      param,      instance,  menu,   parent, height, width, y, x, static_cast<LONG>(style),
-      windowName, className, exStyle};
+  CREATESTRUCTW create{param,
+                       winapi::InstanceOrProgram(instance),
+                       menu,
+                       parent,
+                       height,
+                       width,
+                       y,
+                       x,
+                       static_cast<LONG>(style),
+                       windowName,
+                       className,
+                       exStyle};
   const HWND window = winapi::MakeWindow(className, create);
   if (window == nullptr) return nullptr;
   const auto told = reinterpret_cast<LPARAM>(&create);
@@ -253,6 +336,77 @@ BOOL WINAPI IsWindow(HWND window) {
   return Table().Find(window) != nullptr;
 }
 
+HWND WINAPI GetWindow(HWND window, UINT command) {
+  const std::lock_guard lock(Table().mutex);
+  const auto record = Table().Find(window);
+  if (record == nullptr) {
+    winapi::InvalidWindow();
+    return nullptr;
+  }
+  const auto top = [](const std::vector<HWND>& windows) {
+    return windows.empty() ? nullptr : windows.front();
+  };
+  switch (command) {
+    case GW_HWNDFIRST:
+      return top(winapi::InOrder(record->Container()));
+    case GW_HWNDLAST:
+      return winapi::InOrder(record->Container()).back();
+    case GW_HWNDNEXT:
+      return winapi::SiblingOf(*record, 1);
+    case GW_HWNDPREV:
+      return winapi::SiblingOf(*record, -1);
+    case GW_OWNER:
+      return record->Owner();
+    case GW_CHILD:
+      return top(winapi::InOrder(window));
+    default:
+      winapi::Fail(ERROR_INVALID_GW_COMMAND);
+      return nullptr;
+  }
+}
+
+HWND WINAPI GetParent(HWND window) {
+  const std::lock_guard lock(Table().mutex);
+  const auto record = Table().Find(window);
+  if (record == nullptr) {
+    winapi::InvalidWindow();
+    return nullptr;
+  }
+  if (record->IsChild()) return record->parent;
+  return (record->style & WS_POPUP) != 0 ? record->Owner() : nullptr;
+}
+
+int WINAPI GetClassNameW(HWND window, LPWSTR name, int size) {
+  const std::lock_guard lock(Table().mutex);
+  const auto record = Table().Find(window);
+  if (record == nullptr) return winapi::InvalidWindow();
+  if (size <= 0) return winapi::Fail(ERROR_INSUFFICIENT_BUFFER);
+  return CopyText(record->windowClass->name, name, size);
+}
+
+HMENU WINAPI GetMenu(HWND window) {
+  const std::lock_guard lock(Table().mutex);
+  const auto record = Table().Find(window);
+  if (record != nullptr) return record->menu;
+  winapi::InvalidWindow();
+  return nullptr;
+}
+
+int WINAPI GetWindowTextLengthW(HWND window) {
+  return static_cast<int>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0));
+}
+
+int WINAPI GetWindowTextW(HWND window, LPWSTR text, int size) {
+  if (text == nullptr || size <= 0) return 0;
+  text[0] = 0;
+  return static_cast<int>(
+      SendMessageW(window, WM_GETTEXT, static_cast<WPARAM>(size), reinterpret_cast<LPARAM>(text)));
+}
+
+BOOL WINAPI SetWindowTextW(HWND window, LPCWSTR text) {
+  return SendMessageW(window, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text)) == TRUE;
+}
+
 HWND WINAPI GetActiveWindow() {
   return nullptr;
 }
@@ -265,9 +419,17 @@ DWORD WINAPI GetWindowThreadProcessId(HWND window, LPDWORD processId) {
   return record->queue->threadId;
 }
 
-LRESULT WINAPI DefWindowProcW(HWND window, UINT message, WPARAM, LPARAM) {
+LRESULT WINAPI DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_NCCREATE:
+      return winapi::SetText(window, reinterpret_cast<const CREATESTRUCTW*>(lParam)->lpszName);
+    case WM_SETTEXT:
+      return winapi::SetText(window, reinterpret_cast<LPCWSTR>(lParam));
+    case WM_GETTEXT:
+      return CopyText(winapi::TextOf(window), reinterpret_cast<LPWSTR>(lParam),
+                      static_cast<int>(wParam));
+    case WM_GETTEXTLENGTH:
+      return static_cast<LRESULT>(winapi::TextOf(window).size());
     case WM_QUERYENDSESSION:
       return TRUE;
     case WM_CLOSE:
@@ -283,10 +445,15 @@ LRESULT WINAPI CallWindowProcW(WNDPROC procedure, HWND window, UINT message, WPA
   return procedure(window, message, wParam, lParam);
 }
 
+LONG WINAPI GetWindowLongW(HWND window, int index) {
+  return winapi::ExchangeValue<LONG>(window, index, nullptr);
+}
+
 LONG_PTR WINAPI GetWindowLongPtrW(HWND window, int index) {
-  return winapi::ExchangeValue(window, index, nullptr);
+  return winapi::ExchangeValue<LONG_PTR>(window, index, nullptr);
 }
 
 LONG_PTR WINAPI SetWindowLongPtrW(HWND window, int index, LONG_PTR value) {
-  return winapi::ExchangeValue(window, index, &value);
+  if (index == GWL_STYLE || index == GWL_EXSTYLE) return winapi::Fail(ERROR_INVALID_INDEX);
+  return winapi::ExchangeValue<LONG_PTR>(window, index, &value);
 }

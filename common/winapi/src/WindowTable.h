@@ -42,11 +42,14 @@ struct MessageQueue {
   int exitCode = 0;
 };
 
+// Which of several classes of one name counts: the first of these.
+enum class ClassScope { kModule, kProcess, kSystem };
+
 struct WindowClass {
   std::u16string name;
   ATOM atom;
   HINSTANCE instance;
-  UINT style;
+  ClassScope scope;
   WNDPROC procedure;
   std::size_t extraBytes;
   int windows = 0;
@@ -55,22 +58,30 @@ struct WindowClass {
 struct Window {
   HWND handle;
   HWND parent;  // of a child, else its owner; also HWND_MESSAGE
-  DWORD style;
+  LONG_PTR style;
+  LONG_PTR exStyle;
   std::shared_ptr<MessageQueue> queue;
   std::shared_ptr<WindowClass> windowClass;
   WNDPROC procedure;
   HINSTANCE instance;
-  LONG_PTR id;
+  LONG_PTR id = 0;       // of a child
+  HMENU menu = nullptr;  // of others
+  std::u16string text;
   LONG_PTR userData = 0;
   std::vector<std::byte> extra;
   bool destroying = false;
 
   bool IsChild() const { return (style & WS_CHILD) != 0; }
+  HWND Owner() const { return IsChild() || parent == HWND_MESSAGE ? nullptr : parent; }
+  // Under which its siblings stand; null for top-level windows.
+  HWND Container() const { return Owner() == nullptr ? parent : nullptr; }
 };
 
 struct WindowTable {
+  WindowTable();
+
   std::mutex mutex;
-  std::map<HWND, std::shared_ptr<Window>> windows;
+  std::map<HWND, std::shared_ptr<Window>> windows;  // the older first
   std::vector<std::shared_ptr<WindowClass>> classes;
   std::map<DWORD, std::shared_ptr<MessageQueue>> queues;
 
