@@ -22,8 +22,8 @@ struct Argument {
   std::filesystem::path path;
 };
 
-enum class Option { From, To, Decimals, Denominator, Csv, Lat, Lon, Lang, Help, Version };
-inline constexpr int kOptionCount = 10;
+enum class Option { From, To, Decimals, Denominator, Csv, Lat, Lon, Data, Lang, Help, Version };
+inline constexpr int kOptionCount = 11;
 
 class CommandLine {
  public:

@@ -4,37 +4,27 @@
 #include "kelp0lang/Translate.h"
 
 namespace fieldbook {
-namespace {
 
-constexpr int kMostDecimals = 9;
+void FailOnChoice(const WChar* name, const WString& given, const WString& choices) {
+  throw UsageFailure({KTEXT("{1}: \"{2}\" isn't one of {3}"), {name, Quoted(given), choices}});
+}
 
-struct Fraction {
-  const WChar* name;
-  enumInchDecPrec precision;
-};
-
-constexpr Fraction kFractions[] = {
-    {KTEXT("4"), enumInchDecPrec::Quarters},      {KTEXT("8"), enumInchDecPrec::Eighths},
-    {KTEXT("16"), enumInchDecPrec::Sixteenths},   {KTEXT("32"), enumInchDecPrec::ThirtySeconds},
-    {KTEXT("64"), enumInchDecPrec::SixtyFourths},
-};
-
-}  // namespace
-
-void FailOnChoice(Option option, const WString& given, const WString& choices) {
-  throw UsageFailure(
-      {KTEXT("{1}: \"{2}\" isn't one of {3}"), {NameOf(option), Quoted(given), choices}});
+int ReadDecimals(const WChar* name, const WString& text) {
+  Scanner scan(ViewOf(text));
+  const std::optional<int> decimals = scan.TakeWhole();
+  if (decimals && *decimals <= kMostDecimals && scan.AtEnd()) return *decimals;
+  throw UsageFailure({KTEXT("{1}: \"{2}\" isn't a whole number from 0 to {3}"),
+                      {name, Quoted(text), WString::ValueOf(kMostDecimals)}});
 }
 
 int ChooseDecimals(const CommandLine& line, int preset) {
   const Argument* given = line.Value(Option::Decimals);
-  if (given == nullptr) return preset;
-  Scanner scan(ViewOf(given->text));
-  const std::optional<int> decimals = scan.TakeWhole();
-  if (decimals && *decimals <= kMostDecimals && scan.AtEnd()) return *decimals;
-  throw UsageFailure(
-      {KTEXT("{1}: \"{2}\" isn't a whole number from 0 to {3}"),
-       {NameOf(Option::Decimals), Quoted(given->text), WString::ValueOf(kMostDecimals)}});
+  return given == nullptr ? preset : ReadDecimals(NameOf(Option::Decimals), given->text);
+}
+
+enumInchDecPrec ChooseFraction(const CommandLine& line, enumInchDecPrec preset) {
+  const Fraction* given = FindChoice(line, Option::Denominator, kFractions);
+  return given == nullptr ? preset : given->precision;
 }
 
 const LengthUnit& ChooseFileUnit(const CommandLine& line) {
@@ -44,16 +34,20 @@ const LengthUnit& ChooseFileUnit(const CommandLine& line) {
 LengthStyle ChooseLengthStyle(const CommandLine& line) {
   const LengthUnit& unit = Choose(line, Option::To, kLengthUnits, kLengthUnits[0]);
   return {&unit, ChooseDecimals(line, unit.decimals),
-          Choose(line, Option::Denominator, kFractions, kFractions[2]).precision};
+          ChooseFraction(line, enumInchDecPrec::Sixteenths)};
 }
 
-PointFile ReadPointFile(const Argument& file, const LengthUnit& unit, Console& console) {
-  PointFile points = ReadPoints(ReadAll(file), unit);
+void ComplainOfRows(const PointFile& points, const Argument& file, Console& console) {
   const WString name = Shown(file.text) + KTEXT(':');
   for (const RowFault& fault : points.faults) {
     const WString place = name.Concat(WString::ValueOf(fault.line)) + KTEXT(": ");
     console.Complain(place.Concat(fault.message.Text()));
   }
+}
+
+PointFile ReadPointFile(const Argument& file, const LengthUnit& unit, Console& console) {
+  PointFile points = ReadPoints(ReadAll(file), unit);
+  ComplainOfRows(points, file, console);
   return points;
 }
 

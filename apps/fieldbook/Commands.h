@@ -28,13 +28,17 @@ constexpr unsigned Bit(Option option) {
 Status ShowCommand(const CommandLine& line, Console& console);
 Status AngleCommand(const CommandLine& line, Console& console);
 Status InverseCommand(const CommandLine& line, Console& console);
+Status UnitsCommand(const CommandLine& line, Console& console);
+Status EditCommand(const CommandLine& line, Console& console);
 
 extern const WChar* const kShowHelp;
 extern const WChar* const kAngleHelp;
 extern const WChar* const kInverseHelp;
+extern const WChar* const kUnitsHelp;
+extern const WChar* const kEditHelp;
 
 // "--to: "yd" isn't one of m, ft, ...".
-[[noreturn]] void FailOnChoice(Option option, const WString& given, const WString& choices);
+[[noreturn]] void FailOnChoice(const WChar* name, const WString& given, const WString& choices);
 
 template <class Entry, std::size_t N>
 WString NamesOf(const Entry (&entries)[N]) {
@@ -54,7 +58,7 @@ const Entry* FindChoice(const CommandLine& line, Option option, const Entry (&en
   for (const Entry& entry : entries) {
     if (given->text.Compare(entry.name) == 0) return &entry;
   }
-  FailOnChoice(option, given->text, NamesOf(entries));
+  FailOnChoice(NameOf(option), given->text, NamesOf(entries));
 }
 
 template <class Entry, std::size_t N>
@@ -72,14 +76,20 @@ const Entry& RequireChoice(const CommandLine& line, Option option, const Entry (
       {KTEXT("{1} is missing; it takes one of {2}"), {NameOf(option), NamesOf(entries)}});
 }
 
-// How many decimals --decimals asks for.
+inline constexpr int kMostDecimals = 9;
+// The number of decimals that stands behind the option or setting of this name.
+int ReadDecimals(const WChar* name, const WString& text);
+// How many decimals --decimals asks for, and which fraction --denominator.
 int ChooseDecimals(const CommandLine& line, int preset);
+enumInchDecPrec ChooseFraction(const CommandLine& line, enumInchDecPrec preset);
 // The unit of a points file, by --from.
 const LengthUnit& ChooseFileUnit(const CommandLine& line);
 // How lengths are to be shown, by --to, --decimals and --denominator.
 LengthStyle ChooseLengthStyle(const CommandLine& line);
 
-// Reads a points file and complains of every row that can't be read.
+// Complains of every row that can't be read.
+void ComplainOfRows(const PointFile& points, const Argument& file, Console& console);
+// Reads a points file, and complains of them.
 PointFile ReadPointFile(const Argument& file, const LengthUnit& unit, Console& console);
 
 // A head with its unit: "Northing (m)".

@@ -21,6 +21,8 @@
 namespace fieldbook {
 namespace {
 
+namespace fs = std::filesystem;
+
 #ifdef _WIN32
 
 // The console's code pages belong to all programs in it, so they are put back at the end.
@@ -47,6 +49,15 @@ bool IsAnsiTerminal() {
          SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
+bool IsTerminal(DWORD stream) {
+  DWORD mode = 0;
+  return GetConsoleMode(GetStdHandle(stream), &mode) != 0;
+}
+
+bool IsBetweenTerminals() {
+  return IsTerminal(STD_INPUT_HANDLE) && IsTerminal(STD_OUTPUT_HANDLE);
+}
+
 // A reader that went away shows as EINVAL in this C runtime.
 bool IsQuiet(int error) {
   return error == EPIPE || error == EBADF || error == EINVAL;
@@ -60,6 +71,10 @@ void RestoreStreams() {}
 bool IsAnsiTerminal() {
   const char* terminal = std::getenv("TERM");
   return isatty(STDOUT_FILENO) != 0 && terminal != nullptr && std::string_view(terminal) != "dumb";
+}
+
+bool IsBetweenTerminals() {
+  return isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
 }
 
 bool IsQuiet(int error) {
@@ -93,9 +108,13 @@ WString WordsFor(int error) {
   throw Failure({KTEXT("{1}: {2}"), {Shown(file.text), WordsFor(error)}});
 }
 
+[[noreturn]] void FailOn(const Argument& file, const std::error_code& error) {
+  FailOn(file, error.default_error_condition().value());
+}
+
 std::ifstream Open(const Argument& file) {
   std::error_code ignored;
-  if (std::filesystem::is_directory(file.path, ignored)) FailOn(file, EISDIR);
+  if (fs::is_directory(file.path, ignored)) FailOn(file, EISDIR);
   errno = 0;
   std::ifstream stream(file.path, std::ios::binary);
   if (!stream) FailOn(file, errno != 0 ? errno : ENOENT);
@@ -113,6 +132,48 @@ std::string ReadStream(std::istream& stream, const Argument& file) {
   return content;
 }
 
+// What a file has to be for being written over. The read-only mark counts for everybody, and where
+// a device stands no file may take its place.
+void RequireReplaceable(const Argument& file, const fs::file_status& status) {
+  constexpr fs::perms kWrite =
+      fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+  if (fs::is_directory(status)) FailOn(file, EISDIR);
+  if (!fs::is_regular_file(status) || (status.permissions() & kWrite) == fs::perms::none) {
+    FailOn(file, EACCES);
+  }
+}
+
+// A name that isn't taken, in the folder of the file.
+fs::path NameBeside(const fs::path& file) {
+  fs::path name = file;
+  name += ".new";
+  std::error_code ignored;
+  for (int number = 1; fs::exists(name, ignored); ++number) {
+    name = file;
+    name += ".";
+    name += std::to_string(number);
+    name += ".new";
+  }
+  return name;
+}
+
+// A new file with these bytes, and with the permissions of the one whose place it is to take.
+void WriteNew(const Argument& file, const fs::path& path, const fs::file_status& replaced,
+              const std::string& bytes) {
+  errno = 0;
+  std::ofstream stream(path, std::ios::binary);
+  if (!stream) FailOn(file, errno != 0 ? errno : ENOENT);
+  std::error_code ignored;
+  if (fs::exists(replaced)) fs::permissions(path, replaced.permissions(), ignored);
+  errno = 0;
+  stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  stream.close();
+  if (stream) return;
+  const int error = errno != 0 ? errno : EIO;
+  fs::remove(path, ignored);
+  FailOn(file, error);
+}
+
 // std::cin takes an error for the end; the C stream below it knows better.
 void RequireInputRead() {
   if (std::ferror(stdin) != 0) FailOn({KTEXT("-"), "-"}, errno != 0 ? errno : EIO);
@@ -123,6 +184,7 @@ void RequireInputRead() {
 Console::Console() {
   SetUpStreams();
   m_hasColour = WantsColour() && IsAnsiTerminal();
+  m_isInteractive = IsBetweenTerminals();
 }
 
 Console::~Console() {
@@ -151,6 +213,22 @@ std::vector<Argument> Console::Arguments(int argc, char** argv) {
 
 #endif
 
+#ifdef _WIN32
+
+WString SystemPath(const WString& path) {
+  return path.Replace(KTEXT('/'), KTEXT('\\'));
+}
+
+#else
+
+// The library sees the root folder as a drive.
+WString SystemPath(const WString& path) {
+  const WString slashes = path.Replace(KTEXT('\\'), KTEXT('/'));
+  return slashes.find(KTEXT("C:/")) == 0 ? slashes.Substring(2) : slashes;
+}
+
+#endif
+
 void Console::Print(std::string_view utf8) {
   if (IsOutputLost()) return;
   errno = 0;
@@ -158,9 +236,18 @@ void Console::Print(std::string_view utf8) {
   m_outputError = errno != 0 ? errno : EIO;
 }
 
-void Console::PrintLine(const WString& text) {
-  const kelp::String utf8 = text.ToUtf8() + '\n';
+void Console::PrintText(const WString& text) {
+  const kelp::String utf8 = text.ToUtf8();
   Print({utf8.c_str(), utf8.length()});
+}
+
+void Console::PrintLine(const WString& text) {
+  PrintText(text + KTEXT('\n'));
+}
+
+void Console::Prompt() {
+  Print("> ");
+  std::fflush(stdout);
 }
 
 void Console::Complain(const WString& text) {
@@ -195,6 +282,23 @@ bool ReadInputLine(std::string& line) {
 
 void RequireReadable(const Argument& file) {
   Open(file);
+}
+
+void WriteAll(const Argument& file, const std::string& bytes) {
+  std::error_code error;
+  // A link stays, and what it leads to is written.
+  fs::path target = fs::canonical(file.path, error);
+  if (error) target = file.path;
+  const fs::file_status status = fs::status(target, error);
+  if (fs::exists(status)) RequireReplaceable(file, status);
+
+  const fs::path written = NameBeside(target);
+  WriteNew(file, written, status, bytes);
+  fs::rename(written, target, error);
+  if (!error) return;
+  std::error_code ignored;
+  fs::remove(written, ignored);
+  FailOn(file, error);
 }
 
 }  // namespace fieldbook

@@ -36,13 +36,18 @@ class Console {
   static std::vector<Argument> Arguments(int argc, char** argv);
 
   void Print(std::string_view utf8);
+  void PrintText(const WString& text);
   void PrintLine(const WString& text);
+  // Asks for a line on the terminal.
+  void Prompt();
   // A line on standard error.
   void Complain(const WString& text);
 
   // Whether bold may be used on standard output: it is a terminal that knows the ANSI sequences,
   // and the user hasn't set NO_COLOR.
   bool HasColour() const { return m_hasColour; }
+  // Whether a user sits before it: standard input and output are a terminal.
+  bool IsInteractive() const { return m_isInteractive; }
   // Whether standard output takes no more; what is printed then gets lost.
   bool IsOutputLost() const { return m_outputError != 0; }
   // Writes what is left. Throws Failure when something got lost otherwise than by a reader that
@@ -51,6 +56,7 @@ class Console {
 
  private:
   bool m_hasColour = false;
+  bool m_isInteractive = false;
   int m_outputError = 0;  // errno
 };
 
@@ -60,5 +66,11 @@ std::string ReadAll(const Argument& file);
 bool ReadInputLine(std::string& line);
 // Throws Failure if a file can't be opened for reading.
 void RequireReadable(const Argument& file);
+// Makes the file hold these bytes. They are written beside it and then put in its place, so that
+// the old content stays whole until all of the new one is there. Throws Failure.
+void WriteAll(const Argument& file, const std::string& bytes);
+
+// A path of the library's as this system writes it.
+WString SystemPath(const WString& path);
 
 }  // namespace fieldbook

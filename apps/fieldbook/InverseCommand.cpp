@@ -20,7 +20,8 @@ const WChar* const kInverseHelp = KTEXT(
     "  FILE      a points file, see fieldbook show --help; - reads standard input\n"
     "  FROM, TO  names of two points; each stands for one place in the file\n"
     "\n"
-    "The options are those of fieldbook show; they concern the lengths.\n");
+    "The options are those of fieldbook show; they concern the lengths. Without --to\n"
+    "these are in metres.\n");
 
 namespace {
 

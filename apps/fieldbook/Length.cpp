@@ -76,12 +76,15 @@ bool IsZero(const TFeetInch& length) {
 
 }  // namespace
 
+bool IsWithinReach(double value, const LengthUnit& unit) {
+  return std::fabs(ConvertDist(value, unit.unit, enumDistUnits::Metre)) <= kLongestMetres;
+}
+
 Reading ReadLength(const WString& text, const LengthUnit& unit, DecimalMark mark) {
   const bool feetInches = unit.inches && HoldsMark(ViewOf(text));
   Reading reading = feetInches ? ReadFeetInches(ViewOf(text)) : ReadNumber(text, mark);
   if (reading.fault) return reading;
-  const double metres = ConvertDist(reading.value, unit.unit, enumDistUnits::Metre);
-  if (std::fabs(metres) > kLongestMetres) return {kelp::kNotSet, OutOfRange()};
+  if (!IsWithinReach(reading.value, unit)) return {kelp::kNotSet, OutOfRange()};
   return reading;
 }
 

@@ -15,6 +15,7 @@ struct LengthUnit {
   int decimals;         // shown where nothing else was asked for
 };
 
+// In the order of enumDisplayDistUnits.
 inline constexpr LengthUnit kLengthUnits[] = {
     {KTEXT("m"), KTEXT("m"), enumDistUnits::Metre, false, 3},
     {KTEXT("ft"), KTEXT("ft"), enumDistUnits::InternationalFoot, false, 3},
@@ -25,9 +26,23 @@ inline constexpr LengthUnit kLengthUnits[] = {
     {KTEXT("us-ch"), KTEXT("US ch"), enumDistUnits::USSurveyChain, false, 5},
 };
 
+// The fractions of an inch by their denominators, in the order of enumInchDecPrec.
+struct Fraction {
+  const WChar* name;  // on the command line
+  enumInchDecPrec precision;
+};
+
+inline constexpr Fraction kFractions[] = {
+    {KTEXT("4"), enumInchDecPrec::Quarters},      {KTEXT("8"), enumInchDecPrec::Eighths},
+    {KTEXT("16"), enumInchDecPrec::Sixteenths},   {KTEXT("32"), enumInchDecPrec::ThirtySeconds},
+    {KTEXT("64"), enumInchDecPrec::SixtyFourths},
+};
+
+// Whether a length is short enough to be read: up to 500,000 km, since whole feet have 32 bits.
+bool IsWithinReach(double value, const LengthUnit& unit);
+
 // A length in the given unit. For a unit of feet and inches the text may be such a length (5'6"3/8,
-// 5'-6 3/8", 5' 6", 6") or decimal feet. Lengths beyond 500,000 km are refused, since whole feet
-// have 32 bits.
+// 5'-6 3/8", 5' 6", 6") or decimal feet. Lengths out of reach are refused.
 Reading ReadLength(const WString& text, const LengthUnit& unit, DecimalMark mark);
 
 // How lengths are shown.

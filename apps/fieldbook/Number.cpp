@@ -1,6 +1,8 @@
 #include "Number.h"
 
+#include <charconv>
 #include <cmath>
+#include <iterator>
 
 #include "Scanner.h"
 #include "kelp0lang/LegacyNumber.h"
@@ -38,6 +40,18 @@ Reading ReadNumber(const WString& text, DecimalMark mark) {
   const double value = kelp_wtof(text.Replace(KTEXT(','), KTEXT('.')).c_str());
   if (std::fabs(value) > kelp::kNotSetThreshold) return {kelp::kNotSet, OutOfRange()};
   return {value, {}};
+}
+
+WString WriteExactly(double value, int leastDecimals) {
+  if (value > kelp::kNotSetThreshold) return WString();
+  char digits[400];  // the smallest double has 324 decimals
+  const auto written =
+      std::to_chars(std::begin(digits), std::end(digits), value, std::chars_format::fixed);
+  std::string text(digits, written.ptr);
+  if (text.find('.') == std::string::npos) text += '.';
+  const std::size_t least = text.find('.') + 1 + static_cast<std::size_t>(leastDecimals);
+  if (text.size() < least) text.append(least - text.size(), '0');
+  return Decode(text, true);
 }
 
 WString WriteNumber(double value, int decimals) {

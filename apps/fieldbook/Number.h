@@ -18,6 +18,9 @@ enum class DecimalMark { Point, PointOrComma };
 // so great that the library takes it for a value that isn't set is out of range.
 Reading ReadNumber(const WString& text, DecimalMark mark);
 
+// As many decimals as it takes to read the same value back, and no fewer than asked for.
+WString WriteExactly(double value, int leastDecimals);
+
 // With decimals, and without the sign of a value that is shown as zero; no text for a value that
 // isn't set.
 WString WriteNumber(double value, int decimals);

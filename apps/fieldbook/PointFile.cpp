@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "Table.h"
 #include "kelp0lang/Translate.h"
 
 namespace fieldbook {
@@ -14,11 +15,6 @@ constexpr WChar kQuote = KTEXT('"');
 constexpr WChar kBlanks = KTEXT(' ');  // stands for runs of blanks and tabs
 constexpr WChar kSeparators[] = {KTEXT('\t'), KTEXT(';'), KTEXT(','), kBlanks};
 constexpr std::size_t kDescription = 4;  // fields before it
-
-struct Line {
-  int number;
-  WString text;
-};
 
 // The fields of a row, the description as the fifth.
 struct Fields {
@@ -171,8 +167,7 @@ bool HoldsDigit(const WString& text) {
 }
 
 // A line of heads has words where the coordinates would stand, and no digit before the description.
-bool IsHeads(const WString& row, WChar separator) {
-  const std::vector<WString> texts = RowSplitter(ViewOf(row), separator).Split().texts;
+bool IsHeads(const std::vector<WString>& texts) {
   if (texts.size() < 3 || texts[1].empty() || texts[2].empty()) return false;
   const auto end =
       texts.begin() + static_cast<std::ptrdiff_t>(std::min(texts.size(), kDescription));
@@ -199,8 +194,9 @@ WChar FindSeparator(const std::vector<Line>& lines, const LengthUnit& unit) {
   return present == std::end(kSeparators) ? kBlanks : *present;
 }
 
-// The rows that mean something. Lines that are too long become faults.
-std::vector<Line> SplitLines(std::string_view bytes, std::vector<RowFault>& faults) {
+// Gives the lines that should be rows. Empty ones and comments join the others of the file, lines
+// that are too long its faults.
+std::vector<Line> SplitLines(std::string_view bytes, PointFile& file) {
   const bool utf8 = IsUtf8(bytes);
   if (utf8) bytes = WithoutMark(bytes);
   if (!bytes.empty() && bytes.back() == '\x1A') bytes.remove_suffix(1);  // end of file in DOS
@@ -210,35 +206,52 @@ std::vector<Line> SplitLines(std::string_view bytes, std::vector<RowFault>& faul
     const std::string_view line = bytes.substr(0, bytes.find('\n'));
     bytes.remove_prefix(std::min(line.size() + 1, bytes.size()));
     if (line.size() > kLongestLine) {
-      faults.push_back({number, {KTEXT("the line is too long"), {}}});
+      file.faults.push_back({number, {KTEXT("the line is too long"), {}}});
       continue;
     }
-    WString text = Decode(line, utf8);
+    const WString text = Decode(line, utf8).TrimRight(KTEXT('\r'));
     const WideView trimmed = Trimmed(ViewOf(text));
-    if (!trimmed.empty() && trimmed.front() != KTEXT('#')) lines.push_back({number, text});
+    const bool isRow = !trimmed.empty() && trimmed.front() != KTEXT('#');
+    (isRow ? lines : file.others).push_back({number, text});
   }
   return lines;
+}
+
+void TakeHeads(std::vector<Line>& lines, WChar separator, PointFile& file) {
+  if (lines.empty()) return;
+  Line& first = lines.front();
+  const std::vector<WString> texts = RowSplitter(ViewOf(first.text), separator).Split().texts;
+  if (!IsHeads(texts)) return;
+  if (separator != KTEXT(',')) first.text = Decode(CsvLine(texts), true);
+  file.others.push_back(first);
+  lines.erase(lines.begin());
+}
+
+template <class Entry>
+void SortByLine(std::vector<Entry>& entries) {
+  std::stable_sort(entries.begin(), entries.end(),
+                   [](const Entry& a, const Entry& b) { return a.line < b.line; });
 }
 
 }  // namespace
 
 PointFile ReadPoints(const std::string& bytes, const LengthUnit& unit) {
   PointFile file;
-  std::vector<Line> lines = SplitLines(bytes, file.faults);
+  std::vector<Line> lines = SplitLines(bytes, file);
   const WChar separator = FindSeparator(lines, unit);
-  if (!lines.empty() && IsHeads(lines[0].text, separator)) lines.erase(lines.begin());
+  TakeHeads(lines, separator, file);
 
   for (const Line& line : lines) {
     Point point;
-    point.line = line.number;
+    point.line = line.line;
     if (Message fault = ReadRow(line.text, separator, unit, point)) {
-      file.faults.push_back({line.number, std::move(fault)});
+      file.faults.push_back({line.line, std::move(fault)});
     } else {
       file.points.push_back(std::move(point));
     }
   }
-  std::stable_sort(file.faults.begin(), file.faults.end(),
-                   [](const RowFault& a, const RowFault& b) { return a.line < b.line; });
+  SortByLine(file.faults);
+  SortByLine(file.others);
   return file;
 }
 

@@ -34,11 +34,18 @@ struct RowFault {
   Message message;
 };
 
+struct Line {
+  int line;
+  WString text;
+};
+
 struct PointFile {
   std::vector<Point> points;
+  std::vector<Line> others;  // no rows: comments, empty lines and heads, these comma-separated
   std::vector<RowFault> faults;
 };
 
+// All three lists are in the order of the lines.
 PointFile ReadPoints(const std::string& bytes, const LengthUnit& unit);
 
 }  // namespace fieldbook

@@ -10,7 +10,8 @@
 namespace fieldbook {
 namespace {
 
-constexpr unsigned kEverywhere = Bit(Option::Lang) | Bit(Option::Help) | Bit(Option::Version);
+constexpr unsigned kEverywhere =
+    Bit(Option::Data) | Bit(Option::Lang) | Bit(Option::Help) | Bit(Option::Version);
 constexpr unsigned kLengthOptions =
     Bit(Option::From) | Bit(Option::To) | Bit(Option::Decimals) | Bit(Option::Denominator);
 
@@ -20,28 +21,38 @@ const Command kCommands[] = {
      kEverywhere | Bit(Option::From) | Bit(Option::To) | Bit(Option::Decimals) | Bit(Option::Lat) |
          Bit(Option::Lon)},
     {KTEXT("inverse"), InverseCommand, kInverseHelp, kEverywhere | kLengthOptions},
+    {KTEXT("units"), UnitsCommand, kUnitsHelp, kEverywhere},
+    {KTEXT("edit"), EditCommand, kEditHelp, kEverywhere | Bit(Option::From)},
 };
 
 const WChar* const kGeneralHelp = KTEXT(
-    "Usage: fieldbook COMMAND ... [--lang FILE]\n"
+    "Usage: fieldbook COMMAND ... [--data DIR] [--lang FILE]\n"
     "\n"
-    "Reads survey points and angles and shows them in the unit that you ask for.\n"
+    "Reads survey points and angles, shows them in the unit that you ask for, and\n"
+    "changes points files.\n"
     "\n"
     "  fieldbook show FILE             the points of a file as a table\n"
     "  fieldbook angle VALUE...        angles from one notation into another\n"
     "  fieldbook inverse FILE FROM TO  distance and direction between two points\n"
+    "  fieldbook units                 the settings of units\n"
+    "  fieldbook units set KEY VALUE   changes one, for good\n"
+    "  fieldbook edit FILE             changes a file by commands, with undo\n"
     "\n"
     "  fieldbook COMMAND --help        what the command takes, with all options\n"
     "  fieldbook --version             the version of the program\n"
+    "  --data DIR                      folder of the settings, instead of fieldbook\n"
+    "                                  in your application data\n"
     "  --lang FILE                     texts in another language, out of a gettext\n"
     "                                  catalogue (.po or .mo)\n"
     "\n"
     "Options may stand anywhere; behind -- nothing is an option. A points file has\n"
     "rows of point, northing, easting, elevation and description.\n"
     "\n"
-    "Exit status: 0 done, 1 not done, 2 done but for some rows or values.\n"
+    "Exit status: 0 done, 1 not done, 2 done but for some rows, values\n"
+    "or commands.\n"
     "\n"
     "Examples:\n"
+    "  fieldbook units set dist-units us-ft num-coord-dec 2\n"
     "  fieldbook show survey.csv --from us-ft --to m\n"
     "  fieldbook angle -10.5 --from deg --to dms\n"
     "  fieldbook inverse survey.csv T1 T2\n");
@@ -78,17 +89,12 @@ void RequireOptionsOf(const Command& command, const CommandLine& line) {
 
 const Command& RequireCommand(const CommandLine& line) {
   if (line.Command().empty()) {
-    throw UsageFailure({KTEXT("a command is missing: show, angle or inverse"), {}});
+    throw UsageFailure({KTEXT("a command is missing: one of {1}"), {NamesOf(kCommands)}});
   }
   const Command* command = FindCommand(line.Command());
   if (command != nullptr) return *command;
-  throw UsageFailure({KTEXT("there is no command \"{1}\", only show, angle and inverse"),
-                      {Quoted(line.Command())}});
-}
-
-void PrintText(const WString& text, Console& console) {
-  const kelp::String utf8 = text.ToUtf8();
-  console.Print({utf8.c_str(), utf8.length()});
+  throw UsageFailure({KTEXT("there is no command \"{1}\", only {2}"),
+                      {Quoted(line.Command()), NamesOf(kCommands)}});
 }
 
 Status RunLine(const CommandLine& line, Console& console) {
@@ -99,12 +105,12 @@ Status RunLine(const CommandLine& line, Console& console) {
   }
   const bool wantsHelp = line.Has(Option::Help);
   if (wantsHelp && line.Command().empty()) {
-    PrintText(kelp::Xlate(kGeneralHelp), console);
+    console.PrintText(kelp::Xlate(kGeneralHelp));
     return kDone;
   }
   const Command& command = RequireCommand(line);
   if (wantsHelp) {
-    PrintText(kelp::Xlate(command.help), console);
+    console.PrintText(kelp::Xlate(command.help));
     return kDone;
   }
   RequireOptionsOf(command, line);

@@ -1,7 +1,6 @@
 // fieldbook show: the points of a file as a table.
-#include "Commands.h"
-#include "Table.h"
-#include "kelp0lang/Translate.h"
+#include "PointTable.h"
+#include "Settings.h"
 
 namespace fieldbook {
 
@@ -9,15 +8,19 @@ const WChar* const kShowHelp = KTEXT(
     "Usage: fieldbook show FILE [--from UNIT] [--to UNIT] [--decimals N]\n"
     "                      [--denominator N] [--csv]\n"
     "\n"
-    "Shows the points of a file as a table.\n"
+    "Shows the points of a file as a table, in the units, with the decimals and in\n"
+    "the order of coordinates of the settings, see fieldbook units --help.\n"
     "\n"
     "  FILE             rows of point, northing, easting, elevation, description;\n"
     "                   - reads standard input\n"
     "  --from UNIT      unit of the coordinates in the file (m)\n"
-    "  --to UNIT        unit to show them in (m)\n"
-    "  --decimals N     decimals, 0 to 9 (3; of chains 5)\n"
-    "  --denominator N  of fractions of an inch: 4, 8, 16, 32 or 64 (16)\n"
-    "  --csv            comma-separated values instead of a table\n"
+    "  --to UNIT        unit to show them in; then the settings don't count, and the\n"
+    "                   northing comes first, as in a points file\n"
+    "  --decimals N     decimals, 0 to 9 (with --to 3; of chains 5)\n"
+    "  --denominator N  of fractions of an inch: 4, 8, 16, 32 or 64 (with --to 16)\n"
+    "  --csv            comma-separated values instead of a table; with --to a points\n"
+    "                   file again\n"
+    "  --data DIR       folder of the settings\n"
     "\n"
     "UNIT is m, ft (international foot), us-ft (US survey foot), ft-in and us-ft-in\n"
     "(the same as feet and inches, such as 5'6\"3/8), ch or us-ch (chain of 66 feet).\n"
@@ -40,19 +43,11 @@ Status ShowCommand(const CommandLine& line, Console& console) {
                         {WString::ValueOf(static_cast<int>(line.Operands().size()))}});
   }
   const LengthUnit& unit = ChooseFileUnit(line);
-  const LengthStyle style = ChooseLengthStyle(line);
+  const PointStyle style = line.Has(Option::To)
+                               ? StyleOfOptions(line)
+                               : StyleOfSettings(OpenSettings(line, console), line);
   const PointFile file = ReadPointFile(line.Operands()[0], unit, console);
-
-  Table table({{kelp::Xlate(KTEXT("Point")), Align::Left},
-               {WithUnit(KTEXT("Northing"), *style.unit), Align::Right},
-               {WithUnit(KTEXT("Easting"), *style.unit), Align::Right},
-               {WithUnit(KTEXT("Elevation"), *style.unit), Align::Right},
-               {kelp::Xlate(KTEXT("Description")), Align::Left}});
-  for (const Point& point : file.points) {
-    table.AddRow({point.name, WriteLength(point.northing, unit, style),
-                  WriteLength(point.easting, unit, style),
-                  WriteLength(point.elevation, unit, style), point.description});
-  }
+  const Table table = MakePointTable(file.points, unit, style);
   console.Print(line.Has(Option::Csv) ? table.Csv() : table.Aligned(console.HasColour()));
   return file.faults.empty() ? kDone : kPartly;
 }

@@ -45,6 +45,12 @@ void AppendField(std::string& out, const WString& field, bool isFirst) {
 
 }  // namespace
 
+std::string CsvLine(const std::vector<WString>& fields) {
+  std::string line;
+  for (std::size_t i = 0; i < fields.size(); ++i) AppendField(line, fields[i], i == 0);
+  return line;
+}
+
 Table::Table(std::vector<Column> columns) : m_columns(std::move(columns)) {}
 
 void Table::AddRow(Row row) {
@@ -81,13 +87,10 @@ std::string Table::Aligned(bool boldHeads) const {
 }
 
 std::string Table::Csv() const {
-  std::string out;
-  for (std::size_t i = 0; i < m_columns.size(); ++i) AppendField(out, m_columns[i].head, i == 0);
-  out += '\n';
-  for (const Row& row : m_rows) {
-    for (std::size_t i = 0; i < row.size(); ++i) AppendField(out, row[i], i == 0);
-    out += '\n';
-  }
+  Row heads;
+  for (const Column& column : m_columns) heads.push_back(column.head);
+  std::string out = CsvLine(heads) + '\n';
+  for (const Row& row : m_rows) out += CsvLine(row) + '\n';
   return out;
 }
 

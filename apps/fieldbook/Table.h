@@ -1,11 +1,16 @@
 // A table of texts, as aligned columns or as comma-separated values.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "Text.h"
 
 namespace fieldbook {
+
+// A row of comma-separated values, in UTF-8 and without a line feed. A field stands in quotes where
+// it has to for being read back as it is.
+std::string CsvLine(const std::vector<WString>& fields);
 
 enum class Align { Left, Right };
 
@@ -27,7 +32,6 @@ class Table {
   // Columns stand as wide as their widest text, two blanks apart; what can't be shown on a terminal
   // is replaced. Bold heads need a terminal that knows the ANSI sequences.
   std::string Aligned(bool boldHeads) const;
-  // A field stands in quotes where it has to for being read back as it is.
   std::string Csv() const;
 
  private:

@@ -17,7 +17,7 @@ std::size_t CountLines(const std::string& text) {
 
 TEST(Program, ShowPrintsATableOrCsv) {
   const std::string rows = "P1,10,-20.5,3.25,\"Ca' N\xC3\xB2va, door\"\r\nP2;x,1000,2,,\n";
-  const ProgramResult table = RunFieldbook({"show", "-"}, rows);
+  const ProgramResult table = RunFieldbook({"show", "-", "--to", "m"}, rows);
   EXPECT_EQ(table.out,
             "Point  Northing (m)  Easting (m)  Elevation (m)  Description\n"
             "P1           10.000      -20.500          3.250  Ca' N\xC3\xB2va, door\n"
@@ -55,7 +55,8 @@ TEST(Program, ShowConvertsBetweenAllUnits) {
     EXPECT_NE(there.out.find(std::string("\nP,") + c.northing + ","), std::string::npos)
         << there.out;
     // The output with its heads is a points file again.
-    const ProgramResult back = RunFieldbook({"show", "-", "--csv", "--from", c.unit}, there.out);
+    const ProgramResult back =
+        RunFieldbook({"show", "-", "--csv", "--from", c.unit, "--to", "m"}, there.out);
     EXPECT_EQ(back.out,
               "Point,Northing (m),Easting (m),Elevation (m),Description\n"
               "P,1000.000,0.000,0.000,x\n");
@@ -79,14 +80,15 @@ TEST(Program, WhatCannotBeDoneIsOneClearLine) {
     std::vector<std::string> arguments;
     const char* error;  // a regular expression
   };
-  const std::string hint = "\nTry: fieldbook( show| angle| inverse)? --help\n";
+  const std::string hint = "\nTry: fieldbook( show| angle| inverse| units| edit)? --help\n";
   const Case cases[] = {
       {{"show", "none.csv"}, "fieldbook: none.csv: there is no such file\n"},
       {{"show", kData}, "fieldbook: .*: it is a folder\n"},
       {{"inverse", kPoints, "T1", "nowhere"}, "fieldbook: .*: there is no point \"nowhere\"\n"},
       {{"--lang", kPoints, "--version"}, "fieldbook: --lang: .*points\\.csv.*\n"},
-      {{}, "fieldbook: a command is missing: show, angle or inverse$"},
-      {{"list"}, "fieldbook: there is no command \"list\", only show, angle and inverse$"},
+      {{}, "fieldbook: a command is missing: one of show, angle, inverse, units, edit$"},
+      {{"list"},
+       "fieldbook: there is no command \"list\", only show, angle, inverse, units, edit$"},
       {{"show"}, "fieldbook: show takes one FILE, 0 given$"},
       {{"show", "a", "b"}, "fieldbook: show takes one FILE, 2 given$"},
       {{"show", "a", "--lat"}, "fieldbook: show takes no --lat$"},
@@ -161,7 +163,7 @@ TEST(Program, InverseGoesFromOnePointToAnother) {
 }
 
 TEST(Program, SpeaksItalian) {
-  const ProgramResult table = RunFieldbook({"show", kPoints, "--lang", kItalian});
+  const ProgramResult table = RunFieldbook({"show", kPoints, "--to", "m", "--lang", kItalian});
   EXPECT_EQ(table.out.find("Punto     Nord (m)      Est (m)  Quota (m)  Descrizione\n"), 0u);
   EXPECT_EQ(CountLines(table.out), 25u);
   EXPECT_EQ(table.err, "");
@@ -171,7 +173,7 @@ TEST(Program, SpeaksItalian) {
             "10\u00B030'00\"O\n");
   EXPECT_EQ(RunFieldbook({"--nope", "--lang", kItalian}).err,
             "fieldbook: l'opzione --nope non esiste\nVedi: fieldbook --help\n");
-  for (const char* command : {"show", "angle", "inverse"}) {
+  for (const char* command : {"show", "angle", "inverse", "units", "edit"}) {
     const std::string help = RunFieldbook({command, "--help", "--lang", kItalian}).out;
     EXPECT_EQ(help.find(std::string("Uso: fieldbook ") + command), 0u) << help;
   }
@@ -181,7 +183,7 @@ TEST(Program, HelpAndVersionAreOnStandardOutput) {
   const ProgramResult general = RunFieldbook({"--help"});
   EXPECT_EQ(general.out.find("Usage: fieldbook COMMAND"), 0u);
   EXPECT_EQ(general.status, 0);
-  for (const char* command : {"show", "angle", "inverse"}) {
+  for (const char* command : {"show", "angle", "inverse", "units", "edit"}) {
     const ProgramResult help = RunFieldbook({"-h", command});
     EXPECT_EQ(help.out.find(std::string("Usage: fieldbook ") + command), 0u) << help.out;
     EXPECT_EQ(help.status, 0);

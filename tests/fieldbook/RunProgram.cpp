@@ -138,6 +138,10 @@ std::string TempFolder::Write(const std::string& name, const std::string& bytes)
   return {text.begin(), text.end()};
 }
 
+std::string TempFolder::Read(const std::string& name) const {
+  return ReadFile(m_path / FromUtf8(name));
+}
+
 ProgramResult RunFieldbook(const std::vector<std::string>& arguments, const std::string& input,
                            const fs::path& output) {
   const TempFolder folder;
@@ -145,6 +149,9 @@ ProgramResult RunFieldbook(const std::vector<std::string>& arguments, const std:
   const fs::path out = output.empty() ? folder.PathOf("out") : output;
   const fs::path err = folder.PathOf("err");
   WriteFile(in, input);
-  const int status = Run(arguments, in, out, err);
+  // An option that comes twice counts the last time.
+  std::vector<std::string> all = {"--data", folder.PathOf("settings").string()};
+  all.insert(all.end(), arguments.begin(), arguments.end());
+  const int status = Run(all, in, out, err);
   return {status, output.empty() ? ReadFile(out) : std::string(), ReadFile(err)};
 }

@@ -16,6 +16,7 @@ class TempFolder {
   std::filesystem::path PathOf(const std::string& name) const { return m_path / name; }
   // Writes a file and gives its path in UTF-8.
   std::string Write(const std::string& name, const std::string& bytes) const;
+  std::string Read(const std::string& name) const;
 
  private:
   std::filesystem::path m_path;
@@ -27,6 +28,7 @@ struct ProgramResult {
   std::string err;
 };
 
-// Arguments are UTF-8. An output path takes standard output in place of the result's text.
+// Arguments are UTF-8. The settings are the defaults, unless --data is among them. An output path
+// takes standard output in place of the result's text.
 ProgramResult RunFieldbook(const std::vector<std::string>& arguments, const std::string& input = "",
                            const std::filesystem::path& output = {});

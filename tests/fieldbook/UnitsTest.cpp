@@ -1,0 +1,222 @@
+// fieldbook units, and how show follows the settings.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "tests/fieldbook/RunProgram.h"
+
+namespace {
+
+const std::string kItalian = std::string(FIELDBOOK_DATA) + "/it.po";
+const std::string kSettings = "Support/config_measunit.dat";
+
+// Runs on settings of its own.
+class Units : public testing::Test {
+ protected:
+  ProgramResult Run(std::vector<std::string> arguments, const std::string& input = "") const {
+    arguments.push_back("--data=" + Data());
+    return RunFieldbook(arguments, input);
+  }
+  ProgramResult Set(std::vector<std::string> pairs) const {
+    pairs.insert(pairs.begin(), {"units", "set"});
+    return Run(pairs);
+  }
+  // The value that the table of units shows for a key.
+  static std::string ValueIn(const std::string& table, const std::string& key) {
+    const std::size_t row = table.find("\n" + key + " ");
+    if (row == std::string::npos) return "no such row";
+    const std::size_t begin = table.find_first_not_of(' ', row + 1 + key.size());
+    return table.substr(begin, table.find(' ', begin) - begin);
+  }
+  std::string Data() const { return m_folder.PathOf("data").string(); }
+
+  TempFolder m_folder;
+};
+
+TEST_F(Units, EveryKeyTakesItsValuesAndKeepsThem) {
+  struct Case {
+    const char* key;
+    std::vector<const char*> values;  // the default last
+  };
+  const std::vector<const char*> lengths = {"ft", "us-ft", "ft-in", "us-ft-in", "ch", "us-ch", "m"};
+  const Case cases[] = {
+      {"dist-units", lengths},
+      {"ts-dist-units", lengths},
+      {"area-units", {"ft2", "us-ft2", "ft-in2", "us-ft-in2", "m2"}},
+      {"volume-units", {"ft3", "us-ft3", "ft-in3", "us-ft-in3", "yd3", "us-yd3", "m3"}},
+      {"speed-units", {"imperial", "metric"}},
+      {"coord-display-mode", {"north-east", "east-north"}},
+      {"ts-angle-units", {"deg", "dms", "dms-blank", "dms-packed", "gon"}},
+      {"angle-units", {"deg", "dms", "dms-blank", "dms-packed", "rad", "mil", "gon"}},
+      {"lat-lon-angle-units", {"dms-blank", "dms-packed", "dms"}},
+      {"temperature-units", {"celsius"}},
+      {"pressure-units", {"mmhg"}},
+      {"horiz-start-angle", {"east", "north"}},
+      {"vert-angle", {"default"}},
+      {"angle-dir", {"counter-clockwise", "clockwise"}},
+      {"date-format", {"default"}},
+      {"num-dist-dec", {"0", "9", "3"}},
+      {"num-ts-dist-dec", {"4", "3"}},
+      {"num-area-dec", {"4", "2"}},
+      {"num-vol-dec", {"4", "2"}},
+      {"num-speed-dec", {"4", "1"}},
+      {"num-coord-dec", {"4", "3"}},
+      {"num-quote-dec", {"4", "3"}},
+      {"num-ts-angle-dec", {"5", "4"}},
+      {"num-angle-dec", {"5", "4"}},
+      {"num-lat-lon-angle-dec", {"4", "5"}},
+      {"dist-inch-dec-prec", {"4", "16", "32", "64", "8"}},
+      {"ts-dist-inch-dec-prec", {"16", "8"}},
+      {"area-inch-dec-prec", {"16", "4"}},
+      {"vol-inch-dec-prec", {"16", "4"}},
+      {"coord-inch-dec-prec", {"16", "8"}},
+      {"quote-inch-dec-prec", {"16", "8"}},
+  };
+  // One run sets the n-th value of every key, so that a key which sets another's field shows.
+  for (std::size_t n = 0; n < 7; ++n) {
+    std::vector<std::string> pairs;
+    for (const Case& c : cases) {
+      pairs.insert(pairs.end(), {c.key, c.values[std::min(n, c.values.size() - 1)]});
+    }
+    const ProgramResult set = Set(pairs);
+    ASSERT_EQ(set.status, 0) << set.err;
+    const std::string table = Run({"units"}).out;
+    for (std::size_t i = 0; i < pairs.size(); i += 2) {
+      EXPECT_EQ(ValueIn(table, pairs[i]), pairs[i + 1]) << pairs[i];
+    }
+  }
+}
+
+TEST_F(Units, ListenersHearWhatChangesOnce) {
+  EXPECT_EQ(
+      Set({"dist-units", "us-ft", "angle-dir", "counter-clockwise", "num-coord-dec", "2"}).out,
+      "distance units: m -> us-ft\n"
+      "direction of angles: clockwise -> counter-clockwise\n"
+      "decimals of coordinates: 3 -> 2\n");
+  EXPECT_EQ(Set({"angle-dir", "clockwise"}).out,
+            "direction of angles: counter-clockwise -> clockwise\n")
+      << "what CopyFrom leaves out";
+  EXPECT_EQ(Set({"unit-system", "us-survey", "speed-units", "metric"}).out,
+            "unit system: metric -> us-survey\n"
+            "distance units, total station: m -> us-ft\n"
+            "area units: m2 -> us-ft2\n"
+            "volume units: m3 -> us-ft3\n");
+  EXPECT_EQ(Set({"unit-system", "metric", "unit-system", "us-survey", "speed-units", "metric"}).out,
+            "no setting changes\n");
+  EXPECT_EQ(Set({"dist-units", "m", "--lang", kItalian}).out,
+            "unit\xC3\xA0 di distanza: us-ft -> m\n");
+}
+
+TEST_F(Units, TheUnitSystemAloneIsHeardToo) {
+  Set({"unit-system", "imperial"});
+  Set({"unit-system", "metric", "dist-units", "ft", "ts-dist-units", "ft", "area-units", "ft2",
+       "volume-units", "ft3", "speed-units", "imperial"});
+  EXPECT_EQ(Set({"unit-system", "imperial"}).out, "unit system: metric -> imperial\n");
+}
+
+TEST_F(Units, ShowFollowsTheSettings) {
+  const std::string row = "P,1000,-20.5,3.25,x\nQ,1,2\n";
+  EXPECT_EQ(Run({"show", "-"}, row).out,
+            "Point  East [m]  North [m]  Elevation [m]  Description\n"
+            "P       -20.500   1000.000          3.250  x\n"
+            "Q         2.000      1.000\n");
+  Set({"dist-units", "us-ft-in", "coord-inch-dec-prec", "8", "quote-inch-dec-prec", "4",
+       "coord-display-mode", "north-east"});
+  EXPECT_EQ(Run({"show", "-", "--csv"}, row).out,
+            "Point,North [ft],East [ft],Elevation [ft],Description\n"
+            "P,\"3280'10\"\"0/8\",\"-67'3\"\"1/8\",\"10'8\"\"0/4\",x\n"
+            "Q,\"3'3\"\"3/8\",\"6'6\"\"6/8\",,\n");
+  Set({"dist-units", "ch", "num-coord-dec", "1", "num-quote-dec", "5"});
+  EXPECT_EQ(
+      Run({"show", "-", "--csv", "--lang", kItalian}, row).out,
+      "Punto,Nord [ch],Est [ch],Quota [ch],Descrizione\nP,49.7,-1.0,0.16156,x\nQ,0.0,0.1,,\n");
+  EXPECT_EQ(Run({"show", "-", "--csv", "--decimals", "0"}, row).out,
+            "Point,North [ch],East [ch],Elevation [ch],Description\nP,50,-1,0,x\nQ,0,0,,\n");
+  EXPECT_EQ(Run({"show", "-", "--csv", "--to", "m"}, row).out,
+            "Point,Northing (m),Easting (m),Elevation (m),Description\n"
+            "P,1000.000,-20.500,3.250,x\nQ,1.000,2.000,,\n");
+}
+
+TEST_F(Units, WhatIsUnknownNamesWhatThereIsAndChangesNothing) {
+  struct Case {
+    std::vector<std::string> pairs;
+    const char* error;
+  };
+  const Case cases[] = {
+      {{"num-dist-dec", "2", "dist-units", "yd"},
+       "dist-units: \"yd\" isn't one of m, ft, us-ft, ft-in, us-ft-in, ch, us-ch"},
+      {{"lat-lon-angle-units", "rad"},
+       "lat-lon-angle-units: \"rad\" isn't one of dms, dms-blank, dms-packed"},
+      {{"pressure-units", "0"}, "pressure-units: \"0\" isn't one of mmhg"},
+      {{"num-dist-dec", "10"}, "num-dist-dec: \"10\" isn't a whole number from 0 to 9"},
+      {{"num-dist-dec", "-1"}, "num-dist-dec: \"-1\" isn't a whole number from 0 to 9"},
+      {{"coord-inch-dec-prec", "3"}, "coord-inch-dec-prec: \"3\" isn't one of 4, 8, 16, 32, 64"},
+      {{"num-dist-dec", "2", "dist-units"}, "dist-units needs a value behind it"},
+      {{}, "units set takes KEY and VALUE, at least once"},
+  };
+  for (const Case& c : cases) {
+    const ProgramResult result = Set(c.pairs);
+    EXPECT_EQ(result.err, std::string("fieldbook: ") + c.error + "\nTry: fieldbook units --help\n");
+    EXPECT_EQ(result.status, 1);
+  }
+  const std::string error = Set({"distance", "m"}).err;
+  EXPECT_EQ(
+      error.find("fieldbook: there is no setting \"distance\", only unit-system, dist-units, "),
+      0u);
+  EXPECT_EQ(Run({"units", "reset"}).status, 1);
+  EXPECT_FALSE(std::filesystem::exists(Data())) << "a folder is made for what is saved";
+}
+
+TEST_F(Units, WhatCannotBeSavedIsOneLineAndTheOldSettingsStay) {
+  Set({"dist-units", "ft"});
+  const std::string old = m_folder.Read("data/" + kSettings);
+  // The file that takes the new settings first can't be made.
+  std::filesystem::create_directory(m_folder.PathOf("data/" + kSettings + ".new"));
+  const ProgramResult result = Set({"dist-units", "ch"});
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err.find("fieldbook: the settings can't be saved in "), 0u) << result.err;
+  EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1);
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(m_folder.Read("data/" + kSettings), old);
+  EXPECT_EQ(ValueIn(Run({"units"}).out, "dist-units"), "ft");
+
+  const std::string file = m_folder.Write("file", "x");
+  const ProgramResult below =
+      RunFieldbook({"units", "set", "dist-units", "m", "--data", file + "/d"});
+  EXPECT_EQ(below.err.find("fieldbook: the settings can't be saved in "), 0u) << below.err;
+  EXPECT_EQ(below.status, 1);
+  EXPECT_EQ(RunFieldbook({"units", "--data="}).err,
+            "fieldbook: there is no folder for the settings; name one with --data DIR\n");
+}
+
+TEST_F(Units, ASettingsFileOfAnyContentIsTaken) {
+  Set({"dist-units", "ft", "num-coord-dec", "1"});
+  const std::string sound = m_folder.Read("data/" + kSettings);
+  std::mt19937 random(3);
+  for (int round = 0; round < 24; ++round) {
+    // Cut short, changed in places, or anything.
+    std::string bytes = sound;
+    if (round % 3 == 0) bytes.resize(random() % (bytes.size() + 1));
+    if (round % 3 == 1) bytes[7 + random() % (bytes.size() - 7)] = static_cast<char>(random());
+    if (round % 3 == 2) {
+      bytes.resize(random() % 400);
+      for (char& byte : bytes) byte = static_cast<char>(random());
+    }
+    m_folder.Write("data/" + kSettings, bytes);
+    const ProgramResult show = Run({"show", "-"}, "P,1,2,3,x\n");
+    EXPECT_EQ(show.status, 0) << round;
+    EXPECT_EQ(show.out.find("Point  "), 0u) << round << show.out;
+    EXPECT_EQ(Run({"units"}).status, 0) << round;
+  }
+  // The value that isn't known gives its default, the others stay.
+  std::string bytes = sound;
+  bytes[7 + 4] = 77;
+  m_folder.Write("data/" + kSettings, bytes);
+  const ProgramResult show = Run({"show", "-", "--csv"}, "P,1,2,3,x\n");
+  EXPECT_EQ(show.out, "Point,East [m],North [m],Elevation [m],Description\nP,2.0,1.0,3.000,x\n");
+  EXPECT_EQ(show.err,
+            "the settings have values that aren't known; the defaults stand for dist-units\n");
+}
+
+}  // namespace
