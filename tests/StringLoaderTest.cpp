@@ -2,12 +2,19 @@
 
 #include <tchar.h>
 #include <windows.h>
+#ifndef _WIN32
+#include <dlfcn.h>
+#include <link.h>
+#endif
 
+#include <algorithm>
 #include <cstring>
 #include <cwchar>
+#include <filesystem>
 #include <string>
 #include <thread>
 
+#include "tests/TempFolder.h"
 #include "tests/TestText.h"
 
 using kelp::CStringLoader;
@@ -91,13 +98,52 @@ TEST(StringLoader, NarrowTextIsCutToTheBuffer) {
 }
 
 #ifdef _WIN32
-// Only there is a library told of threads.
+// Here the library is told of threads.
 TEST(StringLoader, EachThreadNamesTheModuleAnew) {
   CStringLoader& loader = kelp::GetGlobalStringLoader();
   loader.Init(nullptr);
   ASSERT_EQ(loader.GetStringLength(102), 0u);
   std::thread([] {}).join();
   EXPECT_EQ(loader.GetStringLength(102), 12u);
+}
+
+#else
+struct LinkMap {
+  explicit LinkMap(const char* path) : handle(dlopen(path, RTLD_NOW)) {
+    EXPECT_NE(handle, nullptr) << dlerror();
+    EXPECT_EQ(dlinfo(handle, RTLD_DI_LINKMAP, &map), 0);
+  }
+  ~LinkMap() { dlclose(handle); }
+  LinkMap(const LinkMap&) = delete;
+  LinkMap& operator=(const LinkMap&) = delete;
+
+  void* const handle;
+  const link_map* map = nullptr;
+};
+
+std::string WithBackslashes(std::string path) {
+  std::replace(path.begin(), path.end(), '/', '\\');
+  return path;
+}
+
+// Here the system loads a library from a path of any length.
+TEST(StringLoader, ALongModulePathIsWhole) {
+  const LinkMap original("libm.so.6");
+  const TempFolder folder;
+  for (const std::size_t length : {258u, 259u, 260u, 261u, 519u, 520u, 521u, 1500u}) {
+    std::string path = folder.Path().native();
+    const std::size_t posixLength = length - 2;  // "C:" stands before it
+    while (path.size() + 201 < posixLength) path += '/' + std::string(99, 'd');
+    std::filesystem::create_directories(path);
+    path += '/' + std::string(posixLength - path.size() - 1, 'm');
+    std::filesystem::copy_file(original.map->l_name, path);
+    const LinkMap copy(path.c_str());
+    CStringLoader loader;
+    loader.Init(reinterpret_cast<void*>(copy.map->l_addr));
+    const WString name = loader.GetModuleName();
+    ASSERT_EQ(name.Length(), static_cast<int>(length));
+    EXPECT_EQ(name, WString::ConvertFromUtf8(WithBackslashes("C:" + path).c_str()));
+  }
 }
 #endif
 
