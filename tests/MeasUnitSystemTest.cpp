@@ -109,6 +109,11 @@ TEST(MeasUnitSystem, UnitSystemBringsItsUnits) {
             (std::vector{enumDisplayAreaUnits::SquareInternationalFoot,
                          enumDisplayAreaUnits::SquareInternationalFootInch}));
 
+  EXPECT_EQ(imperial.GetDefaultSpeedOptions(), std::vector{enumSpeedUnits::Imperial});
+  EXPECT_EQ(imperial.GetDefaultTSDistOptions(), imperial.GetDefaultDistOptions());
+  EXPECT_EQ(imperial.GetDefaultVolumeOptions().back(),
+            enumDisplayVolumeUnits::CubicInternationalYard);
+
   CMeasUnitSystem unknown;
   unknown.SetUnitSystem(static_cast<enumUnitSystem>(9), true);
   EXPECT_EQ(static_cast<int>(unknown.GetUnitSystem()), 9);

@@ -150,7 +150,7 @@ class EditSession {
   PointStyle m_style;
   Argument m_file;
   std::string m_bytes;              // of the file, as it was read or written last
-  std::vector<fs::path> m_written;  // other files that this session has made
+  std::vector<fs::path> m_written;  // other files that this run has made
   kelp::CChangeTransactionManager m_manager;
   PointList m_list;
   EditReporter m_reporter;
