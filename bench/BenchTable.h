@@ -7,6 +7,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <string>
@@ -46,6 +47,10 @@ void AddNumberWorks();
 void AddAngleWorks();
 void AddUnitWorks();
 void AddTimeWorks();
+void AddCellWorks();
+void AddChangeWorks();
+// The folder is where the unit settings are saved.
+void AddSettingsWorks(const std::filesystem::path& folder);
 
 // Prints, when all have run, one row for each work and peer: the medians of the repetitions, in
 // nanoseconds of processor time for one item, and their ratio.

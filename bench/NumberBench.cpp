@@ -3,38 +3,20 @@
 
 #include <QLocale>
 #include <QString>
-#include <algorithm>
 #include <cwchar>
-#include <random>
 
 #include "bench/BenchTable.h"
+#include "bench/SurveyValues.h"
 #include "kelp0lang/LegacyNumber.h"
 #include "kelp0lang/LocaleFree.h"
 
 namespace bench {
 namespace {
 
-// What a survey has: northings and eastings, heights, distances, small differences of either sign,
-// with all the digits that a computation leaves.
-std::vector<double> SurveyValues() {
-  std::mt19937 random(42);
-  const auto between = [&random](double low, double high) {
-    return std::uniform_real_distribution<>(low, high)(random);
-  };
-  std::vector<double> values;
-  for (int i = 0; i < 400; ++i) {
-    values.push_back(between(4000000, 5300000));
-    values.push_back(between(250000, 850000));
-    values.push_back(between(-5, 4000));
-    values.push_back(between(0, 900));
-    values.push_back(between(-2, 2));
-  }
-  std::shuffle(values.begin(), values.end(), random);
-  return values;
-}
+constexpr int kValues = 2000;
 
 void AddPrinting() {
-  const auto values = SurveyValues();
+  const auto values = SurveyValues(kValues);
   Compare("StringDaDouble(v, 0, 3)",
           Over(values, [](double value) { return StringDaDouble(value, 0, 3); }),
           {{"QString::number", 0.5,
@@ -48,7 +30,7 @@ void AddParsing() {
   std::vector<kelp::WString> ours;
   std::vector<std::wstring> wide;
   std::vector<QString> qt;
-  for (const double value : SurveyValues()) {
+  for (const double value : SurveyValues(kValues)) {
     const std::string text = fmt::format("{:.3f}", value);
     ours.push_back(kelp::WString::ConvertFromUtf8(text.c_str()));
     wide.emplace_back(text.begin(), text.end());

@@ -338,6 +338,34 @@ TEST(FileStream, FilesCutShortAtEveryLength) {
   }
 }
 
+// Many numbers at once are the same in the file, and of a file cut short the same come back.
+TEST(FileStream, NumbersInARowAreAsOneByOne) {
+  const TestFolder folder;
+  constexpr int kCount = 36;
+  std::vector<int> numbers(kCount);
+  for (int i = 0; i < kCount; ++i) numbers[i] = i * 0x01010101 - 5;
+  {
+    ofpstream alone(folder.File("alone").c_str(), 1, WString(), 0, kWrite);
+    for (const int number : numbers) alone << number;
+    ofpstream together(folder.File("together").c_str(), 1, WString(), 0, kWrite);
+    together.WriteNumbers(numbers.data(), numbers.size());
+  }
+  const std::string whole = folder.Read("alone");
+  ASSERT_EQ(folder.Read("together"), whole);
+  for (std::size_t size = 0; size <= whole.size(); ++size) {
+    SCOPED_TRACE(size);
+    folder.Write("f", whole.substr(0, size));
+    std::vector<int> one(kCount, -1);
+    std::vector<int> all(kCount, -1);
+    ifpstream alone(folder.File("f").c_str(), kRead);
+    for (int& number : one) alone >> number;
+    ifpstream together(folder.File("f").c_str(), kRead);
+    together.ReadNumbers(all.data(), all.size());
+    ASSERT_EQ(all, one);
+    ASSERT_EQ(together.GetState(), alone.GetState());
+  }
+}
+
 TEST(FileStream, PointersAreStoredAsSmallNumbers) {
   const TestFolder folder;
   kelp::CPtr64Mapper mapper;

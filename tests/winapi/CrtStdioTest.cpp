@@ -118,12 +118,29 @@ TEST(CrtStdio, OpensByWindowsNames) {
   errno = 0;
   EXPECT_EQ(_wfopen(folder.Wide(WTEXT("none.txt")).c_str(), WTEXT("rb")), nullptr);
   EXPECT_EQ(errno, ENOENT);
-  errno = 0;
-  EXPECT_EQ(_wfopen(folder.Wide().c_str(), WTEXT("rb")), nullptr) << "a folder isn't a file";
-  EXPECT_EQ(errno, EACCES);
+  for (const WCHAR* mode : {WTEXT("rb"), WTEXT("r+b"), WTEXT("wb"), WTEXT("ab")}) {
+    errno = 0;
+    EXPECT_EQ(_wfopen(folder.Wide().c_str(), mode), nullptr) << "a folder isn't a file";
+    EXPECT_EQ(errno, EACCES);
+  }
   errno = 0;
   EXPECT_EQ(_wfopen(folder.Wide(WTEXT("a*b")).c_str(), WTEXT("wb")), nullptr);
   EXPECT_EQ(errno, EINVAL);
+}
+
+TEST(CrtStdio, MakesFilesInFoldersOfAnyCase) {
+  const TempFolder folder;
+  const auto deep = folder.Path() / "Sub" / "Deep";
+  std::filesystem::create_directories(deep);
+  for (const WCHAR* name : {WTEXT("SUB/deep/New.txt"), WTEXT("sub/DEEP/new.TXT"),
+                            WTEXT("Sub/Deep/NEW.txt"), WTEXT("Sub/Deep/New.txt")}) {
+    FILE* const file = _wfopen(folder.Wide(name).c_str(), WTEXT("ab"));
+    ASSERT_NE(file, nullptr);
+    std::fputc('x', file);
+    std::fclose(file);
+  }
+  EXPECT_EQ(folder.Read("Sub/Deep/New.txt"), "xxxx") << "one file by all names";
+  EXPECT_EQ(_wfopen(folder.Wide(WTEXT("SUB/none/New.txt")).c_str(), WTEXT("wb")), nullptr);
 }
 
 TEST(CrtStdio, ReadsTheCharactersOfTheLocale) {

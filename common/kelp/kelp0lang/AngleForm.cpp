@@ -17,6 +17,7 @@ using kelp::detail::DigitRuns;
 using kelp::detail::Format;
 using kelp::detail::ProcessDecimalPoint;
 using kelp::detail::RoundToCount;
+using kelp::detail::TextWriter;
 using kelp::detail::ToInt32;
 
 namespace {
@@ -309,7 +310,8 @@ WString StrGradiFromRadi(double value) {
 
 namespace {
 
-// An angle without its sign, in whole degrees, minutes, and units of which a second has perSecond.
+// An angle without its sign, in whole degrees, minutes and seconds, and units of which a second has
+// perSecond.
 struct DMSCount {
   DMSCount(double deg, int dec) {
     constexpr int kMostRounded = 12;
@@ -320,40 +322,24 @@ struct DMSCount {
     perSecond = kPowers[static_cast<std::size_t>(decimals)];
     const std::int64_t perDegree = 3600 * perSecond;
     const std::int64_t count = std::abs(RoundToCount(static_cast<double>(perDegree) * deg));
-    const std::int64_t rest = count % perDegree;
-    degrees = ToInt32(count / perDegree);
-    minutes = static_cast<std::int32_t>(rest / (60 * perSecond));
-    units = rest % (60 * perSecond);
+    // The one division by a number that the compiler doesn't know.
+    const std::int64_t wholeSeconds = count / perSecond;
+    units = count - wholeSeconds * perSecond;
+    degrees = ToInt32(wholeSeconds / 3600);
+    minutes = static_cast<std::int32_t>(wholeSeconds / 60 % 60);
+    seconds = static_cast<std::int32_t>(wholeSeconds % 60);
+  }
+
+  double Seconds() const {
+    return static_cast<double>(seconds * perSecond + units) / static_cast<double>(perSecond);
   }
 
   int decimals;
   std::int64_t perSecond;
   std::int32_t degrees;
   std::int32_t minutes;
+  std::int32_t seconds;
   std::int64_t units;
-};
-
-// Writes into a buffer that the caller knows to be large enough.
-class TextWriter {
- public:
-  explicit TextWriter(WChar* text) : m_end(text) {}
-
-  void Put(WChar unit) { *m_end++ = unit; }
-  void Zeros(int count) { m_end = std::fill_n(m_end, std::max(count, 0), KTEXT('0')); }
-  // With zeros in front up to width digits.
-  void Number(std::int64_t value, int width) {
-    WChar digits[20];
-    WChar* first = std::end(digits);
-    do {
-      *--first = static_cast<WChar>(KTEXT('0') + value % 10);
-      value /= 10;
-    } while (value != 0);
-    Zeros(width - static_cast<int>(std::end(digits) - first));
-    m_end = std::copy(first, std::end(digits), m_end);
-  }
-
- private:
-  WChar* m_end;
 };
 
 // What stands behind the degrees and behind the minutes, 0 for nothing.
@@ -376,19 +362,18 @@ const DMSForm* FindForm(enumDisplayAngleUnits form) {
 // The decimals of the packed form are an int.
 void PutPackedDecimals(TextWriter& writer, std::int64_t value, int decimals, int dec) {
   for (; decimals < dec && ToInt32(value) == value; ++decimals) value *= 10;
-  writer.Number(ToInt32(value), dec);
+  writer.Digits(static_cast<std::uint64_t>(ToInt32(value)), dec);
 }
 
 void PutSeconds(TextWriter& writer, const DMSCount& angle, const DMSForm& form, int dec) {
-  writer.Number(angle.units / angle.perSecond, 2);
+  writer.TwoDigits(angle.seconds);
   if (dec <= 0) return;
-  const std::int64_t fraction = angle.units % angle.perSecond;
   if (form.packed) {
-    PutPackedDecimals(writer, fraction, angle.decimals, dec);
+    PutPackedDecimals(writer, angle.units, angle.decimals, dec);
     return;
   }
   writer.Put(ProcessDecimalPoint());
-  if (angle.decimals > 0) writer.Number(fraction, angle.decimals);
+  writer.Digits(static_cast<std::uint64_t>(angle.units), angle.decimals);
   writer.Zeros(dec - angle.decimals);
 }
 
@@ -396,8 +381,7 @@ void PutSeconds(TextWriter& writer, const DMSCount& angle, const DMSForm& form, 
 
 TDMS DegToTDMS(double deg, int dec) {
   const DMSCount angle(deg, dec);
-  const double seconds = static_cast<double>(angle.units) / static_cast<double>(angle.perSecond);
-  return {angle.degrees, angle.minutes, seconds, deg < 0.0};
+  return {angle.degrees, angle.minutes, angle.Seconds(), deg < 0.0};
 }
 
 double TDMSToDeg(const TDMS& angle) {
@@ -417,15 +401,14 @@ WString DegToDMS(double deg, enumDisplayAngleUnits form, enumLatLonType type, in
   WChar text[kTextRoom];
   TextWriter writer(text);
   if (deg < 0 && !hasLetter) writer.Put(KTEXT('-'));
-  writer.Number(angle.degrees, 1);
+  writer.Number(angle.degrees);
   writer.Put(shape->behindDegrees);
-  writer.Number(angle.minutes, 2);
+  writer.TwoDigits(angle.minutes);
   if (shape->behindMinutes != 0) writer.Put(shape->behindMinutes);
   PutSeconds(writer, angle, *shape, dec);
   writer.Put(KTEXT('"'));
   if (hasLetter) writer.Put(letter);
-  writer.Put(0);
-  return WString(text);
+  return writer.Text();
 }
 
 namespace {
@@ -503,6 +486,10 @@ bool IsLatLonSignNegative(WChar c, enumLatLonType type) {
 bool LatLonSignToSign(bool negative, enumLatLonType type, WChar& c) {
   const WChar* source = LetterSource(negative, type);
   if (source == nullptr) return false;
+  if (!kelp::IsTranslateFileLoaded()) {
+    c = *source;
+    return true;
+  }
   const WString letter = kelp::Xlate(source);
   if (letter.empty()) return false;
   c = letter.GetChar(0);

@@ -1,12 +1,13 @@
 #include "kelp0lang/DecimalText.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+
+#include "kelp0lang/Digits.h"
 
 namespace kelp::detail {
 
@@ -19,23 +20,6 @@ constexpr int kExponentBias = 1023;
 constexpr std::uint64_t kFractionMask = (std::uint64_t{1} << kFractionBits) - 1;
 constexpr std::uint64_t kHiddenBit = std::uint64_t{1} << kFractionBits;
 
-constexpr auto kPowersOf10 = [] {
-  std::array<std::uint64_t, 20> powers{1};
-  for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
-  return powers;
-}();
-
-// "00", "01" to "99".
-template <class C>
-constexpr auto kDigitPairs = [] {
-  std::array<C, 200> pairs{};
-  for (int i = 0; i < 100; ++i) {
-    pairs[2 * i] = static_cast<C>('0' + i / 10);
-    pairs[2 * i + 1] = static_cast<C>('0' + i % 10);
-  }
-  return pairs;
-}();
-
 // Mantissa and exponent of a finite magnitude: mantissa * 2^exponent.
 struct BinaryParts {
   std::uint64_t mantissa;
@@ -47,22 +31,6 @@ BinaryParts Split(std::uint64_t bits) {
   const std::uint64_t fraction = bits & kFractionMask;
   return {biased == 0 ? fraction : fraction | kHiddenBit,
           std::max(biased, 1) - kExponentBias - kFractionBits};
-}
-
-int CountDigits(std::uint64_t value) {
-  value |= 1;  // 0 has one digit too
-  const int guess = std::bit_width(value) * 1233 >> 12;
-  return guess + (value >= kPowersOf10[guess]);
-}
-
-// Exactly count digits, with leading zeros.
-template <class C>
-void WriteDigits(C* target, std::uint64_t value, int count) {
-  for (; count >= 2; value /= 100) {
-    count -= 2;
-    std::memcpy(target + count, &kDigitPairs<C>[value % 100 * 2], 2 * sizeof(C));
-  }
-  if (count == 1) *target = static_cast<C>('0' + value);
 }
 
 // scaled / 2^shift, rounded to the nearest; a tie goes to where result + parity is even.

@@ -1,8 +1,8 @@
 #include "kelp0lang/FeetInch.h"
 
+#include <bit>
 #include <cmath>
 
-#include "kelp0lang/LocaleFree.h"
 #include "kelp0lang/UnitParts.h"
 
 using kelp::kNotSet;
@@ -10,14 +10,27 @@ using kelp::kNotSetThreshold;
 using kelp::WString;
 using kelp::detail::DigitRun;
 using kelp::detail::DigitRuns;
-using kelp::detail::Format;
 using kelp::detail::RoundToCount;
+using kelp::detail::TextWriter;
 using kelp::detail::ToInt32;
 
 namespace {
 
-constexpr int kTextRoom = 256;
+constexpr int kTextRoom = 64;
 constexpr int kInchesPerFoot = 12;
+
+// Inches without their sign, and what is left in parts of an inch. The parts of an inch are always
+// a power of two, and a shift takes less time than a division.
+struct InchCount {
+  InchCount(double parts, int perInch) {
+    const std::int64_t count = std::abs(RoundToCount(parts));
+    inches = count >> std::countr_zero(static_cast<unsigned>(perInch));
+    numerator = static_cast<std::int32_t>(count & (perInch - 1));
+  }
+
+  std::int64_t inches;
+  std::int32_t numerator;
+};
 
 double Fraction(const TFeetInch& length) {
   return static_cast<double>(length.numerator) / ConvertInchDecPrec(length.precision);
@@ -35,18 +48,28 @@ void ReadFraction(const DigitRun& numerator, const DigitRun& denominator, enumIn
   ConvertInchDecPrec(wanted, length.precision);
 }
 
+void PutSign(TextWriter& writer, const TFeetInch& length) {
+  if (length.negative) writer.Put(KTEXT('-'));
+}
+
+// A fraction of an inch, and the mark between it and the inches.
+void PutFraction(TextWriter& writer, const TFeetInch& length) {
+  writer.Put(KTEXT('"'));
+  writer.Small(length.numerator);
+  writer.Put(KTEXT('/'));
+  writer.Small(ConvertInchDecPrec(length.precision));
+}
+
 }  // namespace
 
 TFeetInch FeetToTFeetInch(double feet, enumInchDecPrec prec) {
   TFeetInch length;
   if (!(feet < kNotSetThreshold)) return length;
   const int perInch = ConvertInchDecPrec(prec);
-  const int perFoot = kInchesPerFoot * perInch;
-  const std::int64_t count = std::abs(RoundToCount(feet * kInchesPerFoot * perInch));
-  const auto rest = static_cast<std::int32_t>(count % perFoot);
-  length.feet = ToInt32(count / perFoot);
-  length.inches = rest / perInch;
-  length.numerator = rest % perInch;
+  const InchCount count(feet * kInchesPerFoot * perInch, perInch);
+  length.feet = ToInt32(count.inches / kInchesPerFoot);
+  length.inches = static_cast<std::int32_t>(count.inches % kInchesPerFoot);
+  length.numerator = count.numerator;
   length.precision = prec;
   length.negative = feet < 0;
   return length;
@@ -56,9 +79,9 @@ TFeetInch InchToFeetInch(double inches, enumInchDecPrec prec) {
   TFeetInch length;
   if (!(inches < kNotSetThreshold)) return length;
   const int perInch = ConvertInchDecPrec(prec);
-  const std::int64_t count = std::abs(RoundToCount(perInch * inches));
-  length.inches = ToInt32(count / perInch);
-  length.numerator = static_cast<std::int32_t>(count % perInch);
+  const InchCount count(perInch * inches, perInch);
+  length.inches = ToInt32(count.inches);
+  length.numerator = count.numerator;
   length.precision = prec;
   length.negative = inches < 0;
   return length;
@@ -77,20 +100,24 @@ WString FeetToFeetInch(double feet, enumInchDecPrec prec) {
   if (feet > kNotSetThreshold) return WString();
   const TFeetInch length = FeetToTFeetInch(feet, prec);
   WChar text[kTextRoom];
-  Format(text, kTextRoom, KTEXT('.'), KTEXT("%ls%d'%d\"%d/%d"),
-         length.negative ? KTEXT("-") : KTEXT(""), length.feet, length.inches, length.numerator,
-         ConvertInchDecPrec(length.precision));
-  return WString(text);
+  TextWriter writer(text);
+  PutSign(writer, length);
+  writer.Number(length.feet);
+  writer.Put(KTEXT('\''));
+  writer.Small(length.inches);
+  PutFraction(writer, length);
+  return writer.Text();
 }
 
 WString InchToString(double inches, enumInchDecPrec prec) {
   if (inches > kNotSetThreshold) return WString();
   const TFeetInch length = InchToFeetInch(inches, prec);
   WChar text[kTextRoom];
-  Format(text, kTextRoom, KTEXT('.'), KTEXT("%ls%d\"%d/%d"),
-         length.negative ? KTEXT("-") : KTEXT(""), length.inches, length.numerator,
-         ConvertInchDecPrec(length.precision));
-  return WString(text);
+  TextWriter writer(text);
+  PutSign(writer, length);
+  writer.Number(length.inches);
+  PutFraction(writer, length);
+  return writer.Text();
 }
 
 TFeetInch StringToFeetInch(const WString& text, enumInchDecPrec prec) {

@@ -57,6 +57,7 @@ namespace detail {
 inline constexpr std::size_t kStreamHeaderSize = 5;
 inline constexpr unsigned char kCleanFileMarker = ':';
 inline constexpr unsigned char kStreamFormatLevel = 1;
+inline constexpr std::size_t kNumbersAtOnce = 32;
 
 // Between the machine's order of bytes and that of the file.
 template <class T>
@@ -69,9 +70,23 @@ T LittleEndian(T value) noexcept {
   return value;
 }
 
+constexpr bool IsBinary(int mode) noexcept {
+  return (mode & 0x20) != 0;
+}
+
+// Every mode but those that append.
+constexpr bool OpensAtStart(int mode) noexcept {
+  return (mode & 0x0A) != 0x0A;
+}
+
+// Makes an empty file, also of one that was there.
+constexpr bool OpensEmpty(int mode) noexcept {
+  return (mode & 0x0B) == 2;
+}
+
 // The mode of the C library; null where the mode bits have none.
 inline const WChar* StdioMode(int mode) noexcept {
-  const bool binary = (mode & 0x20) != 0;
+  const bool binary = IsBinary(mode);
   switch (mode & 0x0B) {
     case 1:
     case 9:
@@ -128,6 +143,9 @@ class FileStreamBase {
     const WChar* stdioMode = StdioMode(mode);
     if (path != nullptr && stdioMode != nullptr) m_file = _wfopen(path, stdioMode);
     if (m_file == nullptr) m_state = 1;
+    if (m_file != nullptr && IsBinary(mode)) {
+      std::setvbuf(m_file, m_buffer.data(), _IOFBF, m_buffer.size());
+    }
   }
   ~FileStreamBase() { Close(); }
 
@@ -141,6 +159,8 @@ class FileStreamBase {
   void FailTransfer() noexcept { m_state = std::feof(m_file) != 0 ? 2 : 1; }
 
   std::FILE* m_file = nullptr;
+  // What the C library would have to ask the file about and take from the heap.
+  std::array<char, 4096> m_buffer;
   int m_state = 0;
   short m_version;
   WString m_name;
@@ -154,10 +174,14 @@ class ifpstream : public detail::FileStreamBase {
   // caller who looks at IsMarkerMissing and IsHeaderKnown. A file shorter than the header ends in
   // state 2.
   ifpstream(const WChar* path, int mode) : FileStreamBase(path, mode, 0, WString()) {
-    if (m_state != 0 || Tell() >= static_cast<long>(detail::kStreamHeaderSize)) return;
-    Seek(0, SEEK_SET);
+    if (m_state != 0) return;
+    if (!detail::OpensAtStart(mode)) {
+      if (Tell() >= static_cast<long>(detail::kStreamHeaderSize)) return;
+      Seek(0, SEEK_SET);
+    }
     ReadHeader();
-    Seek(static_cast<long>(detail::kStreamHeaderSize), SEEK_SET);
+    // Bytes that read as text can be fewer than they are in the file.
+    if (!detail::IsBinary(mode)) Seek(static_cast<long>(detail::kStreamHeaderSize), SEEK_SET);
     m_path = path;
   }
 
@@ -190,6 +214,19 @@ class ifpstream : public detail::FileStreamBase {
     T stored;
     if (Fetch(&stored, sizeof stored)) number = detail::LittleEndian(stored);
     return *this;
+  }
+  // The same for each of several numbers, in fewer calls.
+  template <StreamNumber T>
+  void ReadNumbers(T* numbers, std::size_t count) {
+    std::array<T, detail::kNumbersAtOnce> stored;
+    while (count > 0 && IsUsable()) {
+      const std::size_t wanted = std::min(count, stored.size());
+      const std::size_t got = std::fread(stored.data(), sizeof(T), wanted, m_file);
+      numbers =
+          std::transform(stored.data(), stored.data() + got, numbers, detail::LittleEndian<T>);
+      if (got < wanted) FailTransfer();
+      count -= got;
+    }
   }
   // Any number but 0 is true.
   ifpstream& operator>>(bool& value) {
@@ -263,6 +300,10 @@ class ofpstream : public detail::FileStreamBase {
   ofpstream(const WChar* path, short version, WString name, int narrowText, int mode)
       : FileStreamBase(path, mode, version, name), m_narrowText(narrowText) {
     if (m_state != 0) return;
+    if (detail::OpensEmpty(mode)) {
+      WriteHeader();
+      return;
+    }
     const long position = Tell();
     Seek(0, SEEK_END);
     const long size = Tell();
@@ -283,6 +324,18 @@ class ofpstream : public detail::FileStreamBase {
     const T stored = detail::LittleEndian(number);
     WriteBytes(&stored, sizeof stored);
     return *this;
+  }
+  // The same for each of several numbers, in fewer calls.
+  template <StreamNumber T>
+  void WriteNumbers(const T* numbers, std::size_t count) {
+    std::array<T, detail::kNumbersAtOnce> stored;
+    while (count > 0 && IsUsable()) {
+      const std::size_t piece = std::min(count, stored.size());
+      std::transform(numbers, numbers + piece, stored.data(), detail::LittleEndian<T>);
+      WriteBytes(stored.data(), piece * sizeof(T));
+      numbers += piece;
+      count -= piece;
+    }
   }
   ofpstream& operator<<(std::same_as<bool> auto value) { return *this << (value ? 1 : 0); }
   // A narrow text that the locale can't express is stored empty.

@@ -164,10 +164,11 @@ WString StringDaDouble(double v, int width, int dec) {
   if (length < 0) length = kelp::detail::Format(text, kNumberRoom, point, KTEXT("%.*f"), dec, v);
   if (length < 0 || width >= kNumberRoom) return WString();
   if (width > length) {
-    std::copy_backward(text, text + length + 1, text + width + 1);
+    std::copy_backward(text, text + length, text + width);
     std::fill_n(text, width - length, KTEXT(' '));
+    length = width;
   }
-  return WString(text);
+  return kelp::detail::TextOf(text, length);
 }
 
 WString StringDaDoubleConZeri(double v, int width, int dec) {

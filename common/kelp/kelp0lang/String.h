@@ -67,6 +67,9 @@ inline WChar* EmptyBuffer<WChar>() noexcept {
   return &emptyWide.terminator;
 }
 
+// Text of length units, which needn't be terminated; for the library itself, where it has counted.
+WString TextOf(const WChar* units, int length);
+
 // Gives a block back to the heap that it came from.
 KELP0LANG_API void FreeText(TextHeader* header) noexcept;
 
@@ -382,6 +385,7 @@ class KELP0LANG_API WString : public detail::BasicText<WString, WChar> {
  private:
   friend class detail::BasicText<WString, WChar>;
   friend class String;
+  friend WString detail::TextOf(const WChar*, int);
   friend KELP0LANG_API WString operator+(const WString&, WChar);
   friend KELP0LANG_API WString operator+(const WString&, const WChar*);
   friend KELP0LANG_API WString operator+(WChar, const WString&);

@@ -1,5 +1,5 @@
-// What angle forms and feet-and-inch values share: rounding to whole counts, and the digit runs of
-// a text; internal to the library.
+// What angle forms and feet-and-inch values share: rounding to whole counts, writing these, and the
+// digit runs of a text; internal to the library.
 #pragma once
 
 #include <algorithm>
@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "kelp0lang/Digits.h"
 #include "kelp0lang/String.h"
 
 namespace kelp::detail {
@@ -20,7 +21,9 @@ inline std::int64_t RoundToCount(double value) {
   constexpr auto kLimit = static_cast<double>(kMaxCount);
   if (std::isnan(value)) return 0;
   if (std::fabs(value) >= kLimit) return value < 0 ? -kMaxCount : kMaxCount;
-  return static_cast<std::int64_t>(std::floor(value + 0.5));
+  const double shifted = value + 0.5;
+  const auto truncated = static_cast<std::int64_t>(shifted);
+  return truncated - (static_cast<double>(truncated) > shifted);
 }
 
 // The nearest value that 32 bits hold.
@@ -35,6 +38,48 @@ inline std::int32_t ToInt32(double value) {
   if (std::isnan(value)) return 0;
   return static_cast<std::int32_t>(std::clamp<double>(value, Limits::min(), Limits::max()));
 }
+
+// Writes into a buffer that the caller knows to be large enough, by eight units more than the text.
+class TextWriter {
+ public:
+  explicit TextWriter(WChar* text) : m_begin(text), m_end(text) {}
+
+  void Put(WChar unit) { *m_end++ = unit; }
+  void Zeros(int count) { m_end = std::fill_n(m_end, std::max(count, 0), KTEXT('0')); }
+  // A number below 100, with as many digits as it has, or two.
+  void Small(int value) {
+    const WChar* const pair = &kDigitPairs<WChar>[static_cast<std::size_t>(value) * 2];
+    const int two = value >= 10;
+    m_end[0] = pair[1 - two];
+    m_end[1] = pair[1];
+    m_end += 1 + two;
+  }
+  void TwoDigits(int value) { Digits(static_cast<std::uint64_t>(value), 2); }
+  // With zeros in front up to count digits, which suffice.
+  void Digits(std::uint64_t value, int count) {
+    WriteDigits(m_end, value, count);
+    m_end += count;
+  }
+  // A number that isn't negative.
+  void Number(std::int64_t value) {
+    const auto magnitude = static_cast<std::uint64_t>(value);
+    const int count = CountDigits(magnitude);
+    if (count > kAhead) return Digits(magnitude, count);
+    // As many digits each time, so that no branch depends on their number.
+    WChar text[2 * kAhead] = {};
+    WriteDigits(text, magnitude, kAhead);
+    std::memcpy(m_end, text + kAhead - count, kAhead * sizeof(WChar));
+    m_end += count;
+  }
+
+  WString Text() const { return TextOf(m_begin, static_cast<int>(m_end - m_begin)); }
+
+ private:
+  static constexpr int kAhead = 8;
+
+  WChar* const m_begin;
+  WChar* m_end;
+};
 
 // Digits in a row.
 struct DigitRun {

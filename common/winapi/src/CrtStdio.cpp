@@ -148,15 +148,22 @@ int GetCharacter(std::FILE* stream, char (&bytes)[MB_LEN_MAX + 1]) {
 std::FILE* _wfopen(const char16_t* path, const char16_t* mode) {
   Mode wanted;
   if (path == nullptr || mode == nullptr || !ReadMode(mode, wanted)) return Refuse(EINVAL);
-  const std::string posix = ToPosixPath(path);
+  // What isn't made by opening it is most often found at once.
+  const bool exists = wanted.posix[0] == 'r';
+  std::string posix = exists ? ToPosixPathAsGiven(path) : ToPosixPath(path);
   if (posix.empty()) return Refuse(GetLastError() == ERROR_INVALID_NAME ? EINVAL : ENOENT);
-  std::FILE* const file = std::fopen(posix.c_str(), wanted.posix.c_str());
+  std::FILE* file = std::fopen(posix.c_str(), wanted.posix.c_str());
+  if (file == nullptr && exists && errno == ENOENT) {
+    posix = ToPosixPath(path);
+    file = std::fopen(posix.c_str(), wanted.posix.c_str());
+  }
   if (file == nullptr) {
     const int error = errno;
     SetFileError(error, posix);
     return Refuse(error == EISDIR ? EACCES : error);
   }
-  if (IsFolder(file)) {
+  // Only for reading can a folder be opened.
+  if (exists && IsFolder(file)) {
     std::fclose(file);
     SetLastError(ERROR_ACCESS_DENIED);
     return Refuse(EACCES);

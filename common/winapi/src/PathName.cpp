@@ -9,14 +9,18 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <memory>
-#include <vector>
+#include <utility>
 
 #include "Drive.h"
 
 std::string ToUtf8(std::u16string_view text) {
+  char16_t bits = 0;
+  for (const char16_t unit : text) bits |= unit;
+  if (bits < 0x80) return {text.begin(), text.end()};
   std::string bytes(3 * text.size(), '\0');
   bytes.resize(WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
                                    bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr));
@@ -86,14 +90,13 @@ std::u16string TakeBase(std::u16string_view& path) {
   return base;
 }
 
-std::vector<std::u16string_view> SplitParts(std::u16string_view path) {
-  std::vector<std::u16string_view> parts;
-  while (!path.empty()) {
-    const std::size_t end = std::min(path.find_first_of(u"\\/"), path.size());
-    if (end != 0) parts.push_back(path.substr(0, end));
-    path.remove_prefix(std::min(end + 1, path.size()));
-  }
-  return parts;
+// Takes what stands before the next separator off a path, and the separator.
+std::u16string_view TakePart(std::u16string_view& path) {
+  const auto end = std::find_if(path.begin(), path.end(), IsSeparator);
+  const auto size = static_cast<std::size_t>(end - path.begin());
+  const std::u16string_view part = path.substr(0, size);
+  path.remove_prefix(std::min(size + 1, path.size()));
+  return part;
 }
 
 // A name without the points and blanks at its end.
@@ -102,8 +105,24 @@ std::u16string_view WithoutTail(std::u16string_view name) {
   return name.substr(0, last == name.npos ? 0 : last + 1);
 }
 
-bool IsForbidden(char16_t unit) {
-  return unit < 0x20 || std::u16string_view(u"<>:\"|?*").find(unit) != std::u16string_view::npos;
+// What stands for each byte of a path in that of POSIX; 0 for what no name holds.
+constexpr auto kPosixBytes = [] {
+  std::array<char, 0x100> bytes{};
+  for (std::size_t i = 0x20; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i);
+  for (const char unit : {'<', '>', ':', '"', '|', '?', '*'})
+    bytes[static_cast<unsigned char>(unit)] = 0;
+  bytes['\\'] = '/';
+  return bytes;
+}();
+
+// Gives false for a path with a name that can't be.
+bool ToPosixBytes(std::string& path) {
+  bool good = true;
+  for (char& byte : path) {
+    byte = kPosixBytes[static_cast<unsigned char>(byte)];
+    good &= byte != 0;
+  }
+  return good;
 }
 
 bool Exists(const std::string& path) {
@@ -129,29 +148,30 @@ std::string FindEntry(const std::string& folder, std::u16string_view name) {
   return {};
 }
 
-// Adds parts to a folder, each as it is on the disk.
-std::string Descend(const std::string& root, const std::vector<std::u16string_view>& parts) {
-  std::string asGiven = root;
-  for (const std::u16string_view part : parts) asGiven += '/' + ToUtf8(part);
-  if (Exists(asGiven)) return asGiven;
+// A path below a root with each name as it is on the disk, as far as one is there.
+std::string OnDisk(const std::string& asGiven, std::size_t rootSize) {
+  std::size_t done = asGiven.size();
+  while (done > rootSize && !Exists(asGiven.substr(0, done))) done = asGiven.rfind('/', done - 1);
 
-  std::string path = root;
+  std::string path = asGiven.substr(0, done);
   bool missing = false;
-  for (const std::u16string_view part : parts) {
-    const std::string name = ToUtf8(part);
+  while (done < asGiven.size()) {
+    const std::size_t end = std::min(asGiven.find('/', done + 1), asGiven.size());
+    const std::string name = asGiven.substr(done + 1, end - done - 1);
     std::string entry;
     if (!missing && !Exists(path + '/' + name)) {
-      entry = FindEntry(path + '/', part);
+      entry = FindEntry(path + '/', FromUtf8(name));
       missing = entry.empty();
     }
     path += '/' + (entry.empty() ? name : entry);
+    done = end;
   }
   return path;
 }
 
-std::string Refuse(DWORD error) {
+bool Refuse(DWORD error) {
   SetLastError(error);
-  return {};
+  return false;
 }
 
 }  // namespace
@@ -159,9 +179,11 @@ std::string Refuse(DWORD error) {
 std::u16string FullPath(std::u16string_view path) {
   path = WithoutDevicePrefix(path);
   std::u16string full = TakeBase(path);
+  full.reserve(full.size() + path.size() + 1);
   const bool isFolder = !path.empty() && IsSeparator(path.back());
   const std::size_t rootSize = full.starts_with(u"\\\\") ? 2 : 3;
-  for (std::u16string_view part : SplitParts(path)) {
+  while (!path.empty()) {
+    std::u16string_view part = TakePart(path);
     if (part == u".") continue;
     if (part == u"..") {
       const std::size_t parent = full.find_last_of('\\');
@@ -177,16 +199,49 @@ std::u16string FullPath(std::u16string_view path) {
   return full;
 }
 
-std::string ToPosixPath(const char16_t* path) {
+namespace {
+
+// The file behind a path with the names as they are given. What stands before rootSize is that of
+// the drive; a separator at the end is left out.
+struct GivenPath {
+  std::string posix;
+  std::size_t rootSize;
+  bool endsInSeparator;
+};
+
+bool ReadPath(const char16_t* path, GivenPath& given) {
   if (path == nullptr || *path == 0) return Refuse(ERROR_PATH_NOT_FOUND);
   const std::u16string full = FullPath(path);
   if (!StartsWithDrive(full)) return Refuse(ERROR_PATH_NOT_FOUND);
-  if (std::any_of(full.begin() + 2, full.end(), IsForbidden)) return Refuse(ERROR_INVALID_NAME);
+  std::u16string_view names = std::u16string_view(full).substr(2);
+  given.endsInSeparator = names.back() == '\\';
+  names.remove_suffix(given.endsInSeparator);
+  given.posix = ToUtf8(names);
+  if (!ToPosixBytes(given.posix)) return Refuse(ERROR_INVALID_NAME);
   std::string root;
   if (!FindDrive(full[0], root)) return Refuse(ERROR_PATH_NOT_FOUND);
-  std::string posix = Descend(root, SplitParts(std::u16string_view(full).substr(2)));
-  if (posix.empty() || full.back() == '\\') posix += '/';
+  given.rootSize = root.size();
+  given.posix.insert(0, root);
+  return true;
+}
+
+std::string WithSeparator(std::string posix, const GivenPath& given) {
+  if (posix.empty() || given.endsInSeparator) posix += '/';
   return posix;
+}
+
+}  // namespace
+
+std::string ToPosixPath(const char16_t* path) {
+  GivenPath given;
+  if (!ReadPath(path, given)) return {};
+  return WithSeparator(OnDisk(given.posix, given.rootSize), given);
+}
+
+std::string ToPosixPathAsGiven(const char16_t* path) {
+  GivenPath given;
+  if (!ReadPath(path, given)) return {};
+  return WithSeparator(std::move(given.posix), given);
 }
 
 std::u16string FromPosixPath(std::string_view path) {

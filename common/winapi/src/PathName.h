@@ -25,6 +25,8 @@ std::u16string FullPath(std::u16string_view path);
 // most in case; what isn't there stays as it is. A separator at the end stays. A path that can't
 // have a file (empty, unknown drive, forbidden characters) gives empty text and the last error.
 std::string ToPosixPath(const char16_t* path);
+// The same without a look at the disk: the file, if the path is written as on the disk.
+std::string ToPosixPathAsGiven(const char16_t* path);
 // The Windows form of an absolute POSIX path.
 std::u16string FromPosixPath(std::string_view path);
 
