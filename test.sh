@@ -46,6 +46,9 @@ run_windows() {
   export WINEPREFIX=$root/build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
   start_display
   [ -f "$WINEPREFIX/system.reg" ] || /usr/lib/wine/wine64 wineboot --init >&2
+  # Some files of the library have their place on D:.
+  mkdir -p "$WINEPREFIX/drive_d"
+  ln -sfn ../drive_d "$WINEPREFIX/dosdevices/d:"
   ctest --preset windows
 }
 

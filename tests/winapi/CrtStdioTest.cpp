@@ -104,6 +104,33 @@ TEST(CrtStdio, TextStreamsTranslateLineEndsAndKnowTheirPosition) {
   EXPECT_EQ(folder.Read("out.txt"), "a\n");
 }
 
+// The bytes of a file after text was written to it in a mode.
+std::string AfterWriting(const TempFolder& folder, const WCHAR* mode, const Wide& text) {
+  FILE* const file = _wfopen(folder.Wide(WTEXT("unicode.txt")).c_str(), mode);
+  EXPECT_NE(file, nullptr);
+  if (file == nullptr) return "";
+  EXPECT_GE(fputws(text.c_str(), file), 0);
+  EXPECT_EQ(std::fclose(file), 0);
+  return folder.Read("unicode.txt");
+}
+
+TEST(CrtStdio, UnicodeStreamsHaveAMarkAndWriteAnyText) {
+  const TempFolder folder;
+  const std::string kMark16 = "\xFF\xFE", kMark8 = "\xEF\xBB\xBF";
+  const std::string kLine16 = {'\xAC', '\x20', '\r', '\0', '\n', '\0'};  // of a euro
+  const std::string kLine8 = "\xE2\x82\xAC\r\n";
+  const Wide line = WTEXT("\u20AC\n");
+  EXPECT_EQ(AfterWriting(folder, WTEXT("wt, ccs=UNICODE"), WTEXT("")), kMark16);
+  EXPECT_EQ(AfterWriting(folder, WTEXT("a, ccs=UNICODE"), line), kMark16 + kLine16);
+  EXPECT_EQ(AfterWriting(folder, WTEXT("a, ccs=UNICODE"), line), kMark16 + kLine16 + kLine16);
+  EXPECT_EQ(AfterWriting(folder, WTEXT("a,ccs=utf-8"), line), kMark16 + kLine16 + kLine16 + kLine16)
+      << "the mark decides";
+  EXPECT_EQ(AfterWriting(folder, WTEXT("w,ccs=UTF-8"), line), kMark8 + kLine8);
+  EXPECT_EQ(AfterWriting(folder, WTEXT("a, ccs=UNICODE"), line), kMark8 + kLine8 + kLine8);
+  EXPECT_EQ(AfterWriting(folder, WTEXT("w, ccs=UTF-16LE"), line), kMark16 + kLine16);
+  EXPECT_EQ(AfterWriting(folder, WTEXT("w"), WTEXT("x\n")), "x\r\n") << "no other stream is";
+}
+
 TEST(CrtStdio, OpensByWindowsNames) {
   const TempFolder folder;
   const Wide name = WTEXT("Stra\u00DFe \u00C0.txt");

@@ -29,6 +29,21 @@ TEST(CrtText, ComparesAndFinds) {
   EXPECT_EQ(wcsstr(text, WTEXT(".x")), nullptr);
 }
 
+TEST(CrtText, CopiesWhatFits) {
+  WCHAR text[4] = WTEXT("xyz");
+  EXPECT_EQ(wcscpy_s(text, 4, WTEXT("abc")), 0);
+  EXPECT_EQ(wcscmp(text, WTEXT("abc")), 0);
+#ifndef _WIN32
+  // There the runtime may end the program.
+  EXPECT_EQ(wcscpy_s(text, 3, WTEXT("abc")), ERANGE);
+  EXPECT_EQ(text[0], 0);
+  text[0] = 'x';
+  EXPECT_EQ(wcscpy_s(text, 4, nullptr), EINVAL);
+  EXPECT_EQ(text[0], 0);
+  EXPECT_EQ(wcscpy_s(nullptr, 4, text), EINVAL);
+#endif
+}
+
 TEST(CrtText, FoldsCase) {
   EXPECT_EQ(_stricmp("AbC", "aBc"), 0);
   EXPECT_LT(_stricmp("a", "B"), 0);

@@ -261,6 +261,45 @@ TEST(Path, TheTemporaryFolderEndsInASeparator) {
   EXPECT_TRUE(IsFolder(folder));
 }
 
+Wide CurrentFolder() {
+  WCHAR folder[MAX_PATH] = {};
+  EXPECT_GT(GetCurrentDirectoryW(MAX_PATH, folder), 0u);
+  return folder;
+}
+
+TEST(Path, TheCurrentFolderChanges) {
+  const TempFolder folder;
+  std::filesystem::create_directory(folder.Path() / "Inner");
+  folder.Write("file.txt", "");
+  const Wide before = CurrentFolder();
+  const Wide inner = folder.Wide(WTEXT("Inner"));
+  EXPECT_EQ(ErrorOf(SetCurrentDirectoryW(folder.Wide(WTEXT("none")).c_str())),
+            static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+  EXPECT_EQ(ErrorOf(SetCurrentDirectoryW(folder.Wide(WTEXT("file.txt")).c_str())),
+            static_cast<DWORD>(ERROR_DIRECTORY));
+  EXPECT_EQ(CurrentFolder(), before);
+  ASSERT_TRUE(SetCurrentDirectoryW(inner.c_str()));
+  EXPECT_EQ(CurrentFolder(), FullPathOf(inner.c_str()));
+  EXPECT_TRUE(SetCurrentDirectoryW(WTEXT("..")));
+  EXPECT_TRUE(IsFolder(WTEXT("inner")));
+
+  // Wine keeps the definition of a drive, but doesn't look files up by it.
+  if (!UnderWine()) {
+    ASSERT_TRUE(DefineDosDeviceW(0, WTEXT("Q:"), folder.Wide().c_str()));
+    EXPECT_TRUE(SetCurrentDirectoryW(WTEXT("Q:\\Inner")));
+    EXPECT_EQ(CurrentFolder(), WTEXT("Q:\\Inner"));
+    EXPECT_EQ(FullPathOf(WTEXT("x")), WTEXT("Q:\\Inner\\x"));
+    EXPECT_EQ(FullPathOf(WTEXT("/x")), WTEXT("Q:\\x"));
+    EXPECT_EQ(FullPathOf(WTEXT("C:/x")), WTEXT("C:\\x"));
+    EXPECT_TRUE(SetCurrentDirectoryW(WTEXT("\\")));
+    EXPECT_EQ(CurrentFolder(), WTEXT("Q:\\"));
+    EXPECT_EQ(FullPathOf(WTEXT("x")), WTEXT("Q:\\x"));
+    EXPECT_TRUE(SetCurrentDirectoryW(before.c_str()));
+    EXPECT_TRUE(DefineDosDeviceW(DDD_REMOVE_DEFINITION, WTEXT("Q:"), nullptr));
+  }
+  EXPECT_TRUE(SetCurrentDirectoryW(before.c_str()));
+}
+
 TEST(Drive, AFolderStandsAsADriveWhileDefined) {
   const TempFolder folder;
   std::filesystem::create_directory(folder.Path() / "Inner");

@@ -4,6 +4,7 @@
 #include "kelp0lang/CriticalSec.h"
 #include "kelp0lang/LocalTimeComputer.h"
 #include "kelp0lang/LocaleFree.h"
+#include "kelp0lang/ReportLog.h"
 #include "kelp0lang/Singleton.h"
 #include "kelp0lang/StringLoader.h"
 
@@ -16,6 +17,7 @@ namespace {
     CGlobalLocalTimeComputer::GetInstance();
 CStringLoader globalStringLoader;
 CCriticalSec globalCritSection;
+CCriticalSec reportLogSection;
 
 // Behind the construction of all static objects, and before their destruction.
 void Attach() {
@@ -35,6 +37,10 @@ CStringLoader& GetGlobalStringLoader() {
 
 CCriticalSec& CCriticalSec::GetGlobalCritSection() {
   return globalCritSection;
+}
+
+CCriticalSec& detail::GetReportLogSection() {
+  return reportLogSection;
 }
 
 }  // namespace kelp

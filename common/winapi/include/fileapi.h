@@ -37,6 +37,9 @@ WINAPI_EXPORT DWORD WINAPI GetShortPathNameW(LPCWSTR path, LPWSTR shortPath, DWO
 // The folder of TMPDIR, or /tmp, with a separator at its end.
 WINAPI_EXPORT DWORD WINAPI GetTempPathW(DWORD size, LPWSTR buffer);
 
+// The current folder is that of the whole process. A path without a drive goes by its drive.
+WINAPI_EXPORT BOOL WINAPI SetCurrentDirectoryW(LPCWSTR path);
+
 // Makes a folder stand as a drive ("X:"), on top of what the letter stood for, or takes the topmost
 // definition away again; with a target, the topmost one of that target. C: can't be changed.
 #define DDD_RAW_TARGET_PATH 0x00000001

@@ -24,6 +24,11 @@ WINAPI_EXPORT const char16_t* wcschr(const char16_t* text, char16_t unit);
 WINAPI_EXPORT const char16_t* wcsrchr(const char16_t* text, char16_t unit);
 WINAPI_EXPORT const char16_t* wcsstr(const char16_t* text, const char16_t* wanted);
 
+// Copies text into a buffer of size units. Text that doesn't fit (ERANGE) and null (EINVAL) leave
+// the empty text in it.
+typedef int errno_t;
+WINAPI_EXPORT errno_t wcscpy_s(char16_t* target, size_t size, const char16_t* source);
+
 // Without regard to case, both texts as lower case.
 WINAPI_EXPORT int _stricmp(const char* a, const char* b);
 WINAPI_EXPORT int _strnicmp(const char* a, const char* b, size_t count);
@@ -72,11 +77,15 @@ WINAPI_EXPORT void _lock_file(FILE* file);
 WINAPI_EXPORT void _unlock_file(FILE* file);
 
 // Streams. A path is one of Windows (fileapi.h); the mode is r, w or a with +, b, t, x, N, and the
-// hints n, S, R, T. Anything else, ccs among it, fails with EINVAL.
+// hints n, S, R, T. Anything else fails with EINVAL.
 //
 // Without b the stream is one of text, as there: a line feed is written as carriage return and line
 // feed and read back as one, and Ctrl-Z ends what is read. Text streams are written through to the
 // system at once and have no file descriptor.
+//
+// A text stream that only writes may name its encoding: "w, ccs=" and UNICODE, UTF-16LE (the same)
+// or UTF-8. A new or empty file gets a byte-order mark; one that has a mark is gone on with in its
+// encoding. Such a stream takes wide text only.
 WINAPI_EXPORT FILE* _wfopen(const char16_t* path, const char16_t* mode);
 // Up to size - 1 units, or up to and including a line feed, of multibyte text of the locale, from a
 // stream of any kind. Null, and buffer as it was or cut short, at the end, for an error of the

@@ -15,6 +15,7 @@ typedef uint32_t ULONG;
 typedef uint64_t ULONGLONG;
 typedef unsigned int UINT;
 typedef uintptr_t ULONG_PTR;
+typedef ULONG_PTR SIZE_T;
 typedef void* LPVOID;
 
 typedef char16_t WCHAR;
@@ -36,6 +37,7 @@ typedef LONG_PTR LPARAM;
 typedef LONG_PTR LRESULT;
 typedef WORD ATOM;
 typedef DWORD* LPDWORD;
+typedef LONG* LPLONG;
 typedef struct HWND__* HWND;
 typedef struct HMENU__* HMENU;
 typedef struct HICON__* HICON;

@@ -3,6 +3,7 @@
 
 #include "errhandlingapi.h"
 #include "fileapi.h"
+#include "handleapi.h"
 #include "libloaderapi.h"
 #include "processthreadsapi.h"
 #include "stringapiset.h"

@@ -13,6 +13,7 @@
 #include <string_view>
 
 #include "PathName.h"
+#include "UnicodeStream.h"
 
 namespace {
 
@@ -80,7 +81,24 @@ std::FILE* AsText(std::FILE* inner, const char* mode) {
 struct Mode {
   std::string posix;
   bool text = true;
+  Encoding encoding = Encoding::kLocale;
 };
+
+// The encoding behind the comma of a mode, where one may be named for what only writes.
+bool ReadEncoding(const char16_t* text, Mode& result) {
+  constexpr struct {
+    const char16_t* name;
+    Encoding encoding;
+  } kEncodings[] = {{u"ccs=UNICODE", Encoding::kUtf16},
+                    {u"ccs=UTF-16LE", Encoding::kUtf16},
+                    {u"ccs=UTF-8", Encoding::kUtf8}};
+  while (*text == ' ') ++text;
+  for (const auto& [name, encoding] : kEncodings) {
+    if (_wcsicmp(text, name) == 0) result.encoding = encoding;
+  }
+  return result.encoding != Encoding::kLocale && result.text && result.posix[0] != 'r' &&
+         result.posix.find('+') == std::string::npos;
+}
 
 bool ReadMode(const char16_t* mode, Mode& result) {
   if (*mode != 'r' && *mode != 'w' && *mode != 'a') return false;
@@ -108,6 +126,8 @@ bool ReadMode(const char16_t* mode, Mode& result) {
       case '+':
       case ' ':
         break;
+      case ',':
+        return ReadEncoding(mode + 1, result);
       default:
         return false;
     }
@@ -168,6 +188,7 @@ std::FILE* _wfopen(const char16_t* path, const char16_t* mode) {
     SetLastError(ERROR_ACCESS_DENIED);
     return Refuse(EACCES);
   }
+  if (wanted.encoding != Encoding::kLocale) return AsUnicode(file, posix, wanted.encoding);
   return wanted.text ? AsText(file, wanted.posix.c_str()) : file;
 }
 

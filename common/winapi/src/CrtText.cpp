@@ -82,6 +82,17 @@ std::size_t wcslen(const char16_t* text) {
   return std::char_traits<char16_t>::length(text);
 }
 
+errno_t wcscpy_s(char16_t* target, std::size_t size, const char16_t* source) {
+  if (target == nullptr || size == 0) return errno = EINVAL;
+  const std::size_t length = source == nullptr ? size : wcslen(source);
+  if (length >= size) {
+    *target = 0;
+    return errno = source == nullptr ? EINVAL : ERANGE;
+  }
+  std::copy_n(source, length + 1, target);
+  return 0;
+}
+
 int wcscmp(const char16_t* a, const char16_t* b) {
   return wcsncmp(a, b, SIZE_MAX);
 }

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <atomic>
 #include <mutex>
 #include <string_view>
 #include <vector>
@@ -19,6 +20,7 @@ int IndexOf(char16_t letter) {
 }
 
 std::mutex mutex;
+constinit std::atomic<char16_t> currentDrive = u'C';
 
 // What stands as each drive, the topmost definition last. Never freed, so that paths work as long
 // as the process does.
@@ -55,6 +57,14 @@ bool FindDrive(char16_t letter, std::string& root) {
   if (definitions.empty()) return false;
   root = definitions.back();
   return true;
+}
+
+char16_t CurrentDrive() {
+  return currentDrive;
+}
+
+void SetCurrentDrive(char16_t letter) {
+  currentDrive = letter;
 }
 
 BOOL WINAPI DefineDosDeviceW(DWORD flags, LPCWSTR device, LPCWSTR target) {

@@ -5,15 +5,30 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "Drive.h"
 #include "PathName.h"
 
 DWORD WINAPI GetCurrentDirectoryW(DWORD size, LPWSTR buffer) {
-  char folder[PATH_MAX];
-  if (getcwd(folder, sizeof(folder)) == nullptr) {
-    SetFileError(errno, "");
-    return 0;
+  const std::u16string folder = CurrentFolder();
+  if (!folder.empty()) return GiveText(folder, size, buffer);
+  SetFileError(errno, "");
+  return 0;
+}
+
+BOOL WINAPI SetCurrentDirectoryW(LPCWSTR path) {
+  const std::string posix = ToPosixPath(path);
+  if (posix.empty()) return FALSE;
+  const char16_t drive = FullPath(path)[0];
+  if (chdir(posix.c_str()) != 0) {
+    if (errno == ENOTDIR && access(posix.c_str(), F_OK) == 0) {
+      SetLastError(ERROR_DIRECTORY);
+    } else {
+      SetFileError(errno, posix);
+    }
+    return FALSE;
   }
-  return GiveText(FromPosixPath(folder), size, buffer);
+  SetCurrentDrive(drive);
+  return TRUE;
 }
 
 DWORD WINAPI GetFullPathNameW(LPCWSTR path, DWORD size, LPWSTR buffer, LPWSTR* filePart) {

@@ -67,26 +67,23 @@ std::u16string_view WithoutDevicePrefix(std::u16string_view path) {
   return path;
 }
 
-std::u16string CurrentFolder() {
-  char folder[PATH_MAX];
-  return FromPosixPath(getcwd(folder, sizeof(folder)) == nullptr ? "/" : folder);
-}
-
 // What stands before the parts of a path: "X:\", "\\", or the current folder. Takes the drive off
 // the path.
 std::u16string TakeBase(std::u16string_view& path) {
-  char16_t drive = 'C';
-  const bool named = StartsWithDrive(path);
-  if (named) {
+  char16_t drive = 0;
+  if (StartsWithDrive(path)) {
     drive = path[0];
     path.remove_prefix(2);
+    if (StartsWithSeparator(path)) return {drive, ':', '\\'};
   } else if (path.size() >= 2 && IsSeparator(path[0]) && IsSeparator(path[1])) {
     return u"\\\\";
   }
-  // Only C: has a current folder; on another drive it is the root.
-  const bool relative = !StartsWithSeparator(path) && (drive | 0x20) == 'c';
-  std::u16string base = relative ? CurrentFolder() : std::u16string{drive, ':', '\\'};
-  if (named) base[0] = drive;
+  std::u16string base = CurrentFolder();
+  if (base.empty()) base = u"C:\\";
+  if (drive == 0) drive = base[0];
+  // Only the current drive has a current folder; on another it is the root.
+  if (StartsWithSeparator(path) || (drive | 0x20) != (base[0] | 0x20)) base = u"?:\\";
+  base[0] = drive;
   return base;
 }
 
@@ -175,6 +172,24 @@ bool Refuse(DWORD error) {
 }
 
 }  // namespace
+
+std::u16string CurrentFolder() {
+  char folder[PATH_MAX];
+  if (getcwd(folder, sizeof(folder)) == nullptr) return {};
+  // The program may have gone elsewhere since, without the layer.
+  char root[PATH_MAX] = "";
+  std::string definition;
+  const char16_t drive = CurrentDrive();
+  const bool isDefined = FindDrive(drive, definition) && !definition.empty() &&
+                         realpath(definition.c_str(), root) != nullptr;
+  const std::size_t rootSize = std::strlen(root);
+  if (!isDefined || std::strncmp(folder, root, rootSize) != 0) return FromPosixPath(folder);
+  if (folder[rootSize] != 0 && folder[rootSize] != '/') return FromPosixPath(folder);
+  std::u16string text = FromPosixPath(folder + rootSize);
+  text[0] = drive;
+  if (text.size() == 2) text += '\\';
+  return text;
+}
 
 std::u16string FullPath(std::u16string_view path) {
   path = WithoutDevicePrefix(path);

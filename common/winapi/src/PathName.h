@@ -17,6 +17,9 @@ inline bool IsSeparator(char16_t unit) {
   return unit == '\\' || unit == '/';
 }
 
+// The current folder, in its Windows form; empty text, and the reason in errno, where it has gone.
+std::u16string CurrentFolder();
+
 // The absolute form of a path by its text alone, "C:\folder\name": without "." and "..", and
 // without the points and blanks that end a name. A separator at the end stays.
 std::u16string FullPath(std::u16string_view path);
