@@ -2,6 +2,10 @@
 
 add_library(kelp_options INTERFACE)
 target_compile_options(kelp_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Werror>)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # gcc 12 sees overlaps within std::string's operator+ that aren't there.
+  target_compile_options(kelp_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
+endif()
 if(KELP_SANITIZE)
   target_compile_options(kelp_options INTERFACE
     -fsanitize=${KELP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

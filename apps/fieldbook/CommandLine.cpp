@@ -21,6 +21,8 @@ constexpr OptionRule kOptions[] = {
     {Option::Csv, KTEXT("--csv"), false},
     {Option::Lat, KTEXT("--lat"), false},
     {Option::Lon, KTEXT("--lon"), false},
+    {Option::Progress, KTEXT("--progress"), false},
+    {Option::Verbose, KTEXT("--verbose"), false},
     {Option::Data, KTEXT("--data"), true},
     {Option::Lang, KTEXT("--lang"), true},
     {Option::Help, KTEXT("--help"), false},

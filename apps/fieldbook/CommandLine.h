@@ -22,8 +22,22 @@ struct Argument {
   std::filesystem::path path;
 };
 
-enum class Option { From, To, Decimals, Denominator, Csv, Lat, Lon, Data, Lang, Help, Version };
-inline constexpr int kOptionCount = 11;
+enum class Option {
+  From,
+  To,
+  Decimals,
+  Denominator,
+  Csv,
+  Lat,
+  Lon,
+  Progress,
+  Verbose,
+  Data,
+  Lang,
+  Help,
+  Version
+};
+inline constexpr int kOptionCount = 13;
 
 class CommandLine {
  public:

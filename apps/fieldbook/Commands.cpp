@@ -45,10 +45,8 @@ void ComplainOfRows(const PointFile& points, const Argument& file, Console& cons
   }
 }
 
-PointFile ReadPointFile(const Argument& file, const LengthUnit& unit, Console& console) {
-  PointFile points = ReadPoints(ReadAll(file), unit);
-  ComplainOfRows(points, file, console);
-  return points;
+void ComplainOfFailure(const WString& what, Console& console) {
+  console.Complain(WString(KTEXT("fieldbook: ")).Concat(what));
 }
 
 WString WithUnit(const WChar* head, const LengthUnit& unit) {

@@ -89,8 +89,8 @@ LengthStyle ChooseLengthStyle(const CommandLine& line);
 
 // Complains of every row that can't be read.
 void ComplainOfRows(const PointFile& points, const Argument& file, Console& console);
-// Reads a points file, and complains of them.
-PointFile ReadPointFile(const Argument& file, const LengthUnit& unit, Console& console);
+// Complains of what ends the program, or of what one of several files can't be read for.
+void ComplainOfFailure(const WString& what, Console& console);
 
 // A head with its unit: "Northing (m)".
 WString WithUnit(const WChar* head, const LengthUnit& unit);

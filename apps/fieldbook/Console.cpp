@@ -1,5 +1,7 @@
 #include "Console.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <fstream>
@@ -15,6 +17,7 @@
 #include <io.h>
 #include <shellapi.h>
 #else
+#include <signal.h>
 #include <unistd.h>
 #endif
 
@@ -22,6 +25,9 @@ namespace fieldbook {
 namespace {
 
 namespace fs = std::filesystem;
+
+std::atomic<bool> g_isInterrupted{false};
+static_assert(std::atomic<bool>::is_always_lock_free);  // a signal handler writes it
 
 #ifdef _WIN32
 
@@ -58,6 +64,23 @@ bool IsBetweenTerminals() {
   return IsTerminal(STD_INPUT_HANDLE) && IsTerminal(STD_OUTPUT_HANDLE);
 }
 
+bool IsErrorTerminal() {
+  return IsTerminal(STD_ERROR_HANDLE);
+}
+
+// Runs on a thread of its own.
+BOOL WINAPI TakeInterrupt(DWORD event) {
+  return event == CTRL_C_EVENT && !g_isInterrupted.exchange(true);
+}
+
+void CatchInterrupts() {
+  SetConsoleCtrlHandler(TakeInterrupt, TRUE);
+}
+
+void ReleaseInterrupts() {
+  SetConsoleCtrlHandler(TakeInterrupt, FALSE);
+}
+
 // A reader that went away shows as EINVAL in this C runtime.
 bool IsQuiet(int error) {
   return error == EPIPE || error == EBADF || error == EINVAL;
@@ -75,6 +98,30 @@ bool IsAnsiTerminal() {
 
 bool IsBetweenTerminals() {
   return isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
+}
+
+bool IsErrorTerminal() {
+  return isatty(STDERR_FILENO) != 0;
+}
+
+struct sigaction g_formerAction;
+
+void TakeInterrupt(int) {
+  g_isInterrupted = true;
+}
+
+// Without SA_RESTART, so that a wait for input ends. A program that was started with the signal
+// ignored, in the background, goes on ignoring it.
+void CatchInterrupts() {
+  struct sigaction action = {};
+  action.sa_handler = TakeInterrupt;
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
+  sigaction(SIGINT, nullptr, &g_formerAction);
+  if (g_formerAction.sa_handler != SIG_IGN) sigaction(SIGINT, &action, nullptr);
+}
+
+void ReleaseInterrupts() {
+  sigaction(SIGINT, &g_formerAction, nullptr);
 }
 
 bool IsQuiet(int error) {
@@ -121,12 +168,15 @@ std::ifstream Open(const Argument& file) {
   return stream;
 }
 
-std::string ReadStream(std::istream& stream, const Argument& file) {
+std::string ReadStream(std::istream& stream, const Argument& file, std::uintmax_t size,
+                       const Watch& watch) {
   std::string content;
   char part[1 << 16];
   errno = 0;
   while (stream.read(part, sizeof part), stream.gcount() > 0) {
     content.append(part, static_cast<std::size_t>(stream.gcount()));
+    if (watch)
+      watch(size == 0 ? 0 : static_cast<double>(content.size()) / static_cast<double>(size));
   }
   if (stream.bad()) FailOn(file, errno != 0 ? errno : EIO);
   return content;
@@ -185,6 +235,7 @@ Console::Console() {
   SetUpStreams();
   m_hasColour = WantsColour() && IsAnsiTerminal();
   m_isInteractive = IsBetweenTerminals();
+  m_isStatusTerminal = IsErrorTerminal();
 }
 
 Console::~Console() {
@@ -256,6 +307,22 @@ void Console::Complain(const WString& text) {
   std::fwrite(utf8.c_str(), 1, utf8.length(), stderr);
 }
 
+void Console::PrintStatus(const WString& text) {
+  if (!m_isStatusTerminal) return Complain(text);
+  const int columns = DisplayColumns(text);
+  const auto rest = static_cast<std::size_t>(std::max(0, m_statusColumns - columns));
+  m_statusColumns = columns;
+  const std::string line = '\r' + std::string(text.ToUtf8().c_str()) + std::string(rest, ' ');
+  std::fwrite(line.data(), 1, line.size(), stderr);
+  std::fflush(stderr);
+}
+
+void Console::EraseStatus() {
+  if (m_statusColumns == 0) return;
+  PrintStatus(WString());
+  std::fputc('\r', stderr);
+}
+
 void Console::Flush() {
   errno = 0;
   if (std::fflush(stdout) != 0 && !IsOutputLost()) m_outputError = errno != 0 ? errno : EIO;
@@ -263,14 +330,29 @@ void Console::Flush() {
   throw Failure({KTEXT("can't write the output: {1}"), {WordsFor(m_outputError)}});
 }
 
-std::string ReadAll(const Argument& file) {
+InterruptScope::InterruptScope() {
+  g_isInterrupted = false;
+  CatchInterrupts();
+}
+
+InterruptScope::~InterruptScope() {
+  ReleaseInterrupts();
+}
+
+bool InterruptScope::IsInterrupted() const {
+  return g_isInterrupted;
+}
+
+std::string ReadAll(const Argument& file, const Watch& watch) {
   if (file.text == WString(KTEXT("-"))) {
-    std::string content = ReadStream(std::cin, file);
+    std::string content = ReadStream(std::cin, file, 0, watch);
     RequireInputRead();
     return content;
   }
   std::ifstream stream = Open(file);
-  return ReadStream(stream, file);
+  std::error_code unknown;
+  const std::uintmax_t size = fs::file_size(file.path, unknown);
+  return ReadStream(stream, file, unknown ? 0 : size, watch);
 }
 
 bool ReadInputLine(std::string& line) {

@@ -16,6 +16,8 @@ namespace fieldbook {
 class Failure : public kelp::IException {
  public:
   explicit Failure(const Message& message) : IException(message.Text()) {}
+  // A text that is in the user's language already.
+  explicit Failure(const WString& text) : IException(text) {}
 };
 
 // A command line that asks for something that can't be done.
@@ -43,6 +45,12 @@ class Console {
   // A line on standard error.
   void Complain(const WString& text);
 
+  // A line on standard error that tells how things stand. On a terminal the next one takes its
+  // place, and EraseStatus takes it away.
+  void PrintStatus(const WString& text);
+  void EraseStatus();
+  bool IsStatusTerminal() const { return m_isStatusTerminal; }
+
   // Whether bold may be used on standard output: it is a terminal that knows the ANSI sequences,
   // and the user hasn't set NO_COLOR.
   bool HasColour() const { return m_hasColour; }
@@ -57,11 +65,26 @@ class Console {
  private:
   bool m_hasColour = false;
   bool m_isInteractive = false;
+  bool m_isStatusTerminal = false;
+  int m_statusColumns = 0;
   int m_outputError = 0;  // errno
 };
 
-// The content of a file, or of standard input for "-". Throws Failure.
-std::string ReadAll(const Argument& file);
+// While the object lives Ctrl-C ends nothing, but is told; a second one ends the program as usual.
+// There is one object at a time.
+class InterruptScope {
+ public:
+  InterruptScope();
+  ~InterruptScope();
+  InterruptScope(const InterruptScope&) = delete;
+  InterruptScope& operator=(const InterruptScope&) = delete;
+
+  bool IsInterrupted() const;
+};
+
+// The content of a file, or of standard input for "-". The watch hears how far a file
+// is; of what has no size it hears 0. Throws Failure.
+std::string ReadAll(const Argument& file, const Watch& watch = {});
 // One line of standard input without its line feed; false at the end. Throws Failure.
 bool ReadInputLine(std::string& line);
 // Throws Failure if a file can't be opened for reading.

@@ -3,6 +3,7 @@
 
 #include "AngleText.h"
 #include "Commands.h"
+#include "PointReading.h"
 #include "Table.h"
 #include "kelp0lang/LegacyGeometry.h"
 #include "kelp0lang/Translate.h"
@@ -11,7 +12,7 @@ namespace fieldbook {
 
 const WChar* const kInverseHelp = KTEXT(
     "Usage: fieldbook inverse FILE FROM TO [--from UNIT] [--to UNIT] [--decimals N]\n"
-    "                         [--denominator N]\n"
+    "                         [--denominator N] [--progress] [--verbose]\n"
     "\n"
     "Shows horizontal distance, difference of height and direction from one point\n"
     "of a file to another. The direction counts clockwise from north, in gon and in\n"
@@ -70,6 +71,14 @@ WString DMSText(double gon) {
                   kSecondDecimals);
 }
 
+PointFile ReadOneFile(const CommandLine& line, const LengthUnit& unit, Console& console) {
+  Progress progress(line, console);
+  const Progress::Task reading(progress, KTEXT("reading"), 1);
+  ReadFile file = ReadPointFiles({line.Operands()[0]}, unit, progress).front();
+  if (!file.failure.empty()) throw Failure(file.failure);
+  return std::move(file.points);
+}
+
 }  // namespace
 
 Status InverseCommand(const CommandLine& line, Console& console) {
@@ -80,7 +89,8 @@ Status InverseCommand(const CommandLine& line, Console& console) {
   }
   const LengthUnit& unit = ChooseFileUnit(line);
   const LengthStyle style = ChooseLengthStyle(line);
-  const PointFile file = ReadPointFile(operands[0], unit, console);
+  const PointFile file = ReadOneFile(line, unit, console);
+  ComplainOfRows(file, operands[0], console);
   const Point& from = FindPoint(file, operands[0], operands[1].text);
   const Point& to = FindPoint(file, operands[0], operands[2].text);
 

@@ -15,6 +15,11 @@ constexpr WChar kQuote = KTEXT('"');
 constexpr WChar kBlanks = KTEXT(' ');  // stands for runs of blanks and tabs
 constexpr WChar kSeparators[] = {KTEXT('\t'), KTEXT(';'), KTEXT(','), kBlanks};
 constexpr std::size_t kDescription = 4;  // fields before it
+constexpr double kLinesShare = 0.3;      // of the work, for finding the lines
+
+double Share(std::size_t part, std::size_t whole) {
+  return static_cast<double>(part) / static_cast<double>(whole);
+}
 
 // The fields of a row, the description as the fifth.
 struct Fields {
@@ -196,13 +201,17 @@ WChar FindSeparator(const std::vector<Line>& lines, const LengthUnit& unit) {
 
 // Gives the lines that should be rows. Empty ones and comments join the others of the file, lines
 // that are too long its faults.
-std::vector<Line> SplitLines(std::string_view bytes, PointFile& file) {
+std::vector<Line> SplitLines(std::string_view bytes, PointFile& file, const Watch& watch) {
   const bool utf8 = IsUtf8(bytes);
   if (utf8) bytes = WithoutMark(bytes);
   if (!bytes.empty() && bytes.back() == '\x1A') bytes.remove_suffix(1);  // end of file in DOS
 
   std::vector<Line> lines;
+  const std::size_t size = bytes.size();
   for (int number = 1; !bytes.empty(); ++number) {
+    if (watch && static_cast<std::size_t>(number) % kWatchedRows == 0) {
+      watch(kLinesShare * Share(size - bytes.size(), size));
+    }
     const std::string_view line = bytes.substr(0, bytes.find('\n'));
     bytes.remove_prefix(std::min(line.size() + 1, bytes.size()));
     if (line.size() > kLongestLine) {
@@ -235,13 +244,18 @@ void SortByLine(std::vector<Entry>& entries) {
 
 }  // namespace
 
-PointFile ReadPoints(const std::string& bytes, const LengthUnit& unit) {
+PointFile ReadPoints(const std::string& bytes, const LengthUnit& unit, const Watch& watch) {
   PointFile file;
-  std::vector<Line> lines = SplitLines(bytes, file);
+  std::vector<Line> lines = SplitLines(bytes, file, watch);
   const WChar separator = FindSeparator(lines, unit);
   TakeHeads(lines, separator, file);
 
+  std::size_t row = 0;
   for (const Line& line : lines) {
+    if (watch && row % kWatchedRows == 0) {
+      watch(kLinesShare + (1 - kLinesShare) * Share(row, lines.size()));
+    }
+    ++row;
     Point point;
     point.line = line.line;
     if (Message fault = ReadRow(line.text, separator, unit, point)) {

@@ -45,7 +45,7 @@ struct PointFile {
   std::vector<RowFault> faults;
 };
 
-// All three lists are in the order of the lines.
-PointFile ReadPoints(const std::string& bytes, const LengthUnit& unit);
+// All three lists are in the order of the lines. The watch hears how far the rows are.
+PointFile ReadPoints(const std::string& bytes, const LengthUnit& unit, const Watch& watch = {});
 
 }  // namespace fieldbook

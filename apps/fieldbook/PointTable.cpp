@@ -46,13 +46,18 @@ std::vector<WString> CoordinateTexts(const Point& point, const LengthUnit& unit,
 }
 
 Table MakePointTable(const std::vector<Point>& points, const LengthUnit& unit,
-                     const PointStyle& style) {
+                     const PointStyle& style, const Watch& watch) {
   Table table({{kelp::Xlate(KTEXT("Point")), Align::Left},
                {style.heads[0], Align::Right},
                {style.heads[1], Align::Right},
                {style.heads[2], Align::Right},
                {kelp::Xlate(KTEXT("Description")), Align::Left}});
+  std::size_t row = 0;
   for (const Point& point : points) {
+    if (watch && row % kWatchedRows == 0) {
+      watch(static_cast<double>(row) / static_cast<double>(points.size()));
+    }
+    ++row;
     const std::vector<WString> texts = CoordinateTexts(point, unit, style);
     table.AddRow({point.name, texts[0], texts[1], texts[2], point.description});
   }

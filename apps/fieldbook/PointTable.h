@@ -24,6 +24,6 @@ std::vector<WString> CoordinateTexts(const Point& point, const LengthUnit& unit,
                                      const PointStyle& style);
 
 Table MakePointTable(const std::vector<Point>& points, const LengthUnit& unit,
-                     const PointStyle& style);
+                     const PointStyle& style, const Watch& watch = {});
 
 }  // namespace fieldbook

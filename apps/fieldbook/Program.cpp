@@ -5,33 +5,37 @@
 #include <new>
 
 #include "Commands.h"
+#include "LocalTime.h"
 #include "kelp0lang/Translate.h"
+#include "kelp0lang/UtcTime.h"
 
 namespace fieldbook {
 namespace {
 
-constexpr unsigned kEverywhere =
-    Bit(Option::Data) | Bit(Option::Lang) | Bit(Option::Help) | Bit(Option::Version);
+constexpr unsigned kEverywhere = Bit(Option::Data) | Bit(Option::Lang) | Bit(Option::Help) |
+                                 Bit(Option::Version) | Bit(Option::Verbose);
 constexpr unsigned kLengthOptions =
     Bit(Option::From) | Bit(Option::To) | Bit(Option::Decimals) | Bit(Option::Denominator);
 
 const Command kCommands[] = {
-    {KTEXT("show"), ShowCommand, kShowHelp, kEverywhere | kLengthOptions | Bit(Option::Csv)},
+    {KTEXT("show"), ShowCommand, kShowHelp,
+     kEverywhere | kLengthOptions | Bit(Option::Csv) | Bit(Option::Progress)},
     {KTEXT("angle"), AngleCommand, kAngleHelp,
      kEverywhere | Bit(Option::From) | Bit(Option::To) | Bit(Option::Decimals) | Bit(Option::Lat) |
          Bit(Option::Lon)},
-    {KTEXT("inverse"), InverseCommand, kInverseHelp, kEverywhere | kLengthOptions},
+    {KTEXT("inverse"), InverseCommand, kInverseHelp,
+     kEverywhere | kLengthOptions | Bit(Option::Progress)},
     {KTEXT("units"), UnitsCommand, kUnitsHelp, kEverywhere},
     {KTEXT("edit"), EditCommand, kEditHelp, kEverywhere | Bit(Option::From)},
 };
 
 const WChar* const kGeneralHelp = KTEXT(
-    "Usage: fieldbook COMMAND ... [--data DIR] [--lang FILE]\n"
+    "Usage: fieldbook COMMAND ... [--data DIR] [--lang FILE] [--verbose]\n"
     "\n"
     "Reads survey points and angles, shows them in the unit that you ask for, and\n"
     "changes points files.\n"
     "\n"
-    "  fieldbook show FILE             the points of a file as a table\n"
+    "  fieldbook show FILE...          the points of files as tables\n"
     "  fieldbook angle VALUE...        angles from one notation into another\n"
     "  fieldbook inverse FILE FROM TO  distance and direction between two points\n"
     "  fieldbook units                 the settings of units\n"
@@ -44,6 +48,7 @@ const WChar* const kGeneralHelp = KTEXT(
     "                                  in your application data\n"
     "  --lang FILE                     texts in another language, out of a gettext\n"
     "                                  catalogue (.po or .mo)\n"
+    "  --verbose                       the local time of the run, on standard error\n"
     "\n"
     "Options may stand anywhere; behind -- nothing is an option. A points file has\n"
     "rows of point, northing, easting, elevation and description.\n"
@@ -114,11 +119,11 @@ Status RunLine(const CommandLine& line, Console& console) {
     return kDone;
   }
   RequireOptionsOf(command, line);
+  if (line.Has(Option::Verbose)) {
+    const WString now = LocalTimeText(kelp::FGetUtcCurTime());
+    console.Complain(Message{KTEXT("started: {1}"), {now}}.Text());
+  }
   return command.run(line, console);
-}
-
-void Complain(const WString& what, Console& console) {
-  console.Complain(WString(KTEXT("fieldbook: ")).Concat(what));
 }
 
 // Where the help is for a line that can't be carried out.
@@ -134,12 +139,12 @@ int RunInLanguage(const CommandLine& line, Console& console) {
     console.Flush();
     return console.IsOutputLost() ? kFailed : status;
   } catch (const UsageFailure& failure) {
-    Complain(failure.GetMsg(), console);
+    ComplainOfFailure(failure.GetMsg(), console);
     Hint(line, console);
   } catch (const Failure& failure) {
-    Complain(failure.GetMsg(), console);
+    ComplainOfFailure(failure.GetMsg(), console);
   } catch (const std::bad_alloc&) {
-    Complain(kelp::Xlate(KTEXT("there isn't enough memory")), console);
+    ComplainOfFailure(kelp::Xlate(KTEXT("there isn't enough memory")), console);
   }
   return kFailed;
 }
@@ -152,7 +157,7 @@ int Run(const std::vector<Argument>& arguments, Console& console) {
     const Language language(line.Value(Option::Lang));
     return RunInLanguage(line, console);
   } catch (const Failure& failure) {
-    Complain(failure.GetMsg(), console);
+    ComplainOfFailure(failure.GetMsg(), console);
     return kFailed;
   }
 }

@@ -2,6 +2,7 @@
 // into what a terminal can show.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,11 @@ struct Message {
   // In the user's language. A translation that can't be filled gives the English text.
   WString Text() const;
 };
+
+// Hears now and then how far a piece of work is, 0 to 1. It may throw to end it.
+using Watch = std::function<void(double fraction)>;
+// Rows between two calls of a watch.
+inline constexpr std::size_t kWatchedRows = 1024;
 
 // Texts longer than this aren't taken in; a file without line ends can be one endless line.
 inline constexpr std::size_t kLongestLine = 1 << 20;

@@ -27,7 +27,7 @@ run_with() {
   printf '\n'
 }
 
-run show points.csv --data settings
+run show points.csv --data settings --progress --verbose
 run units set dist-units us-ft num-coord-dec 2 --data settings
 run_with $'begin "mill stone"\nmove T1 1.5 -2 0\nrename T1 T1a\nend\nundo\nredo\nsave' \
   edit points.csv --data settings

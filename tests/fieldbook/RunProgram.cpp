@@ -9,8 +9,13 @@
 #include <windows.h>
 #else
 #include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <chrono>
+#include <thread>
 #endif
 
 namespace {
@@ -95,8 +100,8 @@ void Redirect(const fs::path& path, int flags, int target) {
   close(file);
 }
 
-int Run(const std::vector<std::string>& arguments, const fs::path& in, const fs::path& out,
-        const fs::path& err) {
+pid_t Start(const std::vector<std::string>& arguments, const fs::path& in, const fs::path& out,
+            const fs::path& err) {
   const std::string program = ProgramPath();
   std::vector<char*> texts = {const_cast<char*>(program.c_str())};
   for (const std::string& argument : arguments)
@@ -110,9 +115,18 @@ int Run(const std::vector<std::string>& arguments, const fs::path& in, const fs:
     execv(program.c_str(), texts.data());
     _exit(127);
   }
+  return child;
+}
+
+int WaitFor(pid_t child) {
   int status = 0;
   waitpid(child, &status, 0);
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+int Run(const std::vector<std::string>& arguments, const fs::path& in, const fs::path& out,
+        const fs::path& err) {
+  return WaitFor(Start(arguments, in, out, err));
 }
 
 #endif
@@ -155,3 +169,22 @@ ProgramResult RunFieldbook(const std::vector<std::string>& arguments, const std:
   const int status = Run(all, in, out, err);
   return {status, output.empty() ? ReadFile(out) : std::string(), ReadFile(err)};
 }
+
+#ifndef _WIN32
+ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
+                                 const std::string& input) {
+  const TempFolder folder;
+  const fs::path in = folder.PathOf("in");
+  const fs::path out = folder.PathOf("out");
+  const fs::path err = folder.PathOf("err");
+  if (mkfifo(in.c_str(), 0600) != 0) throw std::runtime_error("no pipe can be made");
+  const pid_t child = Start(arguments, in, out, err);
+  const int pipe = open(in.c_str(), O_WRONLY);
+  if (write(pipe, input.data(), input.size()) < 0) throw std::runtime_error("nobody reads");
+  while (ReadFile(err).empty()) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  kill(child, SIGINT);
+  close(pipe);
+  const int status = WaitFor(child);
+  return {status, ReadFile(out), ReadFile(err)};
+}
+#endif

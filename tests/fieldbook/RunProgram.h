@@ -32,3 +32,10 @@ struct ProgramResult {
 // takes standard output in place of the result's text.
 ProgramResult RunFieldbook(const std::vector<std::string>& arguments, const std::string& input = "",
                            const std::filesystem::path& output = {});
+
+#ifndef _WIN32
+// Presses Ctrl-C once something stands on standard error; until then standard input is open and
+// gives this text.
+ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
+                                 const std::string& input);
+#endif
