@@ -61,10 +61,10 @@ TEST(Reading, ManyLongFilesComeOutAsOneByOne) {
   for (int file = 0; file < 20; ++file) {
     std::string rows;
     for (int i = 0; i < 50 * (20 - file); ++i) {
-      rows += "P" + std::to_string(file) + "." + std::to_string(i) + "," + std::to_string(i) +
-              ".25,2,3,x\n";
+      rows.append("P").append(std::to_string(file)).append(".").append(std::to_string(i));
+      rows.append(",").append(std::to_string(i)).append(".25,2,3,x\n");
     }
-    all.push_back(folder.Write("f" + std::to_string(file) + ".csv", rows));
+    all.push_back(folder.Write(std::to_string(file).append(".csv"), rows));
     const std::string one = RunFieldbook({"show", "--csv", "--to", "ft", all.back()}).out;
     expected += file == 0 ? one : one.substr(one.find('\n') + 1);
   }
@@ -76,7 +76,7 @@ TEST(Reading, ManyLongFilesComeOutAsOneByOne) {
 TEST(Reading, ProgressIsShownWhereItIsAskedFor) {
   const TempFolder folder;
   std::string rows;
-  for (int i = 0; i < 5000; ++i) rows += "P" + std::to_string(i) + ",1,2,3,x\n";
+  for (int i = 0; i < 5000; ++i) rows.append("P").append(std::to_string(i)).append(",1,2,3,x\n");
   const std::string path = folder.Write("long.csv", rows);
   const ProgramResult silent = RunFieldbook({"show", path});
   const ProgramResult shown = RunFieldbook({"show", path, path, "--progress"});
