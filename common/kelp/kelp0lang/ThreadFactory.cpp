@@ -80,6 +80,16 @@ struct CThreadFactory::Worker {
 
 constinit thread_local CThreadFactory::Worker* CThreadFactory::Worker::current = nullptr;
 
+namespace {
+
+// A run that the closing waits for. The thread's handle is open until then.
+struct RunAtClosing {
+  CThreadFactory::CHandle* handle;
+  HANDLE thread;
+};
+
+}  // namespace
+
 // Its workers own it too: one whose task overruns the closing still finds it.
 class CThreadFactory::Pool : public std::enable_shared_from_this<Pool> {
  public:
@@ -97,7 +107,8 @@ class CThreadFactory::Pool : public std::enable_shared_from_this<Pool> {
  private:
   Worker* Build();
   Worker* TakeWorker();
-  std::vector<CHandle*> RequestAborts();
+  std::vector<RunAtClosing> RequestAborts();
+  HANDLE DoneEvent(CHandle* handle);
 
   CCriticalSec m_section;
   std::vector<Worker*> m_running;
@@ -209,12 +220,13 @@ void CThreadFactory::Pool::Populate(int count) {
   }
 }
 
+HANDLE CThreadFactory::Pool::DoneEvent(CHandle* handle) {
+  const CCriticalSecLock lock(&m_section);
+  return handle->DoneEvent();
+}
+
 void CThreadFactory::Pool::WaitFor(CHandle* handle, DWORD milliseconds) {
-  HANDLE done = nullptr;
-  {
-    const CCriticalSecLock lock(&m_section);
-    done = handle->DoneEvent();
-  }
+  const HANDLE done = DoneEvent(handle);
   if (done != nullptr) WaitForSingleObject(done, milliseconds);
 }
 
@@ -223,25 +235,29 @@ bool CThreadFactory::Pool::GetExitCode(const CHandle* handle, unsigned long& cod
   return handle->GetExitCode(code);
 }
 
-std::vector<CThreadFactory::CHandle*> CThreadFactory::Pool::RequestAborts() {
+std::vector<RunAtClosing> CThreadFactory::Pool::RequestAborts() {
   const CCriticalSecLock lock(&m_section);
   m_closing = true;
-  std::vector<CHandle*> runs;
+  std::vector<RunAtClosing> runs;
   for (const Worker* worker : m_running) {
     worker->handle->AddReference();
-    runs.push_back(worker->handle);
+    runs.push_back({worker->handle, worker->thread});
     if (worker->task != nullptr) worker->task->OnAbortRequested();
   }
   return runs;
 }
 
 void CThreadFactory::Pool::Close() {
-  const std::vector<CHandle*> runs = RequestAborts();
+  const std::vector<RunAtClosing> runs = RequestAborts();
   const DWORD start = GetTickCount();
-  for (CHandle* run : runs) {
+  for (const RunAtClosing& run : runs) {
     const DWORD passed = GetTickCount() - start;
-    WaitFor(run, kClosingTime - std::min(passed, kClosingTime));
-    run->SubReference();
+    // Where the process is ending, Windows may have ended the thread, and the run never does.
+    const HANDLE ends[] = {DoneEvent(run.handle), run.thread};
+    if (ends[0] != nullptr) {
+      WaitForMultipleObjects(2, ends, FALSE, kClosingTime - std::min(passed, kClosingTime));
+    }
+    run.handle->SubReference();
   }
   const CCriticalSecLock lock(&m_section);
   m_closed = true;
