@@ -1,5 +1,8 @@
 #include "kelp0lang/CmdExecuted.h"
 
+#include <malloc.h>
+
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <memory>
@@ -291,6 +294,48 @@ TEST_F(CmdExecutedListTest, AgreesWithAModel) {
     }
     for (; depth > 0; --depth) m_list->StopRecordCmd();
   }
+}
+
+// Bytes of the heap in use.
+std::size_t HeapInUse() {
+#ifdef _WIN32
+  std::size_t bytes = 0;
+  _HEAPINFO block = {};
+  while (_heapwalk(&block) == _HEAPOK) {
+    if (block._useflag == _USEDENTRY) bytes += block._size;
+  }
+  return bytes;
+#else
+  return mallinfo2().uordblks;
+#endif
+}
+
+class SmallCommand : public ICmdExecuted {
+ public:
+  void Undo() override {}
+  void Redo() override {}
+  unsigned int GetMemSize() override { return sizeof(*this); }
+};
+
+// A program that keeps every step has a group for each.
+TEST(CmdExecutedMemory, AGroupOfOneCommandTakesLittle) {
+  constexpr std::size_t kGroups = 10'000;
+  constexpr std::size_t kMost = 128;
+  std::vector<ICmdExecuted*> commands(kGroups);
+  const std::size_t before = HeapInUse();
+  for (ICmdExecuted*& command : commands) command = new SmallCommand;
+  const std::size_t made = HeapInUse();
+
+  auto* const list = new CCmdExecutedList(new CCmdExecutedListStrategyNumber(0));
+  for (ICmdExecuted* command : commands) list->Add(command);
+  const std::size_t recorded = HeapInUse();
+  EXPECT_EQ(list->GetUndoListSize(), kGroups);
+  list->SubReference();
+  if (made < before + kGroups * sizeof(SmallCommand)) {
+    GTEST_SKIP() << "this heap doesn't tell what is in use";
+  }
+  EXPECT_LE(recorded - made, kGroups * kMost);
+  EXPECT_GE(recorded - made, kGroups * sizeof(void*)) << "it can't take nothing";
 }
 
 }  // namespace
