@@ -78,6 +78,8 @@ std::u16string TakeBase(std::u16string_view& path) {
   } else if (path.size() >= 2 && IsSeparator(path[0]) && IsSeparator(path[1])) {
     return u"\\\\";
   }
+  // While C: is the current drive, every folder counts as one of it.
+  if (drive == 0 && StartsWithSeparator(path) && (CurrentDrive() | 0x20) == 'c') return u"C:\\";
   std::u16string base = CurrentFolder();
   if (base.empty()) base = u"C:\\";
   if (drive == 0) drive = base[0];
