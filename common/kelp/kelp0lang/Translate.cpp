@@ -19,6 +19,14 @@ WString StripNote(const WString& text) {
   return text.Substring(0, last - 1);
 }
 
+bool Has(const WString& text, WChar unit) {
+  return text.IndexOf(unit) >= 0;
+}
+
+bool NeedsEscape(const WString& text) {
+  return Has(text, KTEXT('\\')) || Has(text, KTEXT('\r')) || Has(text, KTEXT('\n'));
+}
+
 WString Escape(WString text) {
   text.ReplaceInPlace(KTEXT("\\"), KTEXT("\\\\"));
   text.ReplaceInPlace(KTEXT("\r"), KTEXT("\\r"));
@@ -26,11 +34,11 @@ WString Escape(WString text) {
   return text;
 }
 
-WString Unescape(WString text) {
+void Unescape(WString& text) {
+  if (!Has(text, KTEXT('\\'))) return;
   text.ReplaceInPlace(KTEXT("\\\\"), KTEXT("\\"));
   text.ReplaceInPlace(KTEXT("\\r"), KTEXT("\r"));
   text.ReplaceInPlace(KTEXT("\\n"), KTEXT("\n"));
-  return text;
 }
 
 // By the units that both keys have.
@@ -38,9 +46,8 @@ int CompareStarts(const xlate::XlateEntry& entry, const WString& key, std::uint1
   return wcsncmp(entry.key, key.c_str(), std::min(entry.keyLength, keyLength));
 }
 
-// The escaped translation of a source text; empty where the table has none.
-WString Find(const xlate::CXlateTable& table, const WString& text) {
-  const WString key = Escape(text);
+// The escaped translation of an escaped source text; empty where the table has none.
+WString Find(const xlate::CXlateTable& table, const WString& key) {
   const auto keyLength = static_cast<std::uint16_t>(key.Length());
   const auto standsBefore = [keyLength](const xlate::XlateEntry& entry, const WString& wanted) {
     const int starts = CompareStarts(entry, wanted, keyLength);
@@ -51,9 +58,13 @@ WString Find(const xlate::CXlateTable& table, const WString& text) {
       CompareStarts(*entry, key, keyLength) != 0) {
     return WString();
   }
-  WString found;
-  std::copy_n(entry->text, entry->textLength, found.GetBufferSetLength(entry->textLength));
-  return found;
+  return detail::TextOf(entry->text, entry->textLength);
+}
+
+// The same of a source text as it stands, in the current table.
+WString FindTranslation(const WString& source) {
+  if (!currentTable->IsLoaded()) return WString();
+  return NeedsEscape(source) ? Find(*currentTable, Escape(source)) : Find(*currentTable, source);
 }
 
 }  // namespace
@@ -61,10 +72,10 @@ WString Find(const xlate::CXlateTable& table, const WString& text) {
 WString Xlate(const WChar* text) {
   const WString source(text);
   if (source.empty() || currentTable == nullptr) return StripNote(source);
-  WString shown;
-  if (currentTable->IsLoaded()) shown = Find(*currentTable, source);
+  WString shown = FindTranslation(source);
   if (shown.empty()) shown = StripNote(source);
-  return Unescape(shown);
+  Unescape(shown);
+  return shown;
 }
 
 bool LoadTranslateFile(const WString& path) {
