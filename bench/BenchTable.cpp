@@ -38,10 +38,15 @@ std::string Shown(std::optional<double> value, int decimals) {
 
 }  // namespace
 
-void Compare(const std::string& work, const Measure& ours, const std::vector<Peer>& peers) {
-  benchmark::RegisterBenchmark(NameOf(work, kOurs).c_str(), ours);
+void Compare(const std::string& work, const Measure& ours, const std::vector<Peer>& peers,
+             Clock clock) {
+  const auto add = [&](const std::string& side, const Measure& measure) {
+    auto* const added = benchmark::RegisterBenchmark(NameOf(work, side).c_str(), measure);
+    if (clock == Clock::kWall) added->UseRealTime();
+  };
+  add(kOurs, ours);
   for (const Peer& peer : peers) {
-    benchmark::RegisterBenchmark(NameOf(work, peer.name).c_str(), peer.measure);
+    add(peer.name, peer.measure);
     Rows().push_back({work, peer.name, peer.asked});
   }
 }
@@ -75,8 +80,12 @@ void TableReporter::Finalize() {
     const auto theirs = median(NameOf(row.work, row.peer));
     if (!ours && !theirs) continue;
     const auto ratio = ours && theirs ? std::optional(*ours / *theirs) : std::nullopt;
+    const auto asked = row.asked == kOnlyShown ? std::nullopt : std::optional(row.asked);
     fmt::print(out, kLine, row.work, Shown(ours, 2), row.peer, Shown(theirs, 2), Shown(ratio, 3),
-               Shown(row.asked, 2), ratio && *ratio <= row.asked ? "ok" : kNone);
+               Shown(asked, 2),
+               !asked                      ? ""
+               : ratio && *ratio <= *asked ? "ok"
+                                           : kNone);
   }
 }
 

@@ -17,6 +17,12 @@ namespace bench {
 
 using Measure = std::function<void(benchmark::State&)>;
 
+// The ratio that is asked where a peer is only shown beside.
+inline constexpr double kOnlyShown = 0.0;
+
+// The processor time of the measuring thread; by the clock on the wall where it waits for others.
+enum class Clock { kProcessor, kWall };
+
 struct Peer {
   std::string name;
   double asked;  // our time divided by the peer's is to be no more
@@ -24,7 +30,8 @@ struct Peer {
 };
 
 // Registers our side and each peer's as the benchmarks "work/kelp0lang" and "work/<peer>".
-void Compare(const std::string& work, const Measure& ours, const std::vector<Peer>& peers);
+void Compare(const std::string& work, const Measure& ours, const std::vector<Peer>& peers,
+             Clock clock = Clock::kProcessor);
 
 // Gives every item to call and keeps what it returns.
 template <class Items, class Call>
@@ -49,11 +56,12 @@ void AddUnitWorks();
 void AddTimeWorks();
 void AddCellWorks();
 void AddChangeWorks();
+void AddThreadWorks();
 // The folder is where the unit settings are saved.
 void AddSettingsWorks(const std::filesystem::path& folder);
 
 // Prints, when all have run, one row for each work and peer: the medians of the repetitions, in
-// nanoseconds of processor time for one item, and their ratio.
+// nanoseconds for one item, and their ratio.
 class TableReporter : public benchmark::BenchmarkReporter {
  public:
   bool ReportContext(const Context& context) override;

@@ -31,6 +31,7 @@ int main(int argc, char** argv) {
   bench::AddTimeWorks();
   bench::AddCellWorks();
   bench::AddChangeWorks();
+  bench::AddThreadWorks();
   bench::AddSettingsWorks(support);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
