@@ -37,6 +37,8 @@ UINT g_outputCodePage = 0;
 
 void SetUpStreams() {
   for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
+  // Where it is a file or a pipe, this C runtime would keep its lines back.
+  std::setvbuf(stderr, nullptr, _IONBF, 0);
   g_inputCodePage = GetConsoleCP();
   g_outputCodePage = GetConsoleOutputCP();
   SetConsoleCP(CP_UTF8);

@@ -48,7 +48,8 @@ const WChar* const kGeneralHelp = KTEXT(
     "                                  in your application data\n"
     "  --lang FILE                     texts in another language, out of a gettext\n"
     "                                  catalogue (.po or .mo)\n"
-    "  --verbose                       the local time of the run, on standard error\n"
+    "  --verbose                       the local time of the run on standard error,\n"
+    "                                  elsewhere than on a terminal too\n"
     "\n"
     "Options may stand anywhere; behind -- nothing is an option. A points file has\n"
     "rows of point, northing, easting, elevation and description.\n"
@@ -119,7 +120,7 @@ Status RunLine(const CommandLine& line, Console& console) {
     return kDone;
   }
   RequireOptionsOf(command, line);
-  if (line.Has(Option::Verbose)) {
+  if (console.IsStatusTerminal() || line.Has(Option::Verbose)) {
     const WString now = LocalTimeText(kelp::FGetUtcCurTime());
     console.Complain(Message{KTEXT("started: {1}"), {now}}.Text());
   }

@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <thread>
 #endif
 
@@ -33,6 +34,14 @@ void WriteFile(const fs::path& path, const std::string& bytes) {
 std::string ReadFile(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// An option that comes twice counts the last time.
+std::vector<std::string> WithDefaultSettings(const std::vector<std::string>& arguments,
+                                             const TempFolder& folder) {
+  std::vector<std::string> all = {"--data", folder.PathOf("settings").string()};
+  all.insert(all.end(), arguments.begin(), arguments.end());
+  return all;
 }
 
 #ifdef _WIN32
@@ -61,32 +70,70 @@ HANDLE OpenInherited(const fs::path& path, DWORD access, DWORD creation) {
                      FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
+// A program that was started, with the handles of its process and of its first thread.
+class Program {
+ public:
+  Program(const std::vector<std::string>& arguments, HANDLE in, const fs::path& out,
+          const fs::path& err, DWORD flags) {
+    std::wstring line = QuotedArgument(ProgramPath().wstring());
+    for (const std::string& argument : arguments) {
+      line += L' ' + QuotedArgument(FromUtf8(argument).wstring());
+    }
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = in;
+    startup.hStdOutput = OpenInherited(out, GENERIC_WRITE, CREATE_ALWAYS);
+    startup.hStdError = OpenInherited(err, GENERIC_WRITE, CREATE_ALWAYS);
+    const BOOL started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, flags,
+                                        nullptr, nullptr, &startup, &m_process);
+    for (HANDLE handle : {startup.hStdInput, startup.hStdOutput, startup.hStdError}) {
+      CloseHandle(handle);
+    }
+    if (started == 0) throw std::runtime_error("the program doesn't start");
+  }
+  ~Program() {
+    CloseHandle(m_process.hThread);
+    CloseHandle(m_process.hProcess);
+  }
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+  DWORD Id() const { return m_process.dwProcessId; }
+  bool HasEnded() const { return WaitForSingleObject(m_process.hProcess, 0) == WAIT_OBJECT_0; }
+  int WaitForStatus() const {
+    DWORD status = 0;
+    WaitForSingleObject(m_process.hProcess, INFINITE);
+    GetExitCodeProcess(m_process.hProcess, &status);
+    return static_cast<int>(status);
+  }
+
+ private:
+  PROCESS_INFORMATION m_process = {};
+};
+
 int Run(const std::vector<std::string>& arguments, const fs::path& in, const fs::path& out,
         const fs::path& err) {
-  std::wstring line = QuotedArgument(ProgramPath().wstring());
-  for (const std::string& argument : arguments) {
-    line += L' ' + QuotedArgument(FromUtf8(argument).wstring());
-  }
-  STARTUPINFOW startup = {};
-  startup.cb = sizeof startup;
-  startup.dwFlags = STARTF_USESTDHANDLES;
-  startup.hStdInput = OpenInherited(in, GENERIC_READ, OPEN_EXISTING);
-  startup.hStdOutput = OpenInherited(out, GENERIC_WRITE, CREATE_ALWAYS);
-  startup.hStdError = OpenInherited(err, GENERIC_WRITE, CREATE_ALWAYS);
-  PROCESS_INFORMATION process = {};
-  const BOOL started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                                      nullptr, &startup, &process);
-  for (HANDLE handle : {startup.hStdInput, startup.hStdOutput, startup.hStdError}) {
-    CloseHandle(handle);
-  }
-  if (started == 0) throw std::runtime_error("the program doesn't start");
-  DWORD status = 0;
-  WaitForSingleObject(process.hProcess, INFINITE);
-  GetExitCodeProcess(process.hProcess, &status);
-  CloseHandle(process.hThread);
-  CloseHandle(process.hProcess);
-  return static_cast<int>(status);
+  return Program(arguments, OpenInherited(in, GENERIC_READ, OPEN_EXISTING), out, err, 0)
+      .WaitForStatus();
 }
+
+// Presses Ctrl-C on the console of a program. All programs of a console hear of it, so this one
+// visits the other's, and is deaf as long as the object lives.
+class CtrlC {
+ public:
+  explicit CtrlC(const Program& program) {
+    SetConsoleCtrlHandler(nullptr, TRUE);
+    FreeConsole();
+    if (!AttachConsole(program.Id())) throw std::runtime_error("the program has no console");
+    const BOOL pressed = GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0);
+    FreeConsole();
+    if (!pressed) throw std::runtime_error("nobody takes Ctrl-C");
+  }
+  ~CtrlC() { SetConsoleCtrlHandler(nullptr, FALSE); }
+  CtrlC(const CtrlC&) = delete;
+  CtrlC& operator=(const CtrlC&) = delete;
+};
 
 #else
 
@@ -163,14 +210,65 @@ ProgramResult RunFieldbook(const std::vector<std::string>& arguments, const std:
   const fs::path out = output.empty() ? folder.PathOf("out") : output;
   const fs::path err = folder.PathOf("err");
   WriteFile(in, input);
-  // An option that comes twice counts the last time.
-  std::vector<std::string> all = {"--data", folder.PathOf("settings").string()};
-  all.insert(all.end(), arguments.begin(), arguments.end());
-  const int status = Run(all, in, out, err);
+  const int status = Run(WithDefaultSettings(arguments, folder), in, out, err);
   return {status, output.empty() ? ReadFile(out) : std::string(), ReadFile(err)};
 }
 
-#ifndef _WIN32
+#ifdef _WIN32
+
+bool CanPressCtrlC() {
+  DWORD mode = 0;
+  return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) == 0;
+}
+
+ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
+                                 const std::string& input) {
+  const TempFolder folder;
+  const fs::path out = folder.PathOf("out");
+  const fs::path err = folder.PathOf("err");
+  HANDLE in = nullptr;
+  HANDLE pipe = nullptr;
+  CreatePipe(&in, &pipe, nullptr, 0);
+  SetHandleInformation(in, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+  const Program program(arguments, in, out, err, CREATE_NO_WINDOW);
+  while (ReadFile(err).empty() && !program.HasEnded()) Sleep(5);
+  const CtrlC key(program);
+  // The program hears of the key on another thread, and looks behind each part of its input.
+  const auto size = static_cast<DWORD>(input.size());
+  DWORD written = 0;
+  for (int i = 0; i < 1'000'000 && WriteFile(pipe, input.data(), size, &written, nullptr); ++i) {
+  }
+  CloseHandle(pipe);
+  const int status = program.WaitForStatus();
+  return {status, ReadFile(out), ReadFile(err)};
+}
+
+#else
+
+ProgramResult RunFieldbookOnTerminal(const std::vector<std::string>& arguments) {
+  const TempFolder folder;
+  const fs::path out = folder.PathOf("out");
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+  if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
+    throw std::runtime_error("no terminal can be made");
+  }
+  const pid_t child =
+      Start(WithDefaultSettings(arguments, folder), "/dev/null", out, ptsname(terminal));
+  std::string err;
+  char part[4096];
+  // It fails once the program has left the terminal.
+  for (ssize_t size; (size = read(terminal, part, sizeof part)) > 0;) {
+    err.append(part, static_cast<std::size_t>(size));
+  }
+  close(terminal);
+  const int status = WaitFor(child);
+  return {status, ReadFile(out), err};
+}
+
+bool CanPressCtrlC() {
+  return true;
+}
+
 ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
                                  const std::string& input) {
   const TempFolder folder;
@@ -187,4 +285,5 @@ ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
   const int status = WaitFor(child);
   return {status, ReadFile(out), ReadFile(err)};
 }
+
 #endif

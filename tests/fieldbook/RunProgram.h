@@ -34,8 +34,13 @@ ProgramResult RunFieldbook(const std::vector<std::string>& arguments, const std:
                            const std::filesystem::path& output = {});
 
 #ifndef _WIN32
-// Presses Ctrl-C once something stands on standard error; until then standard input is open and
-// gives this text.
+// With standard error on a terminal; its text is as the terminal gets it.
+ProgramResult RunFieldbookOnTerminal(const std::vector<std::string>& arguments);
+#endif
+
+// False where the tests themselves print on a console of Windows, which they would leave.
+bool CanPressCtrlC();
+// Presses Ctrl-C once something stands on standard error. Standard input gives this text, again and
+// again where the program doesn't hear of the key at once.
 ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
                                  const std::string& input);
-#endif
