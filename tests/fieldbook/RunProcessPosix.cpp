@@ -1,0 +1,98 @@
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <stdexcept>
+#include <thread>
+
+#include "RunProcess.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path ProgramPath() {
+  return fs::read_symlink("/proc/self/exe").parent_path() / "fieldbook";
+}
+
+void Redirect(const fs::path& path, int flags, int target) {
+  const int file = open(path.c_str(), flags, 0600);
+  if (file < 0 || dup2(file, target) < 0) _exit(126);
+  close(file);
+}
+
+pid_t Start(const std::vector<std::string>& arguments, const fs::path& in, const fs::path& out,
+            const fs::path& err) {
+  const std::string program = ProgramPath();
+  std::vector<char*> texts = {const_cast<char*>(program.c_str())};
+  for (const std::string& argument : arguments)
+    texts.push_back(const_cast<char*>(argument.c_str()));
+  texts.push_back(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    Redirect(in, O_RDONLY, STDIN_FILENO);
+    Redirect(out, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
+    Redirect(err, O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
+    execv(program.c_str(), texts.data());
+    _exit(127);
+  }
+  return child;
+}
+
+int WaitFor(pid_t child) {
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+}  // namespace
+
+int RunProcess(const std::vector<std::string>& arguments, const fs::path& in, const fs::path& out,
+               const fs::path& err) {
+  return WaitFor(Start(arguments, in, out, err));
+}
+
+ProgramResult RunFieldbookOnTerminal(const std::vector<std::string>& arguments) {
+  const TempFolder folder;
+  const fs::path out = folder.PathOf("out");
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+  if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
+    throw std::runtime_error("no terminal can be made");
+  }
+  const pid_t child =
+      Start(WithDefaultSettings(arguments, folder), "/dev/null", out, ptsname(terminal));
+  std::string err;
+  char part[4096];
+  // It fails once the program has left the terminal.
+  for (ssize_t size; (size = read(terminal, part, sizeof part)) > 0;) {
+    err.append(part, static_cast<std::size_t>(size));
+  }
+  close(terminal);
+  const int status = WaitFor(child);
+  return {status, ReadFile(out), err};
+}
+
+bool CanPressCtrlC() {
+  return true;
+}
+
+ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
+                                 const std::string& input) {
+  const TempFolder folder;
+  const fs::path in = folder.PathOf("in");
+  const fs::path out = folder.PathOf("out");
+  const fs::path err = folder.PathOf("err");
+  if (mkfifo(in.c_str(), 0600) != 0) throw std::runtime_error("no pipe can be made");
+  const pid_t child = Start(arguments, in, out, err);
+  const int pipe = open(in.c_str(), O_WRONLY);
+  if (write(pipe, input.data(), input.size()) < 0) throw std::runtime_error("nobody reads");
+  while (ReadFile(err).empty()) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  kill(child, SIGINT);
+  close(pipe);
+  const int status = WaitFor(child);
+  return {status, ReadFile(out), ReadFile(err)};
+}
