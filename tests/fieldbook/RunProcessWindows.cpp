@@ -2,6 +2,7 @@
 
 #include <iterator>
 #include <stdexcept>
+#include <string>
 
 #include "RunProcess.h"
 
@@ -50,10 +51,13 @@ class Program {
     startup.hStdError = OpenInherited(err, GENERIC_WRITE, CREATE_ALWAYS);
     const BOOL started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, flags,
                                         nullptr, nullptr, &startup, &m_process);
+    const DWORD error = started ? 0 : GetLastError();
     for (HANDLE handle : {startup.hStdInput, startup.hStdOutput, startup.hStdError}) {
       CloseHandle(handle);
     }
-    if (started == 0) throw std::runtime_error("the program doesn't start");
+    if (error != 0) {
+      throw std::runtime_error("the program doesn't start: " + std::to_string(error));
+    }
   }
   ~Program() {
     CloseHandle(m_process.hThread);
