@@ -200,6 +200,26 @@ TEST(LocalTime, AnswersDontDependOnTheCache) {
   }
 }
 
+// Another bias shifts all moments and no reading, also by the most that fits, and where the clock
+// changes beside New Year.
+TEST(LocalTime, FarOffsetsOnlyShift) {
+  std::mt19937_64 random(33);
+  std::uniform_int_distribution<std::uint64_t> moments(At(1900, 1, 1), At(2100, 1, 1));
+  const _TIME_ZONE_INFORMATION zone = Zone(0, -60, Rule(12, 3, 5, 23), Rule(1, 6, 1, 0));
+  CLocalTimeComputer computer = For(zone);
+  for (const LONG bias : {-35'700, 35'700, -840}) {
+    _TIME_ZONE_INFORMATION other = zone;
+    other.Bias = bias;
+    CLocalTimeComputer shifted = For(other);
+    const std::uint64_t shift = bias * kMinute;
+    for (int i = 0; i < 20'000; ++i) {
+      const std::uint64_t moment = moments(random);
+      ASSERT_EQ(shifted.Utc_to_Local(moment + shift), computer.Utc_to_Local(moment)) << moment;
+      ASSERT_EQ(shifted.Local_to_Utc(moment), computer.Local_to_Utc(moment) + shift) << moment;
+    }
+  }
+}
+
 // A record that is no rule gives no defined time, but an answer.
 TEST(LocalTime, ABrokenRuleEnds) {
   for (const WORD value : {0, 6, 100, 65535}) {

@@ -1,5 +1,6 @@
 #include "kelp0lang/LocalTimeComputer.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <iterator>
 #include <utility>
@@ -53,19 +54,23 @@ int WeekdayOf(_SYSTEMTIME date) {
   return date.wDayOfWeek;
 }
 
-// By a product in place of a jump that depends on the data: what moments are asked for can't be
-// foretold.
+// There are two passages for each year, and none lies more than a month outside its own, as offsets
+// have 32 bits. So only those of the moment's year and of its neighbours are looked at, and these
+// all, without a jump: what moments are asked for can't be foretold.
 int LastAtOrBefore(const std::vector<Passage>& passages, std::uint64_t Passage::*column,
                    std::uint64_t ms) {
-  if (passages.empty()) return -1;
-  const Passage* first = passages.data();
-  for (std::size_t count = passages.size(); count > 1;) {
-    const std::size_t half = count / 2;
-    first += half * static_cast<std::size_t>(first[half].*column <= ms);
-    count -= half;
+  constexpr std::uint64_t kMsPerYear = 31'556'952'000;  // the mean one of the calendar
+  const auto size = static_cast<std::int64_t>(passages.size());
+  if (size == 0) return -1;
+  const auto year = static_cast<std::int64_t>(ms / kMsPerYear) + kFirstYear;
+  const std::int64_t count = std::min<std::int64_t>(size, 6);
+  const std::int64_t first =
+      std::clamp<std::int64_t>((year - 1 - passages.front().year) * 2, 0, size - count);
+  std::int64_t passed = first;
+  for (std::int64_t i = first; i < first + count; ++i) {
+    passed += passages[static_cast<std::size_t>(i)].*column <= ms;
   }
-  const auto place = static_cast<int>(first - passages.data());
-  return first->*column <= ms ? place : place - 1;
+  return static_cast<int>(passed) - 1;
 }
 
 }  // namespace

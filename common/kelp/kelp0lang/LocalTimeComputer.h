@@ -6,7 +6,7 @@
 // Moments and clock readings are milliseconds since 1601, as in UtcTime.h. The rules of the zone
 // give two passages for each year, the moments at which another offset takes effect; they hold for
 // all years, past ones too. Passages are kept, by whole years, from the earliest to the latest year
-// that has been asked for: a conversion between them is one binary search.
+// that has been asked for: a conversion between them looks at those around its own year.
 //
 // A reading that the clock skips in spring counts as daylight saving time, and one that it shows
 // twice in autumn as the first of the two, also daylight saving time.
