@@ -60,10 +60,11 @@ int WeekdayOf(_SYSTEMTIME date) {
 int LastAtOrBefore(const std::vector<Passage>& passages, std::uint64_t Passage::*column,
                    std::uint64_t ms) {
   constexpr std::uint64_t kMsPerYear = 31'556'952'000;  // the mean one of the calendar
+  constexpr std::int64_t kOfThreeYears = 6;
   const auto size = static_cast<std::int64_t>(passages.size());
   if (size == 0) return -1;
   const auto year = static_cast<std::int64_t>(ms / kMsPerYear) + kFirstYear;
-  const std::int64_t count = std::min<std::int64_t>(size, 6);
+  const std::int64_t count = std::min(size, kOfThreeYears);
   const std::int64_t first =
       std::clamp<std::int64_t>((year - 1 - passages.front().year) * 2, 0, size - count);
   std::int64_t passed = first;

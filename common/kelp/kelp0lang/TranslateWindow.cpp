@@ -10,7 +10,7 @@
 namespace kelp {
 namespace {
 
-constexpr const WChar* kPlaceholder = KTEXT("#static");
+constexpr const WChar* kFilledLater = KTEXT("#static");
 
 WString TextOf(HWND window) {
   const int length = GetWindowTextLengthW(window);
@@ -22,7 +22,7 @@ WString TextOf(HWND window) {
 
 void XlateControl(HWND control) {
   const WString text = TextOf(control);
-  const WString shown = text == kPlaceholder ? WString() : Xlate(text.c_str());
+  const WString shown = text == kFilledLater ? WString() : Xlate(text.c_str());
   SetWindowTextW(control, shown.c_str());
 }
 

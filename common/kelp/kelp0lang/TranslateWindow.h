@@ -24,8 +24,8 @@ KELP0LANG_API int IsTranslatable(HWND window);
 KELP0LANG_API int XlateWndTitle(HWND window);
 
 // The title of a window and the texts of its translatable children, without what they hold in turn.
-// A text "#static" is only a placeholder and becomes empty. Gives the number of children, the
-// others among them; -1 for a null window.
+// A text "#static", which the program fills in later, becomes empty. Gives the number of children,
+// the others among them; -1 for a null window.
 KELP0LANG_API int XlateWnd(HWND window);
 
 // The items of a menu and of its submenus, which keep number and state. Separators and items that
