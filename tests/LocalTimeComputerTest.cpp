@@ -53,31 +53,25 @@ const _TIME_ZONE_INFORMATION kSydney = Zone(-600, -60, Rule(10, 0, 1, 2), Rule(4
 const _TIME_ZONE_INFORMATION kLordHowe = Zone(-630, -30, Rule(10, 0, 1, 2), Rule(4, 0, 1, 2));
 const _TIME_ZONE_INFORMATION kIndia = Zone(-330, 0, {}, {});
 
+struct Case {
+  _TIME_ZONE_INFORMATION zone;
+  std::uint64_t moment;
+  int minutes;
+  bool daylight;
+};
+
 TEST(LocalTime, AddsTheOffsetInForce) {
-  struct Case {
-    _TIME_ZONE_INFORMATION zone;
-    std::uint64_t utc;
-    int minutes;
-    bool daylight;
-  };
   const Case kCases[] = {
-      {kRome, At(2021, 7, 1, 12), 120, true},
-      {kRome, At(2021, 1, 1, 12), 60, false},
       {kRome, At(2021, 3, 28, 1) - 1, 60, false},
       {kRome, At(2021, 3, 28, 1), 120, true},
       {kRome, At(2021, 10, 31, 1) - 1, 120, true},
       {kRome, At(2021, 10, 31, 1), 60, false},
-      // The last Sunday is the fourth; the month begins on the rule's weekday, and behind it.
-      {kRome, At(2019, 10, 27, 1) - 1, 120, true},
-      {kRome, At(2019, 10, 27, 1), 60, false},
       {kSydney, At(2023, 10, 1) - 8 * kHour - 1, 600, false},
       {kSydney, At(2023, 10, 1) - 8 * kHour, 660, true},
       {kSydney, At(2022, 4, 3) - 8 * kHour - 1, 660, true},
       {kSydney, At(2022, 4, 3) - 8 * kHour, 600, false},
-      {kSydney, At(2021, 1, 1), 660, true},
       {kLordHowe, At(2022, 4, 2, 15) - 1, 660, true},
       {kLordHowe, At(2022, 4, 2, 15), 630, false},
-      {kIndia, At(2021, 7, 1), 330, false},
       {kIndia, At(1601, 1, 1), 330, false},
       {kRome, At(1601, 1, 1), 60, false},
       {kSydney, At(1601, 1, 1), 660, true},
@@ -87,22 +81,14 @@ TEST(LocalTime, AddsTheOffsetInForce) {
       {kRome, std::uint64_t{1} << 60, 60, false},
       {kSydney, std::uint64_t{1} << 60, 660, true},
   };
-  for (const Case& c : kCases) {
-    SCOPED_TRACE(testing::Message() << c.zone.Bias << ' ' << c.utc);
-    CLocalTimeComputer computer = For(c.zone);
-    const std::uint64_t local = c.utc + c.minutes * static_cast<std::int64_t>(kMinute);
-    EXPECT_EQ(computer.Utc_to_Local(c.utc), local);
-    EXPECT_EQ(computer.IsUtcTimeInDaylight(c.utc), c.daylight);
+  for (const auto& [zone, utc, minutes, daylight] : kCases) {
+    CLocalTimeComputer computer = For(zone);
+    EXPECT_EQ(computer.Utc_to_Local(utc), utc + minutes * kMinute) << zone.Bias << ' ' << utc;
+    EXPECT_EQ(computer.IsUtcTimeInDaylight(utc), daylight) << zone.Bias << ' ' << utc;
   }
 }
 
 TEST(LocalTime, SkippedAndDoubledReadingsAreDaylight) {
-  struct Case {
-    _TIME_ZONE_INFORMATION zone;
-    std::uint64_t local;
-    int minutes;
-    bool daylight;
-  };
   const Case kCases[] = {
       {kRome, At(2021, 3, 28, 2) - 1, 60, false},     {kRome, At(2021, 3, 28, 2), 120, true},
       {kRome, At(2021, 3, 28, 2, 30), 120, true},     {kRome, At(2021, 10, 31, 2, 30), 120, true},
@@ -110,11 +96,10 @@ TEST(LocalTime, SkippedAndDoubledReadingsAreDaylight) {
       {kLordHowe, At(2022, 10, 2, 2, 15), 660, true}, {kLordHowe, At(2022, 4, 3, 1, 45), 660, true},
       {kLordHowe, At(2022, 4, 3, 2), 630, false},     {kIndia, At(2021, 1, 2), 330, false},
   };
-  for (const Case& c : kCases) {
-    SCOPED_TRACE(testing::Message() << c.zone.Bias << ' ' << c.local);
-    CLocalTimeComputer computer = For(c.zone);
-    EXPECT_EQ(computer.Local_to_Utc(c.local), c.local - c.minutes * kMinute);
-    EXPECT_EQ(computer.IsLocalTimeInDaylight(c.local), c.daylight);
+  for (const auto& [zone, local, minutes, daylight] : kCases) {
+    CLocalTimeComputer computer = For(zone);
+    EXPECT_EQ(computer.Local_to_Utc(local), local - minutes * kMinute) << zone.Bias << ' ' << local;
+    EXPECT_EQ(computer.IsLocalTimeInDaylight(local), daylight) << zone.Bias << ' ' << local;
   }
 }
 
@@ -168,12 +153,11 @@ TEST(LocalTime, DaysOfRules) {
         const _SYSTEMTIME end = Rule((month + 5) % 12 + 1, weekday, week, 3);
         CLocalTimeComputer computer = For(Zone(0, -60, begin, end));
         for (int y = 1999; y <= 2026; ++y) {
-          const std::uint64_t beginUtc = dayOf(y, begin) + 2 * kHour;
-          const std::uint64_t endUtc = dayOf(y, end) + 2 * kHour;
-          ASSERT_FALSE(computer.IsUtcTimeInDaylight(beginUtc - 1)) << beginUtc;
-          ASSERT_TRUE(computer.IsUtcTimeInDaylight(beginUtc)) << beginUtc;
-          ASSERT_TRUE(computer.IsUtcTimeInDaylight(endUtc - 1)) << endUtc;
-          ASSERT_FALSE(computer.IsUtcTimeInDaylight(endUtc)) << endUtc;
+          for (const bool daylight : {true, false}) {
+            const std::uint64_t change = dayOf(y, daylight ? begin : end) + 2 * kHour;
+            ASSERT_EQ(computer.IsUtcTimeInDaylight(change - 1), !daylight) << change;
+            ASSERT_EQ(computer.IsUtcTimeInDaylight(change), daylight) << change;
+          }
         }
       }
     }
@@ -275,22 +259,18 @@ TEST(GlobalLocalTime, ThreadsShareIt) {
     moments.push_back(At(y, 7, 15));
     expected.push_back(computer.Utc_to_Local(moments.back()));
   }
-  constexpr std::size_t kThreads = 4;
-  std::vector<std::vector<std::uint64_t>> results(kThreads,
-                                                  std::vector<std::uint64_t>(moments.size()));
   std::vector<std::thread> threads;
-  for (std::size_t t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&moments, &result = results[t], backwards = t % 2 == 1] {
+  for (const bool backwards : {false, true, false, true}) {
+    threads.emplace_back([&, backwards] {
       for (std::size_t i = 0; i < moments.size(); ++i) {
         const std::size_t place = backwards ? moments.size() - 1 - i : i;
         const std::uint64_t local = kelp::FUtcMsToUserMs(kelp::tsLocal, moments[place]);
-        const bool comesBack = kelp::FUserMsToUtcMs(kelp::tsLocal, local) == moments[place];
-        result[place] = comesBack ? local : 0;
+        EXPECT_EQ(local, expected[place]);
+        EXPECT_EQ(kelp::FUserMsToUtcMs(kelp::tsLocal, local), moments[place]);
       }
     });
   }
   for (std::thread& thread : threads) thread.join();
-  for (const auto& result : results) EXPECT_EQ(result, expected);
 }
 
 }  // namespace
