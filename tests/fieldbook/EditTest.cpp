@@ -1,7 +1,7 @@
 // fieldbook edit, as a script drives it.
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <utility>
 
 #include "tests/fieldbook/RunProgram.h"
 
@@ -24,7 +24,7 @@ class Edit : public testing::Test {
   }
 
   const std::string m_start = "# head\nA,10,20,30,wall\nB,11,21,,\n";
-  TempFolder m_folder;
+  DataFolder m_folder;
   std::string m_path = m_folder.Write("points.csv", m_start);
 };
 
@@ -67,11 +67,7 @@ TEST_F(Edit, AGroupIsOneStep) {
 }
 
 TEST_F(Edit, WhatCannotBeDoneIsReportedWithItsLineAndTheRestGoesOn) {
-  struct Case {
-    const char* line;
-    const char* error;
-  };
-  const Case cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"jump A",
        "there is no command \"jump\", only move, rename, delete, begin, end, undo, redo, "
        "list, save, help, quit"},
@@ -88,12 +84,11 @@ TEST_F(Edit, WhatCannotBeDoneIsReportedWithItsLineAndTheRestGoesOn) {
       {"redo", "there is nothing to redo"},
       {"end", "no group is open"},
   };
-  std::string input;
-  std::string errors;
+  std::string input, errors;
   int number = 0;
-  for (const Case& c : cases) {
-    input += std::string(c.line) + '\n';
-    errors += "-:" + std::to_string(++number) + ": " + c.error + '\n';
+  for (const auto& [line, error] : cases) {
+    input += std::string(line) + '\n';
+    errors += "-:" + std::to_string(++number) + ": " + error + '\n';
   }
   input += "begin g\ndelete A\nundo\nsave\nbegin h\nend\nsave\n";
   for (const int line : {16, 17, 18}) {
@@ -161,15 +156,6 @@ TEST_F(Edit, AFileThatCannotBeWrittenStays) {
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(Saved(), m_start);
   EXPECT_EQ(Files(), 1u);
-}
-
-TEST_F(Edit, TakesOneFileThatIsThere) {
-  const std::string hint = "\nTry: fieldbook edit --help\n";
-  EXPECT_EQ(RunFieldbook({"edit", "none.csv"}, "list\n").err,
-            "fieldbook: none.csv: there is no such file\n");
-  EXPECT_EQ(RunFieldbook({"edit"}).err, "fieldbook: edit takes one FILE, 0 given" + hint);
-  EXPECT_EQ(RunFieldbook({"edit", "-"}).err,
-            "fieldbook: edit takes a FILE; standard input is for the commands" + hint);
 }
 
 }  // namespace

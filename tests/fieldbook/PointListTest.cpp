@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <random>
+#include <utility>
 
 #include "apps/fieldbook/Console.h"
 #include "apps/fieldbook/Words.h"
@@ -22,11 +23,7 @@ std::string BytesOf(const std::string& bytes) {
 }
 
 TEST(PointList, IsWrittenWithCommasAndEverythingElseInPlace) {
-  struct Case {
-    const char* bytes;
-    const char* written;
-  };
-  const Case cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"", ""},
       {"# top\n\nPoint;North;East;Height;Code;Date\nA;1,5;2;3;wall, old\n \t\n# end",
        "# top\n\nPoint,North,East,Height,\"Code;Date\"\nA,1.500,2.000,3.000,\"wall, old\"\n \t\n"
@@ -36,9 +33,9 @@ TEST(PointList, IsWrittenWithCommasAndEverythingElseInPlace) {
       {"\xEF\xBB\xBF\"#1\",1.00000,-2.123456789,3e-3,18\" pipe\n",
        "\xEF\xBB\xBF\"#1\",1.000,-2.123456789,0.003,\"18\"\" pipe\"\n"},
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(BytesOf(c.bytes), c.written);
-    EXPECT_EQ(BytesOf(c.written), c.written) << "what is written stays as it is";
+  for (const auto& [bytes, written] : cases) {
+    EXPECT_EQ(BytesOf(bytes), written);
+    EXPECT_EQ(BytesOf(written), written) << "what is written stays as it is";
   }
 }
 
@@ -65,12 +62,11 @@ TEST(PointList, EveryValueIsReadBackExactly) {
 TEST(PointList, WhatWouldBeReadOtherwiseIsNotWritten) {
   kelp::CChangeTransactionManager manager;
   // As a row with semicolons the whole beginning would be the name.
-  const PointList list(&manager, "A,1,2,3,\"x;1;2;3;y\"\nB,1,2,3,\n", kLengthUnits[0]);
+  PointList list(&manager, "A,1,2,3,\"x;1;2;3;y\"\nB,1,2,3,\n", kLengthUnits[0]);
   EXPECT_EQ(list.Points().size(), 2u);
   EXPECT_FALSE(list.Bytes().empty());
-  PointList alone(&manager, "A,1,2,3,\"x;1;2;3;y\"\nB,1,2,3,\n", kLengthUnits[0]);
-  alone.Remove(alone.RequirePoint(KTEXT("B")), kStep);
-  EXPECT_THROW(alone.Bytes(), fieldbook::Failure);
+  list.Remove(list.RequirePoint(KTEXT("B")), kStep);
+  EXPECT_THROW(list.Bytes(), fieldbook::Failure);
 }
 
 TEST(PointList, KnowsWhetherTheFileIsAllThere) {

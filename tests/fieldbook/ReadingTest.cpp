@@ -31,7 +31,7 @@ std::string LocalClock() {
 }
 
 TEST(Reading, FilesAreShownInTheirOrderWithTheFaultsOfEach) {
-  const TempFolder folder;
+  const DataFolder folder;
   const std::string a = folder.Write("a.csv", "A1,1,2,3,\nA2,1,x,3,\n");
   const std::string none = folder.PathOf("none.csv").string();
   const std::string b = folder.Write("b.csv", "B1,4,5,6,\n");
@@ -55,7 +55,7 @@ TEST(Reading, FilesAreShownInTheirOrderWithTheFaultsOfEach) {
 }
 
 TEST(Reading, ManyLongFilesComeOutAsOneByOne) {
-  const TempFolder folder;
+  const DataFolder folder;
   std::vector<std::string> all = {"show", "--csv", "--to", "ft"};
   std::string expected;
   for (int file = 0; file < 20; ++file) {
@@ -74,7 +74,7 @@ TEST(Reading, ManyLongFilesComeOutAsOneByOne) {
 }
 
 TEST(Reading, ProgressIsShownWhereItIsAskedFor) {
-  const TempFolder folder;
+  const DataFolder folder;
   std::string rows;
   for (int i = 0; i < 5000; ++i) rows.append("P").append(std::to_string(i)).append(",1,2,3,x\n");
   const std::string path = folder.Write("long.csv", rows);
@@ -116,7 +116,7 @@ TEST(Reading, VerboseTellsTheLocalTimeOfTheRun) {
 
 #ifndef _WIN32
 TEST(Reading, ATerminalGetsTheTimeAndABarThatGoesAgain) {
-  const TempFolder folder;
+  const DataFolder folder;
   const std::string path = folder.Write("short.csv", "P1,1,2,3,x\n");
   const ProgramResult result = RunFieldbookOnTerminal({"show", path, "--progress"});
   EXPECT_EQ(result.status, 0);

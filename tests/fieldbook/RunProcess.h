@@ -10,7 +10,7 @@ std::string ReadFile(const std::filesystem::path& path);
 // The arguments behind --data and a folder without settings; an option that comes twice counts the
 // last time.
 std::vector<std::string> WithDefaultSettings(const std::vector<std::string>& arguments,
-                                             const TempFolder& folder);
+                                             const DataFolder& folder);
 
 // Runs fieldbook with these files as its standard streams, and gives its exit status.
 int RunProcess(const std::vector<std::string>& arguments, const std::filesystem::path& in,

@@ -57,7 +57,7 @@ int RunProcess(const std::vector<std::string>& arguments, const fs::path& in, co
 }
 
 ProgramResult RunFieldbookOnTerminal(const std::vector<std::string>& arguments) {
-  const TempFolder folder;
+  const DataFolder folder;
   const fs::path out = folder.PathOf("out");
   const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
   if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
@@ -82,7 +82,7 @@ bool CanPressCtrlC() {
 
 ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
                                  const std::string& input) {
-  const TempFolder folder;
+  const DataFolder folder;
   const fs::path in = folder.PathOf("in");
   const fs::path out = folder.PathOf("out");
   const fs::path err = folder.PathOf("err");

@@ -111,7 +111,7 @@ bool CanPressCtrlC() {
 
 ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
                                  const std::string& input) {
-  const TempFolder folder;
+  const DataFolder folder;
   const fs::path out = folder.PathOf("out");
   const fs::path err = folder.PathOf("err");
   HANDLE in = nullptr;

