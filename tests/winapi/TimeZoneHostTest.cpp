@@ -5,220 +5,136 @@
 #include <chrono>
 #include <cstdint>
 #include <ctime>
-#include <ostream>
+#include <filesystem>
 #include <string>
+#include <utility>
 
 #include "tests/TempFolder.h"
 #include "tests/ZoneScope.h"
 
-using std::chrono::day;
-using std::chrono::month;
+using std::chrono::days;
+using std::chrono::hours;
 using std::chrono::sys_days;
 using std::chrono::weekday;
 using std::chrono::year;
+using Hours = std::chrono::sys_time<hours>;
 
 namespace {
 
-// What of a record tells the date of a change: month, weekday, week, time.
-struct Change {
-  int month = 0;
-  int weekday = 0;
-  int week = 0;
-  int hour = 0;
-  int minute = 0;
-  int second = 0;
-  int milliseconds = 0;
-
-  friend bool operator==(const Change&, const Change&) = default;
-  friend std::ostream& operator<<(std::ostream& out, const Change& c) {
-    return out << c.month << '.' << c.week << '.' << c.weekday << '/' << c.hour << ':' << c.minute
-               << ':' << c.second << '.' << c.milliseconds;
-  }
-};
-
-Change ToChange(const SYSTEMTIME& date) {
-  EXPECT_EQ(date.wYear, 0);
-  return {date.wMonth,  date.wDayOfWeek, date.wDay,         date.wHour,
-          date.wMinute, date.wSecond,    date.wMilliseconds};
-}
-
-std::u16string ToWide(const std::string& text) {
-  return {text.begin(), text.end()};
-}
-
-struct Zone {
-  DWORD part;
-  TIME_ZONE_INFORMATION record;
-};
-
-Zone GetZone() {
-  Zone zone;
-  zone.part = GetTimeZoneInformation(&zone.record);
-  return zone;
-}
-
-struct Case {
-  const char* zone;
-  LONG bias;
-  const char* standardName;
-  LONG daylightBias = 0;
-  const char* daylightName = "";
-  Change begin = {};
-  Change end = {};
-};
-
-void Expect(const Case& c) {
-  SCOPED_TRACE(c.zone);
-  const auto [part, record] = GetZone();
-  EXPECT_EQ(record.Bias, c.bias);
-  EXPECT_EQ(record.StandardBias, 0);
-  EXPECT_EQ(record.DaylightBias, c.daylightBias);
-  EXPECT_EQ(record.StandardName, ToWide(c.standardName));
-  EXPECT_EQ(record.DaylightName, ToWide(c.daylightName));
-  EXPECT_EQ(ToChange(record.DaylightDate), c.begin);
-  EXPECT_EQ(ToChange(record.StandardDate), c.end);
-  // Which part of the year it is the C library knows too.
+tm LocalNow() {
   const std::time_t now = std::time(nullptr);
   tm local;
   localtime_r(&now, &local);
-  const bool isStandard = local.tm_gmtoff == -60 * c.bias;
-  if (c.begin == Change()) {
-    EXPECT_EQ(part, static_cast<DWORD>(TIME_ZONE_ID_UNKNOWN));
-  } else {
-    EXPECT_EQ(part, static_cast<DWORD>(isStandard ? TIME_ZONE_ID_STANDARD : TIME_ZONE_ID_DAYLIGHT));
+  return local;
+}
+
+// The month, the week, the weekday and the time of a change, such as 3.5.0/2.
+std::string TextOf(const SYSTEMTIME& date) {
+  EXPECT_EQ(date.wYear, 0);
+  std::string text;
+  for (const auto& [value, separator] :
+       {std::pair(date.wMonth, '.'), std::pair(date.wDay, '.'), std::pair(date.wDayOfWeek, '/'),
+        std::pair(date.wHour, ':'), std::pair(date.wMinute, ':'), std::pair(date.wSecond, '.')}) {
+    text += std::to_string(value) + separator;
   }
+  text += std::to_string(date.wMilliseconds);
+  return text.substr(0, text.find(":0:0.0"));
+}
+
+// The record of a zone: its bias and name, and those of its daylight saving with its dates.
+std::string RecordOf(const char* name) {
+  const ZoneScope scope(name);
+  TIME_ZONE_INFORMATION zone;
+  const DWORD part = GetTimeZoneInformation(&zone);
+  EXPECT_EQ(zone.StandardBias, 0);
+  std::string text =
+      std::to_string(zone.Bias) + ' ' + std::filesystem::path(zone.StandardName).string();
+  const bool hasDates = zone.DaylightDate.wMonth != 0 || zone.StandardDate.wMonth != 0;
+  if (hasDates || zone.DaylightBias != 0 || zone.DaylightName[0] != 0) {
+    text += ", " + std::to_string(zone.DaylightBias) + ' ' +
+            std::filesystem::path(zone.DaylightName).string() + ' ' + TextOf(zone.DaylightDate) +
+            ' ' + TextOf(zone.StandardDate);
+  }
+  // Which part of the year it is the C library knows too.
+  const bool isStandard = LocalNow().tm_gmtoff == -60 * zone.Bias;
+  EXPECT_EQ(part, !hasDates    ? DWORD{TIME_ZONE_ID_UNKNOWN}
+                  : isStandard ? DWORD{TIME_ZONE_ID_STANDARD}
+                               : DWORD{TIME_ZONE_ID_DAYLIGHT})
+      << name;
+  return text;
 }
 
 TEST(HostZone, ARuleIsARecord) {
-  const Case kCases[] = {
-      {"CET-1CEST,M3.5.0,M10.5.0/3", -60, "CET", -60, "CEST", {3, 0, 5, 2}, {10, 0, 5, 3}},
-      {"GMT0BST,M3.5.0/1,M10.5.0", 0, "GMT", -60, "BST", {3, 0, 5, 1}, {10, 0, 5, 2}},
-      {"EST5EDT,M3.2.0,M11.1.0", 300, "EST", -60, "EDT", {3, 0, 2, 2}, {11, 0, 1, 2}},
-      {"EST5EDT", 300, "EST", -60, "EDT", {3, 0, 2, 2}, {11, 0, 1, 2}},
-      {"AEST-10AEDT,M10.1.0,M4.1.0/3", -600, "AEST", -60, "AEDT", {10, 0, 1, 2}, {4, 0, 1, 3}},
-      {"<+1030>-10:30<+11>-11,M10.1.0,M4.1.0",
-       -630,
-       "+1030",
-       -30,
-       "+11",
-       {10, 0, 1, 2},
-       {4, 0, 1, 2}},
-      {"<-04>4<-03>,M9.1.6/24,M4.1.6/24",
-       240,
-       "-04",
-       -60,
-       "-03",
-       {9, 6, 1, 23, 59, 59, 999},
-       {4, 6, 1, 23, 59, 59, 999}},
-      {"NST3:30NDT,M3.2.0/0:01:30,M11.1.0/+0:01",
-       210,
-       "NST",
-       -60,
-       "NDT",
-       {3, 0, 2, 0, 1, 30},
-       {11, 0, 1, 0, 1}},
+  const std::pair<const char*, const char*> kCases[] = {
+      {"CET-1CEST,M3.5.0,M10.5.0/3", "-60 CET, -60 CEST 3.5.0/2 10.5.0/3"},
+      {"GMT0BST,M3.5.0/1,M10.5.0", "0 GMT, -60 BST 3.5.0/1 10.5.0/2"},
+      {"EST5EDT,M3.2.0,M11.1.0", "300 EST, -60 EDT 3.2.0/2 11.1.0/2"},
+      {"EST5EDT", "300 EST, -60 EDT 3.2.0/2 11.1.0/2"},
+      {"AEST-10AEDT,M10.1.0,M4.1.0/3", "-600 AEST, -60 AEDT 10.1.0/2 4.1.0/3"},
+      {"<+1030>-10:30<+11>-11,M10.1.0,M4.1.0", "-630 +1030, -30 +11 10.1.0/2 4.1.0/2"},
+      {"<-04>4<-03>,M9.1.6/24,M4.1.6/24", "240 -04, -60 -03 9.1.6/23:59:59.999 4.1.6/23:59:59.999"},
+      {"NST3:30NDT,M3.2.0/0:01:30,M11.1.0/+0:01", "210 NST, -60 NDT 3.2.0/0:1:30.0 11.1.0/0:1:0.0"},
       // Its winter time is called the daylight saving.
-      {"IST-1GMT0,M10.5.0,M3.5.0/1", 0, "GMT", -60, "IST", {3, 0, 5, 1}, {10, 0, 5, 2}},
-      {"IST-5:30", -330, "IST"},
-      {"<+0545>-5:45", -345, "+0545"},
-      {"UTC0", 0, "UTC"},
-      {"", 0, "UTC"},
+      {"IST-1GMT0,M10.5.0,M3.5.0/1", "0 GMT, -60 IST 3.5.0/1 10.5.0/2"},
+      {"IST-5:30", "-330 IST"},
+      {"", "0 UTC"},
       // It never ends.
-      {"EST5EDT,0/0,J365/25", 240, "EDT"},
-      {"XXX3EDT4,0/0,J365/23", 240, "EDT"},
+      {"EST5EDT,0/0,J365/25", "240 EDT"},
+      {"XXX3EDT4,0/0,J365/23", "240 EDT"},
   };
-  for (const Case& c : kCases) {
-    const ZoneScope scope(c.zone);
-    Expect(c);
-  }
+  for (const auto& [zone, record] : kCases) EXPECT_EQ(RecordOf(zone), record) << zone;
 }
 
 TEST(HostZone, WhatIsNoRuleIsUtc) {
-  const char* const kTexts[] = {"Nowhere",
-                                "C-1",
-                                "CES",
-                                "CET-25",
-                                "CET-1:60",
-                                "<CET-1",
-                                "CET-1CEST,M3.5.0",
-                                "CET-1CEST,M3.6.0,M10.5.0",
-                                "CET-1CEST,M13.1.0,M10.5.0",
-                                "CET-1CEST,J0,J365",
-                                "CET-1CEST,M3.5.0,M10.5.0/168",
-                                "CET-1CEST,M3.5.0,M10.5.0/3x",
-                                "/none/such",
-                                "99999999999999999999"};
-  for (const char* text : kTexts) {
-    const ZoneScope scope(text);
-    const auto [part, record] = GetZone();
-    EXPECT_EQ(part, static_cast<DWORD>(TIME_ZONE_ID_UNKNOWN)) << text;
-    EXPECT_EQ(record.Bias, 0) << text;
-    EXPECT_EQ(record.StandardName, ToWide("UTC")) << text;
+  for (const char* text : {"Nowhere", "C-1", "CES", "CET-25", "CET-1:60", "<CET-1", "/none/such",
+                           "99999999999999999999", "CET-1CEST,M3.5.0", "CET-1CEST,M3.6.0,M10.5.0",
+                           "CET-1CEST,M13.1.0,M10.5.0", "CET-1CEST,J0,J365",
+                           "CET-1CEST,M3.5.0,M10.5.0/168", "CET-1CEST,M3.5.0,M10.5.0/3x"}) {
+    EXPECT_EQ(RecordOf(text), "0 UTC") << text;
   }
-}
-
-// The day that a change of a record means in a year.
-sys_days DayOf(const Change& change, year y) {
-  const auto m = y / change.month;
-  if (change.week == 5) return m / weekday(change.weekday)[std::chrono::last];
-  return m / weekday(change.weekday)[change.week];
-}
-
-year ThisYear() {
-  const std::time_t now = std::time(nullptr);
-  tm local;
-  localtime_r(&now, &local);
-  return year(local.tm_year + 1900);
 }
 
 // Days of the year, and times outside of their day, hold for the current year.
 TEST(HostZone, OtherDatesBecomeThoseOfThisYear) {
-  const year y = ThisYear();
-  const sys_days firstDay = y / 1 / 1;
-  struct Dates {
+  const year y(LocalNow().tm_year + 1900);
+  const sys_days firstDay = y / 1 / 1, lastOfMarch = y / 3 / weekday(0)[std::chrono::last],
+                 lastOfOctober = y / 10 / weekday(0)[std::chrono::last],
+                 thursday = y / 3 / weekday(4)[4];
+  const struct {
     const char* zone;
-    sys_days begin;
-    int beginHour;
-    sys_days end;
-    int endHour;
-  };
-  const Dates kCases[] = {
+    Hours begin, end;
+  } kCases[] = {
       // 29 February is no day of these.
-      {"CET-1CEST,J60,J300/3", y / 3 / 1, 2, y / 10 / 27, 3},
-      {"CET-1CEST,J59/1:00,J365/0", y / 2 / 28, 1, y / 12 / 31, 0},
-      {"CET-1CEST,80,300", firstDay + std::chrono::days(80), 2, firstDay + std::chrono::days(300),
-       2},
-      {"IST-2IDT,M3.4.4/26,M10.5.0", sys_days(y / 3 / weekday(4)[4]) + std::chrono::days(1), 2,
-       y / 10 / weekday(0)[std::chrono::last], 2},
-      {"<-02>2<-01>,M3.5.0/-1,M10.5.0/0",
-       sys_days(y / 3 / weekday(0)[std::chrono::last]) - std::chrono::days(1), 23,
-       y / 10 / weekday(0)[std::chrono::last], 0},
+      {"CET-1CEST,J60,J300/3", sys_days(y / 3 / 1) + hours(2), sys_days(y / 10 / 27) + hours(3)},
+      {"CET-1CEST,J59/1:00,J365/0", sys_days(y / 2 / 28) + hours(1), sys_days(y / 12 / 31)},
+      {"CET-1CEST,80,300", firstDay + days(80) + hours(2), firstDay + days(300) + hours(2)},
+      {"IST-2IDT,M3.4.4/26,M10.5.0", thursday + hours(26), lastOfOctober + hours(2)},
+      {"<-02>2<-01>,M3.5.0/-1,M10.5.0/0", lastOfMarch - hours(1), lastOfOctober},
   };
-  for (const Dates& c : kCases) {
-    SCOPED_TRACE(c.zone);
+  // What a date of a record means in a year.
+  const auto meant = [y](const SYSTEMTIME& date) -> Hours {
+    const auto m = y / date.wMonth;
+    const weekday day(date.wDayOfWeek);
+    const sys_days last = m / day[std::chrono::last], counted = m / day[date.wDay];
+    return (date.wDay == 5 ? last : counted) + hours(date.wHour);
+  };
+  for (const auto& c : kCases) {
     const ZoneScope scope(c.zone);
-    const auto [part, record] = GetZone();
-    const Change begin = ToChange(record.DaylightDate);
-    const Change end = ToChange(record.StandardDate);
-    EXPECT_EQ(DayOf(begin, y), c.begin) << begin;
-    EXPECT_EQ(begin.hour, c.beginHour);
-    EXPECT_EQ(DayOf(end, y), c.end) << end;
-    EXPECT_EQ(end.hour, c.endHour);
+    TIME_ZONE_INFORMATION zone;
+    GetTimeZoneInformation(&zone);
+    EXPECT_EQ(meant(zone.DaylightDate), c.begin) << c.zone << ' ' << TextOf(zone.DaylightDate);
+    EXPECT_EQ(meant(zone.StandardDate), c.end) << c.zone << ' ' << TextOf(zone.StandardDate);
   }
 }
 
 // A zone file with one type of local time and no change in its tables.
 std::string ZoneFile(char version, const std::string& rule) {
-  const auto block = [version] {
-    const std::string counts(16, '\0');  // of what the file hasn't
-    const std::string types("\0\0\0\1", 4);
-    const std::string nameBytes("\0\0\0\4", 4);
-    const std::string type("\0\0\x0e\x10\0\0", 6);  // an hour to the east
-    return std::string("TZif") + version + std::string(15, '\0') + counts + types + nameBytes +
-           type + std::string("OLD", 4);
-  };
-  if (version < '2') return block();
-  return block() + block() + '\n' + rule + '\n';
+  const std::string counts(16, '\0');  // of what the file hasn't
+  const std::string types("\0\0\0\1", 4), nameBytes("\0\0\0\4", 4);
+  const std::string type("\0\0\x0e\x10\0\0", 6);  // an hour to the east
+  const std::string block = std::string("TZif") + version + std::string(15, '\0') + counts + types +
+                            nameBytes + type + std::string("OLD", 4);
+  return version < '2' ? block : block + block + '\n' + rule + '\n';
 }
 
 TEST(HostZone, AFileGivesTheRuleAtItsEnd) {
@@ -230,45 +146,39 @@ TEST(HostZone, AFileGivesTheRuleAtItsEnd) {
   folder.Write("Cut", ZoneFile('2', "CET-1CEST,M3.5.0,M10.5.0/3").substr(0, 4));
   folder.Write("Text", "CET-1CEST,M3.5.0,M10.5.0/3\n");
   const Variable zones("TZDIR", folder.Path().c_str());
-  const std::string rome = folder.Path() / "Rome";
-  const std::string romeToo = ":" + rome;
-  const Change march = {3, 0, 5, 2}, october = {10, 0, 5, 3};
-  const Case kCases[] = {
-      {rome.c_str(), -60, "CET", -60, "CEST", march, october},
-      {romeToo.c_str(), -60, "CET", -60, "CEST", march, october},
-      {"Rome", -60, "CET", -60, "CEST", march, october},
-      {"Lord_Howe", -630, "+1030", -30, "+11", {10, 0, 1, 2}, {4, 0, 1, 2}},
+  const std::string path = folder.Path() / "Rome", kRome = "-60 CET, -60 CEST 3.5.0/2 10.5.0/3";
+  const std::pair<std::string, std::string> kCases[] = {
+      {path, kRome},
+      {":" + path, kRome},
+      {"Rome", kRome},
+      {"Lord_Howe", "-630 +1030, -30 +11 10.1.0/2 4.1.0/2"},
       // Without a rule the offset stays what it is.
-      {"None", -60, "OLD"},
-      {"Old", -60, "OLD"},
-      {"Cut", 0, "UTC"},
-      {"Text", 0, "UTC"},
-      {"Missing", 0, "UTC"},
+      {"None", "-60 OLD"},
+      {"Old", "-60 OLD"},
+      {"Cut", "0 UTC"},
+      {"Text", "0 UTC"},
   };
-  for (const Case& c : kCases) {
-    const ZoneScope scope(c.zone);
-    Expect(c);
-  }
+  for (const auto& [zone, record] : kCases) EXPECT_EQ(RecordOf(zone.c_str()), record) << zone;
+}
+
+std::int64_t SecondsOf(const SYSTEMTIME& date) {
+  FILETIME time;
+  EXPECT_TRUE(SystemTimeToFileTime(&date, &time));
+  return static_cast<std::int64_t>((std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime) /
+                                   10'000'000);
 }
 
 // The local clock follows a change of TZ at once.
 TEST(HostZone, TheClockShowsIt) {
-  for (const int hours : {-11, -3, 0, 5, 13}) {
-    const ZoneScope scope(("XXX" + std::to_string(-hours)).c_str());
+  for (const int east : {-11, -3, 0, 5, 13}) {
+    const ZoneScope scope(("XXX" + std::to_string(-east)).c_str());
     SYSTEMTIME before, local, after;
-    FILETIME utcTicks, localTicks;
     do {
       GetSystemTime(&before);
       GetLocalTime(&local);
       GetSystemTime(&after);
     } while (before.wSecond != after.wSecond);
-    ASSERT_TRUE(SystemTimeToFileTime(&before, &utcTicks));
-    ASSERT_TRUE(SystemTimeToFileTime(&local, &localTicks));
-    const auto seconds = [](const FILETIME& t) {
-      return static_cast<std::int64_t>((std::uint64_t{t.dwHighDateTime} << 32 | t.dwLowDateTime) /
-                                       10'000'000);
-    };
-    EXPECT_EQ(seconds(localTicks) - seconds(utcTicks), hours * 3600);
+    EXPECT_EQ(SecondsOf(local) - SecondsOf(before), east * 3600);
   }
 }
 
