@@ -106,6 +106,47 @@ TEST_F(ChangeTransactionTest, OnlyTheOutermostLevelCloses) {
   EXPECT_EQ(CountUndo(), 2u);
 }
 
+TEST_F(ChangeTransactionTest, KeepsTwentySteps) {
+  for (int i = 0; i < 25; ++i) m_manager.Add(new Command);
+  EXPECT_EQ(CountUndo(), 20u);
+}
+
+TEST_F(ChangeTransactionTest, DependantsEndBeforeWhatTheyDependOn) {
+  // The chain A -> B -> C, the tie A -> C and the bystander D, for each order of addresses.
+  std::vector<int> places = {0, 1, 2, 3};
+  do {
+    std::vector<Source> s(4, Source(&m_log, ""));
+    for (int i = 0; i < 4; ++i) s[places[i]] = Source(&m_log, std::string(1, "ABCD"[i]));
+    Source *a = &s[places[0]], *b = &s[places[1]], *c = &s[places[2]], *d = &s[places[3]];
+    Listener listener(&m_log);
+    for (Source& source : s) {
+      source.Attach(&m_manager);
+      source.Register(&listener);
+    }
+    a->AddDependsOn(b);
+    b->AddDependsOn(c);
+    a->AddDependsOn(c);
+    d->AddDependsOn(c);
+    {
+      const CSourceEventScope scope(a);
+      Log begun = TakeLog();
+      EXPECT_EQ(begun, (Log{"<C", "b:C", "<B", "b:B", "<A", "b:A"}));
+    }
+    Log log = TakeLog();
+    ASSERT_EQ(log.size(), 12u);
+    std::sort(log.begin(), log.begin() + 3);
+    EXPECT_EQ(log,
+              (Log{"e:A", "e:B", "e:C", "[A", "E:A", "]A", "[B", "E:B", "]B", "[C", "E:C", "]C"}));
+
+    a->RemoveDependsOn(b);
+    a->RemoveDependsOn(c);
+    { const CSourceEventScope scope(a); }
+    EXPECT_EQ(TakeLog(), (Log{"<A", "b:A", "e:A", "[A", "E:A", "]A"}));
+    b->RemoveDependsOn(c);
+    d->RemoveDependsOn(c);
+  } while (std::next_permutation(places.begin(), places.end()));
+}
+
 TEST_F(ChangeTransactionTest, DependantsMayComeAndGoWhileTheyAreClosed) {
   // C closes its dependants D and E first. While D ends, E goes for good and F joins.
   Source c(&m_log, "C", &m_manager), d(&m_log, "D", &m_manager), f(&m_log, "F", &m_manager);

@@ -116,7 +116,7 @@ ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
   const fs::path err = folder.PathOf("err");
   HANDLE in = nullptr;
   HANDLE pipe = nullptr;
-  CreatePipe(&in, &pipe, nullptr, 0);
+  if (!CreatePipe(&in, &pipe, nullptr, 0)) throw std::runtime_error("no pipe can be made");
   SetHandleInformation(in, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
   const Program program(arguments, in, out, err, CREATE_NO_WINDOW);
   while (ReadFile(err).empty() && !program.HasEnded()) Sleep(5);

@@ -135,7 +135,7 @@ year YearOf(sys_seconds moment) {
   return std::chrono::year_month_day(std::chrono::floor<days>(moment)).year();
 }
 
-// As "XXX3EDT4,0/0,J365/23" is written: the end of a year's is the begin of the next one's.
+// As "LMT3EDT4,0/0,J365/23" is written: the end of a year's is the begin of the next one's.
 bool NeverEnds(const ZoneRule& rule) {
   constexpr year kAny(2001);
   return MomentOf(rule.daylight->end, kAny, rule.daylight->period) >=
