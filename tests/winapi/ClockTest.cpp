@@ -7,7 +7,9 @@
 #include <ctime>
 #include <thread>
 #include <tuple>
+#include <utility>
 
+#include "tests/winapi/ErrorOf.h"
 #include "tests/winapi/UnderWine.h"
 
 namespace {
@@ -34,11 +36,7 @@ SYSTEMTIME Date(WORD year, WORD month, WORD day) {
 }
 
 TEST(FileTime, IsADateAndBack) {
-  struct Case {
-    std::uint64_t ticks;
-    SYSTEMTIME date;
-  };
-  const Case kCases[] = {
+  const std::pair<std::uint64_t, SYSTEMTIME> kCases[] = {
       {0, {1601, 1, 1, 1, 0, 0, 0, 0}},
       {116'444'736'000'000'000, {1970, 1, 4, 1, 0, 0, 0, 0}},
       {125'963'423'999'990'000, {2000, 2, 2, 29, 23, 59, 59, 999}},
@@ -46,17 +44,15 @@ TEST(FileTime, IsADateAndBack) {
       {2'650'467'743'999'990'000, {9999, 12, 5, 31, 23, 59, 59, 999}},
       {9'223'149'887'999'990'000, {30827, 12, 5, 31, 23, 59, 59, 999}},
   };
-  for (const Case& c : kCases) {
-    SCOPED_TRACE(c.ticks);
+  for (const auto& [ticks, expected] : kCases) {
     SYSTEMTIME date = {};
-    // What is below a millisecond is left out.
-    const FILETIME source = FromTicks(c.ticks + 9'999);
+    const FILETIME source = FromTicks(ticks + 9'999);  // what is below a millisecond is left out
     ASSERT_TRUE(FileTimeToSystemTime(&source, &date));
-    EXPECT_EQ(Fields(date), Fields(c.date));
+    EXPECT_EQ(Fields(date), Fields(expected));
     FILETIME back;
     date.wDayOfWeek = 9;
     ASSERT_TRUE(SystemTimeToFileTime(&date, &back)) << "the weekday doesn't matter";
-    EXPECT_EQ(ToTicks(back), static_cast<std::int64_t>(c.ticks));
+    EXPECT_EQ(ToTicks(back), static_cast<std::int64_t>(ticks));
   }
 }
 
@@ -89,29 +85,26 @@ TEST(FileTime, RefusesWhatIsNoDate) {
     SYSTEMTIME date;
     bool wineDiffers = false;  // it takes years beyond the last one, and any 29 February
   };
-  const Case kCases[] = {
-      {Date(1600, 12, 31)},
-      {Date(30828, 1, 1), true},
-      {Date(2021, 0, 1)},
-      {Date(2021, 13, 1)},
-      {Date(2021, 257, 1)},
-      {Date(2021, 1, 0)},
-      {Date(2021, 1, 32)},
-      {Date(2021, 1, 257)},
-      {Date(2021, 4, 31)},
-      {Date(2021, 2, 29), true},
-      {Date(1900, 2, 29), true},
-      {{2021, 1, 0, 1, 24, 0, 0, 0}},
-      {{2021, 1, 0, 1, 0, 60, 0, 0}},
-      {{2021, 1, 0, 1, 0, 0, 60, 0}},
-      {{2021, 1, 0, 1, 0, 0, 0, 1000}},
-  };
+  const Case kCases[] = {{Date(1600, 12, 31)},
+                         {Date(30828, 1, 1), true},
+                         {Date(2021, 0, 1)},
+                         {Date(2021, 13, 1)},
+                         {Date(2021, 257, 1)},
+                         {Date(2021, 1, 0)},
+                         {Date(2021, 1, 32)},
+                         {Date(2021, 1, 257)},
+                         {Date(2021, 4, 31)},
+                         {Date(2021, 2, 29), true},
+                         {Date(1900, 2, 29), true},
+                         {{2021, 1, 0, 1, 24, 0, 0, 0}},
+                         {{2021, 1, 0, 1, 0, 60, 0, 0}},
+                         {{2021, 1, 0, 1, 0, 0, 60, 0}},
+                         {{2021, 1, 0, 1, 0, 0, 0, 1000}}};
   for (const Case& c : kCases) {
     if (c.wineDiffers && UnderWine()) continue;
     FILETIME ticks;
-    SetLastError(ERROR_SUCCESS);
-    EXPECT_FALSE(SystemTimeToFileTime(&c.date, &ticks)) << testing::PrintToString(Fields(c.date));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(ErrorOf(SystemTimeToFileTime(&c.date, &ticks)), ERROR_INVALID_PARAMETER)
+        << testing::PrintToString(Fields(c.date));
   }
 
   SYSTEMTIME date = {};
@@ -119,16 +112,12 @@ TEST(FileTime, RefusesWhatIsNoDate) {
   EXPECT_TRUE(FileTimeToSystemTime(&last, &date));
   EXPECT_EQ(Fields(date), Fields({30828, 9, 4, 14, 2, 48, 5, 477}));
   const FILETIME beyond = FromTicks(0x8000'0000'0000'0000);
-  SetLastError(ERROR_SUCCESS);
-  EXPECT_FALSE(FileTimeToSystemTime(&beyond, &date));
-  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+  EXPECT_EQ(ErrorOf(FileTimeToSystemTime(&beyond, &date)), ERROR_INVALID_PARAMETER);
 }
 
 TEST(Clock, ItsFormsAgree) {
-  FILETIME before;
+  FILETIME before, asTicks, after;
   SYSTEMTIME date;
-  FILETIME asTicks;
-  FILETIME after;
   GetSystemTimeAsFileTime(&before);
   GetSystemTime(&date);
   GetSystemTimeAsFileTime(&after);

@@ -10,18 +10,11 @@
 #include <cstdlib>
 #include <cwchar>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/TempFolder.h"
 #include "tests/winapi/WideText.h"
-
-#ifdef _WIN32
-#define WTEXT(text) L##text
-constexpr const char* kGermanLocale = "German_Germany.1252";
-#else
-#define WTEXT(text) u##text
-constexpr const char* kGermanLocale = "de_DE.UTF-8";
-#endif
 
 namespace {
 
@@ -47,14 +40,11 @@ TEST(CrtStdio, ReadsLinesOfText) {
                                       WTEXT("five\u00E0\rsix\r\n"), WTEXT("end")};
   EXPECT_EQ(ReadLines(path, WTEXT("r")), expected);
   EXPECT_EQ(ReadLines(path, WTEXT("rt")), expected);
-  const std::vector<Wide> pieces = ReadLines(path, WTEXT("r"), 4);
-  ASSERT_GE(pieces.size(), 2u);
-  EXPECT_EQ(pieces[0], WTEXT("one"));
-  EXPECT_EQ(pieces[1], WTEXT("\n"));
+  std::vector<Wide> pieces = ReadLines(path, WTEXT("r"), 4);
+  pieces.resize(2);
+  EXPECT_EQ(pieces, (std::vector<Wide>{WTEXT("one"), WTEXT("\n")}));
 
-  folder.Write("end.txt",
-               "a\x1A"
-               "b\n");
+  folder.Write("end.txt", "a\x1Az\n");
   EXPECT_EQ(ReadLines(folder.Wide(WTEXT("end.txt")), WTEXT("r")), std::vector<Wide>{WTEXT("a")});
 }
 
@@ -69,49 +59,42 @@ TEST(CrtStdio, LeavesTheBufferAloneAtTheEnd) {
   std::fclose(file);
 }
 
+int Put(const std::string& text, FILE* file) {
+  return std::fputs(text.c_str(), file);
+}
+int Put(const Wide& text, FILE* file) {
+  return fputws(text.c_str(), file);
+}
+
+// The bytes of a file after text was written to it in a mode.
+template <class Text>
+std::string AfterWriting(const TempFolder& folder, const WCHAR* mode, const Text& text) {
+  FILE* const file = _wfopen(folder.Wide(WTEXT("out.txt")).c_str(), mode);
+  EXPECT_NE(file, nullptr);
+  if (file == nullptr) return "";
+  EXPECT_GE(Put(text, file), 0);
+  EXPECT_EQ(std::fclose(file), 0);
+  return folder.Read("out.txt");
+}
+
 TEST(CrtStdio, TextStreamsTranslateLineEndsAndKnowTheirPosition) {
   const TempFolder folder;
-  const Wide path = folder.Wide(WTEXT("out.txt"));
-  FILE* file = _wfopen(path.c_str(), WTEXT("w"));
-  ASSERT_NE(file, nullptr);
-  std::fputs("a\nbc\n", file);
-  std::fclose(file);
-  EXPECT_EQ(folder.Read("out.txt"), "a\r\nbc\r\n");
+  EXPECT_EQ(AfterWriting(folder, WTEXT("w"), "a\nbc\n"), "a\r\nbc\r\n");
+  EXPECT_EQ(AfterWriting(folder, WTEXT("a"), "d\n"), "a\r\nbc\r\nd\r\n");
 
-  file = _wfopen(path.c_str(), WTEXT("a"));
-  ASSERT_NE(file, nullptr);
-  std::fputs("d\n", file);
-  std::fclose(file);
-  EXPECT_EQ(folder.Read("out.txt"), "a\r\nbc\r\nd\r\n");
-
-  file = _wfopen(path.c_str(), WTEXT("r+t"));
+  FILE* const file = _wfopen(folder.Wide(WTEXT("out.txt")).c_str(), WTEXT("r+t"));
   ASSERT_NE(file, nullptr);
   WCHAR line[10];
   ASSERT_NE(fgetws(line, 10, file), nullptr);
-  const long second = std::ftell(file);
-  EXPECT_EQ(second, 3);
+  EXPECT_EQ(std::ftell(file), 3);
   ASSERT_NE(fgetws(line, 10, file), nullptr);
   EXPECT_EQ(Wide(line), WTEXT("bc\n"));
-  ASSERT_EQ(std::fseek(file, second, SEEK_SET), 0);
+  ASSERT_EQ(std::fseek(file, 3, SEEK_SET), 0);
   std::fputs("BC", file);
   std::fclose(file);
   EXPECT_EQ(folder.Read("out.txt"), "a\r\nBC\r\nd\r\n");
 
-  file = _wfopen(path.c_str(), WTEXT("wb"));
-  ASSERT_NE(file, nullptr);
-  std::fputs("a\n", file);
-  std::fclose(file);
-  EXPECT_EQ(folder.Read("out.txt"), "a\n");
-}
-
-// The bytes of a file after text was written to it in a mode.
-std::string AfterWriting(const TempFolder& folder, const WCHAR* mode, const Wide& text) {
-  FILE* const file = _wfopen(folder.Wide(WTEXT("unicode.txt")).c_str(), mode);
-  EXPECT_NE(file, nullptr);
-  if (file == nullptr) return "";
-  EXPECT_GE(fputws(text.c_str(), file), 0);
-  EXPECT_EQ(std::fclose(file), 0);
-  return folder.Read("unicode.txt");
+  EXPECT_EQ(AfterWriting(folder, WTEXT("wb"), "a\n"), "a\n");
 }
 
 TEST(CrtStdio, UnicodeStreamsHaveAMarkAndWriteAnyText) {
@@ -120,15 +103,18 @@ TEST(CrtStdio, UnicodeStreamsHaveAMarkAndWriteAnyText) {
   const std::string kLine16 = {'\xAC', '\x20', '\r', '\0', '\n', '\0'};  // of a euro
   const std::string kLine8 = "\xE2\x82\xAC\r\n";
   const Wide line = WTEXT("\u20AC\n");
-  EXPECT_EQ(AfterWriting(folder, WTEXT("wt, ccs=UNICODE"), WTEXT("")), kMark16);
-  EXPECT_EQ(AfterWriting(folder, WTEXT("a, ccs=UNICODE"), line), kMark16 + kLine16);
-  EXPECT_EQ(AfterWriting(folder, WTEXT("a, ccs=UNICODE"), line), kMark16 + kLine16 + kLine16);
-  EXPECT_EQ(AfterWriting(folder, WTEXT("a,ccs=utf-8"), line), kMark16 + kLine16 + kLine16 + kLine16)
-      << "the mark decides";
-  EXPECT_EQ(AfterWriting(folder, WTEXT("w,ccs=UTF-8"), line), kMark8 + kLine8);
-  EXPECT_EQ(AfterWriting(folder, WTEXT("a, ccs=UNICODE"), line), kMark8 + kLine8 + kLine8);
-  EXPECT_EQ(AfterWriting(folder, WTEXT("w, ccs=UTF-16LE"), line), kMark16 + kLine16);
-  EXPECT_EQ(AfterWriting(folder, WTEXT("w"), WTEXT("x\n")), "x\r\n") << "no other stream is";
+  const struct {
+    const WCHAR* mode;
+    Wide text;
+    std::string bytes;
+  } kCases[] = {{WTEXT("wt, ccs=UNICODE"), Wide(), kMark16},
+                {WTEXT("a, ccs=UNICODE"), line, kMark16 + kLine16},
+                {WTEXT("a,ccs=utf-8"), line, kMark16 + kLine16 + kLine16},  // the mark decides
+                {WTEXT("w,ccs=UTF-8"), line, kMark8 + kLine8},
+                {WTEXT("a, ccs=UNICODE"), line, kMark8 + kLine8 + kLine8},
+                {WTEXT("w, ccs=UTF-16LE"), line, kMark16 + kLine16},
+                {WTEXT("w"), WTEXT("x\n"), "x\r\n"}};
+  for (const auto& c : kCases) EXPECT_EQ(AfterWriting(folder, c.mode, c.text), c.bytes);
 }
 
 TEST(CrtStdio, OpensByWindowsNames) {
@@ -142,17 +128,16 @@ TEST(CrtStdio, OpensByWindowsNames) {
   EXPECT_NE(file, nullptr) << "in any case";
   if (file != nullptr) std::fclose(file);
 
-  errno = 0;
-  EXPECT_EQ(_wfopen(folder.Wide(WTEXT("none.txt")).c_str(), WTEXT("rb")), nullptr);
-  EXPECT_EQ(errno, ENOENT);
-  for (const WCHAR* mode : {WTEXT("rb"), WTEXT("r+b"), WTEXT("wb"), WTEXT("ab")}) {
+  const auto error = [](const Wide& path, const WCHAR* mode) {
     errno = 0;
-    EXPECT_EQ(_wfopen(folder.Wide().c_str(), mode), nullptr) << "a folder isn't a file";
-    EXPECT_EQ(errno, EACCES);
+    EXPECT_EQ(_wfopen(path.c_str(), mode), nullptr);
+    return errno;
+  };
+  EXPECT_EQ(error(folder.Wide(WTEXT("none.txt")), WTEXT("rb")), ENOENT);
+  for (const WCHAR* mode : {WTEXT("rb"), WTEXT("r+b"), WTEXT("wb"), WTEXT("ab")}) {
+    EXPECT_EQ(error(folder.Wide(), mode), EACCES) << "a folder isn't a file";
   }
-  errno = 0;
-  EXPECT_EQ(_wfopen(folder.Wide(WTEXT("a*b")).c_str(), WTEXT("wb")), nullptr);
-  EXPECT_EQ(errno, EINVAL);
+  EXPECT_EQ(error(folder.Wide(WTEXT("a*b")), WTEXT("wb")), EINVAL);
 }
 
 TEST(CrtStdio, MakesFilesInFoldersOfAnyCase) {
@@ -192,27 +177,21 @@ TEST(CrtStdio, ReadsTheCharactersOfTheLocale) {
 }
 
 TEST(CrtNumber, ReadsIntegersOf32Bits) {
-  struct Case {
-    const WCHAR* text;
-    int value;
-  };
-  const Case kCases[] = {
-      {WTEXT(""), 0},
-      {WTEXT(" \t\n-12x"), -12},
-      {WTEXT("+7"), 7},
-      {WTEXT("+-7"), 0},
-      {WTEXT("007.9"), 7},
-      {WTEXT("0x10"), 0},
-      {WTEXT("2147483647"), INT_MAX},
-      {WTEXT("2147483648"), INT_MAX},
-      {WTEXT("-2147483648"), INT_MIN},
-      {WTEXT("-2147483649"), INT_MIN},
-      {WTEXT("4294967297"), INT_MAX},
-      {WTEXT("99999999999999999999999"), INT_MAX},
-  };
-  for (const Case& c : kCases) {
-    EXPECT_EQ(_wtoi(c.text), c.value);
-    EXPECT_EQ(_wtol(c.text), c.value);
+  const std::pair<const WCHAR*, int> kCases[] = {{WTEXT(""), 0},
+                                                 {WTEXT(" \t\n-12x"), -12},
+                                                 {WTEXT("+7"), 7},
+                                                 {WTEXT("+-7"), 0},
+                                                 {WTEXT("007.9"), 7},
+                                                 {WTEXT("0x10"), 0},
+                                                 {WTEXT("2147483647"), INT_MAX},
+                                                 {WTEXT("2147483648"), INT_MAX},
+                                                 {WTEXT("-2147483648"), INT_MIN},
+                                                 {WTEXT("-2147483649"), INT_MIN},
+                                                 {WTEXT("4294967297"), INT_MAX},
+                                                 {WTEXT("99999999999999999999999"), INT_MAX}};
+  for (const auto& [text, value] : kCases) {
+    EXPECT_EQ(_wtoi(text), value);
+    EXPECT_EQ(_wtol(text), value);
   }
 }
 

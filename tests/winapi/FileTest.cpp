@@ -225,7 +225,7 @@ TEST(Path, FullPathsAreTakenFromTheText) {
 
 // Each tells the size that a buffer must have, terminator included, and doesn't write into less.
 TEST(Path, SmallBuffersLearnTheSizeNeeded) {
-  DWORD (*const calls[])
+  DWORD(*const calls[])
   (DWORD, LPWSTR) = {[](DWORD size, LPWSTR buffer) {
                        return GetFullPathNameW(WTEXT("C:\\a"), size, buffer, nullptr);
                      },

@@ -6,6 +6,7 @@
 #include <cwchar>
 #include <string>
 
+#include "tests/winapi/ErrorOf.h"
 #include "tests/winapi/UnderWine.h"
 #include "tests/winapi/WideText.h"
 
@@ -31,9 +32,8 @@ TEST(Module, APathThatDoesNotFitIsCutAndTerminated) {
   const Wide path = PathOf(nullptr);
   Wide buffer(path.size() + 2, WTEXT('?'));
   for (DWORD size = 1; size <= path.size(); ++size) {
-    SetLastError(0);
-    EXPECT_EQ(GetModuleFileNameW(nullptr, buffer.data(), size), size);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_EQ(ErrorOf(GetModuleFileNameW(nullptr, buffer.data(), size), size),
+              ERROR_INSUFFICIENT_BUFFER);
     // Wine fills all of the buffer and writes no terminator.
     if (UnderWine()) buffer[size - 1] = 0;
     EXPECT_EQ(buffer.c_str(), path.substr(0, size - 1));
@@ -52,15 +52,11 @@ TEST(Module, IsFoundByNameWithoutRegardToCase) {
   EXPECT_EQ(GetModuleHandleW(path.c_str()), program);
   EXPECT_EQ(GetModuleHandleW(name.c_str()), program);
   EXPECT_EQ(GetModuleHandleW(_wcsupr(name.data())), program);
-}
 
-TEST(Module, WhatIsNotLoadedIsNotFound) {
-  EXPECT_EQ(GetModuleHandleW(WTEXT("no_such_module.dll")), nullptr);
-  EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
-  SetLastError(0);
-  WCHAR path[8];
-  EXPECT_EQ(GetModuleFileNameW(reinterpret_cast<HMODULE>(0x10000), path, 8), 0u);
-  EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
+  WCHAR text[8];
+  EXPECT_EQ(ErrorOf(GetModuleHandleW(WTEXT("no_such_module.dll"))), ERROR_MOD_NOT_FOUND);
+  EXPECT_EQ(ErrorOf(GetModuleFileNameW(reinterpret_cast<HMODULE>(0x10000), text, 8)),
+            ERROR_MOD_NOT_FOUND);
 }
 
 }  // namespace

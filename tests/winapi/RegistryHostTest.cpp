@@ -49,10 +49,9 @@ TEST_F(RegistryHost, ADamagedFileIsLeftAlone) {
   std::filesystem::create_directories(m_folder.Path() / "winapi");
   for (const char* text : {"[HKEY_CURRENT_USER\\\\K\n", "\"v\"=1:00\n", "[K]\n\"v\"=x:00\n",
                            "[K]\n\"v\"=1:0\n", "[K]\n\"v\"=1:0g\n", "[K]\n\"v=1:00\n", "\n"}) {
-    SCOPED_TRACE(text);
     m_folder.Write("winapi/registry.txt", text);
     HKEY key = nullptr;
-    EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_READ, &key), ERROR_BADDB);
+    EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_READ, &key), ERROR_BADDB) << text;
     EXPECT_EQ(
         RegCreateKeyExW(HKEY_CURRENT_USER, u"K", 0, nullptr, 0, KEY_READ, nullptr, &key, nullptr),
         ERROR_BADDB);
@@ -60,11 +59,11 @@ TEST_F(RegistryHost, ADamagedFileIsLeftAlone) {
   }
 }
 
-void SetMany(const WCHAR* head) {
+void SetMany(WCHAR head) {
   HKEY key = nullptr;
   RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_WRITE, &key);
-  for (WCHAR i = 0; i < 20; ++i) {
-    const WCHAR name[] = {*head, static_cast<WCHAR>('a' + i), 0};
+  for (WCHAR tail = 'a'; tail <= 't'; ++tail) {
+    const WCHAR name[] = {head, tail, 0};
     RegSetValueExW(key, name, 0, REG_BINARY, nullptr, 0);
   }
   RegCloseKey(key);
@@ -74,14 +73,14 @@ TEST_F(RegistryHost, ThreadsAndProgramsLoseNoChange) {
   const HKEY key = Create(u"K");
   const pid_t child = fork();
   if (child == 0) {
-    SetMany(u"1");
+    SetMany(u'1');
     _exit(0);
   }
-  { const std::jthread second(SetMany, u"2"), third(SetMany, u"3"); }
+  { const std::jthread second(SetMany, u'2'), third(SetMany, u'3'); }
   ASSERT_EQ(waitpid(child, nullptr, 0), child);
   for (const WCHAR head : {u'1', u'2', u'3'}) {
-    for (WCHAR i = 0; i < 20; ++i) {
-      const WCHAR name[] = {head, static_cast<WCHAR>('a' + i), 0};
+    for (WCHAR tail = 'a'; tail <= 't'; ++tail) {
+      const WCHAR name[] = {head, tail, 0};
       EXPECT_EQ(RegQueryValueExW(key, name, nullptr, nullptr, nullptr, nullptr), ERROR_SUCCESS);
     }
   }

@@ -36,6 +36,15 @@ class Registry : public testing::Test {
     RegCloseKey(m_key);
   }
 
+  LSTATUS Open(const WCHAR* name, REGSAM access, HKEY* key) {
+    return RegOpenKeyExW(m_key, name, 0, access, key);
+  }
+  LSTATUS Create(const WCHAR* name, REGSAM access, HKEY* key, DWORD* disposition) {
+    return RegCreateKeyExW(m_key, name, 0, nullptr, 0, access, nullptr, key, disposition);
+  }
+  static LSTATUS Look(HKEY key, const WCHAR* name) {
+    return RegQueryValueExW(key, name, nullptr, nullptr, nullptr, nullptr);
+  }
   LSTATUS Set(const WCHAR* name, DWORD type, const std::vector<BYTE>& data) {
     return RegSetValueExW(m_key, name, 0, type, data.data(), static_cast<DWORD>(data.size()));
   }
@@ -65,90 +74,72 @@ TEST_F(Registry, GivesValuesBackByteForByte) {
       {nullptr, REG_EXPAND_SZ, Bytes(Wide(WTEXT("unnamed")) + WCHAR{0})},
       {WTEXT("large"), REG_BINARY, std::vector<BYTE>(50000, 0x5A)},
   };
-  for (const auto& value : values) {
-    ASSERT_EQ(Set(value.name, value.type, value.data), ERROR_SUCCESS);
-  }
+  for (const auto& v : values) ASSERT_EQ(Set(v.name, v.type, v.data), ERROR_SUCCESS);
   for (const auto& value : values) {
     DWORD type = 99;
-    const std::vector<BYTE> data = Get(value.name, &type);
+    EXPECT_EQ(Get(value.name, &type), value.data);
     EXPECT_EQ(type, value.type);
-    EXPECT_EQ(data, value.data);
   }
   EXPECT_EQ(Get(WTEXT("")), values[4].data) << "the empty name is the unnamed value";
   Set(WTEXT("NUMBER"), REG_DWORD, {9, 9, 9, 9});
   EXPECT_EQ(Get(WTEXT("number")), (std::vector<BYTE>{9, 9, 9, 9}));
+  EXPECT_EQ(RegDeleteValueW(m_key, WTEXT("Number")), ERROR_SUCCESS);
+  EXPECT_EQ(RegDeleteValueW(m_key, WTEXT("number")), ERROR_FILE_NOT_FOUND);
 }
 
 TEST_F(Registry, TellsTheSizeThatAValueNeeds) {
   Set(WTEXT("v"), REG_BINARY, {1, 2, 3});
-  DWORD size = 77;
-  DWORD type = 99;
-  EXPECT_EQ(RegQueryValueExW(m_key, WTEXT("v"), nullptr, &type, nullptr, &size), ERROR_SUCCESS);
-  EXPECT_EQ(size, 3u);
+  DWORD size = 77, type = 99;
   BYTE data[3] = {7, 7, 7};
-  size = 2;
-  EXPECT_EQ(RegQueryValueExW(m_key, WTEXT("v"), nullptr, &type, data, &size), ERROR_MORE_DATA);
+  const auto query = [&](const WCHAR* name, BYTE* buffer, DWORD* room) {
+    return RegQueryValueExW(m_key, name, nullptr, &type, buffer, room);
+  };
+  EXPECT_EQ(query(WTEXT("v"), nullptr, &size), ERROR_SUCCESS);
   EXPECT_EQ(size, 3u);
-  EXPECT_EQ(type, static_cast<DWORD>(REG_BINARY));
+  size = 2;
+  EXPECT_EQ(query(WTEXT("v"), data, &size), ERROR_MORE_DATA);
+  EXPECT_EQ(size, 3u);
+  EXPECT_EQ(type, DWORD{REG_BINARY});
   EXPECT_EQ(data[0], 7);
-  EXPECT_EQ(RegQueryValueExW(m_key, WTEXT("v"), nullptr, nullptr, nullptr, nullptr), ERROR_SUCCESS);
-  EXPECT_EQ(RegQueryValueExW(m_key, WTEXT("v"), nullptr, nullptr, data, nullptr),
-            ERROR_INVALID_PARAMETER);
-  EXPECT_EQ(RegQueryValueExW(m_key, WTEXT("w"), nullptr, nullptr, nullptr, &size),
-            ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(query(WTEXT("v"), data, nullptr), ERROR_INVALID_PARAMETER);
+  EXPECT_EQ(query(WTEXT("w"), nullptr, &size), ERROR_FILE_NOT_FOUND);
 }
 
 TEST_F(Registry, KeysAreMadeOpenedAndDeleted) {
   HKEY key = nullptr;
   DWORD disposition = 0;
-  ASSERT_EQ(
-      RegCreateKeyExW(m_key, WTEXT("A\\B"), 0, nullptr, 0, KEY_WRITE, nullptr, &key, &disposition),
-      ERROR_SUCCESS);
-  EXPECT_EQ(disposition, static_cast<DWORD>(REG_CREATED_NEW_KEY));
+  ASSERT_EQ(Create(WTEXT("A\\B"), KEY_WRITE, &key, &disposition), ERROR_SUCCESS);
+  EXPECT_EQ(disposition, DWORD{REG_CREATED_NEW_KEY});
   EXPECT_EQ(RegSetValueExW(key, WTEXT("v"), 0, REG_BINARY, nullptr, 0), ERROR_SUCCESS);
-  EXPECT_EQ(RegQueryValueExW(key, WTEXT("v"), nullptr, nullptr, nullptr, nullptr),
-            ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Look(key, WTEXT("v")), ERROR_ACCESS_DENIED);
   EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
 
-  ASSERT_EQ(RegOpenKeyExW(m_key, WTEXT("a\\b"), 0, KEY_READ, &key), ERROR_SUCCESS);
-  EXPECT_EQ(RegQueryValueExW(key, WTEXT("v"), nullptr, nullptr, nullptr, nullptr), ERROR_SUCCESS);
+  ASSERT_EQ(Open(WTEXT("a\\b"), KEY_READ, &key), ERROR_SUCCESS);
+  EXPECT_EQ(Look(key, WTEXT("v")), ERROR_SUCCESS);
   EXPECT_EQ(RegSetValueExW(key, WTEXT("v"), 0, REG_BINARY, nullptr, 0), ERROR_ACCESS_DENIED);
   EXPECT_EQ(RegDeleteValueW(key, WTEXT("v")), ERROR_ACCESS_DENIED);
 
   EXPECT_EQ(RegDeleteKeyW(m_key, WTEXT("A")), ERROR_ACCESS_DENIED) << "it has a subkey";
   EXPECT_EQ(RegDeleteKeyW(m_key, WTEXT("A\\B")), ERROR_SUCCESS);
-  EXPECT_EQ(RegQueryValueExW(key, WTEXT("v"), nullptr, nullptr, nullptr, nullptr),
-            ERROR_KEY_DELETED);
+  EXPECT_EQ(Look(key, WTEXT("v")), ERROR_KEY_DELETED);
   EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
-  EXPECT_EQ(RegOpenKeyExW(m_key, WTEXT("A\\B"), 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(Open(WTEXT("A\\B"), KEY_READ, &key), ERROR_FILE_NOT_FOUND);
   EXPECT_EQ(RegDeleteKeyW(m_key, WTEXT("A\\B")), ERROR_FILE_NOT_FOUND);
 
-  ASSERT_EQ(
-      RegCreateKeyExW(m_key, WTEXT("A"), 0, nullptr, 0, KEY_READ, nullptr, &key, &disposition),
-      ERROR_SUCCESS);
-  EXPECT_EQ(disposition, static_cast<DWORD>(REG_OPENED_EXISTING_KEY));
+  ASSERT_EQ(Create(WTEXT("A"), KEY_READ, &key, &disposition), ERROR_SUCCESS);
+  EXPECT_EQ(disposition, DWORD{REG_OPENED_EXISTING_KEY});
   RegCloseKey(key);
-}
 
-TEST_F(Registry, ValuesAreDeleted) {
+  ASSERT_EQ(Open(nullptr, KEY_READ, &key), ERROR_SUCCESS) << "the same key again";
   Set(WTEXT("v"), REG_DWORD, {1, 2, 3, 4});
-  EXPECT_EQ(RegDeleteValueW(m_key, WTEXT("V")), ERROR_SUCCESS);
-  EXPECT_EQ(RegDeleteValueW(m_key, WTEXT("v")), ERROR_FILE_NOT_FOUND);
-}
-
-TEST_F(Registry, ANullSubkeyOpensTheKeyAgain) {
-  HKEY again = nullptr;
-  ASSERT_EQ(RegOpenKeyExW(m_key, nullptr, 0, KEY_READ, &again), ERROR_SUCCESS);
-  Set(WTEXT("v"), REG_DWORD, {1, 2, 3, 4});
-  EXPECT_EQ(RegQueryValueExW(again, WTEXT("v"), nullptr, nullptr, nullptr, nullptr), ERROR_SUCCESS);
-  EXPECT_EQ(RegCloseKey(again), ERROR_SUCCESS);
+  EXPECT_EQ(Look(key, WTEXT("v")), ERROR_SUCCESS);
+  EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
 }
 
 TEST(RegistryHandle, WhatIsNotAKey) {
   HKEY key = reinterpret_cast<HKEY>(0x123456);
-  EXPECT_EQ(
-      RegOpenKeyExW(HKEY_LOCAL_MACHINE, WTEXT("SOFTWARE\\kelp0lang\\missing"), 0, KEY_READ, &key),
-      ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, WTEXT("SOFTWARE\\kelp0lang-no"), 0, KEY_READ, &key),
+            ERROR_FILE_NOT_FOUND);
   EXPECT_EQ(key, nullptr);
   EXPECT_EQ(RegCloseKey(nullptr), ERROR_INVALID_HANDLE);
   EXPECT_EQ(RegQueryValueExW(nullptr, WTEXT("v"), nullptr, nullptr, nullptr, nullptr),

@@ -4,7 +4,10 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
+#include <vector>
 
+#include "tests/winapi/ErrorOf.h"
 #include "tests/winapi/UnderWine.h"
 #include "tests/winapi/WideText.h"
 
@@ -13,30 +16,22 @@ namespace {
 constexpr WORD kItalian = 1040;
 
 TEST(Resource, StringsAreFoundByNumber) {
-  const struct {
-    UINT id;
-    const WCHAR* text;
-  } cases[] = {{15, WTEXT("last of block 1")},
-               {16, WTEXT("first of block 2")},
-               {18, WTEXT("two\r\nlines \"quoted\"")},
-               {1000, WTEXT("far")},
-               {0x10000 + 1000, WTEXT("far")},  // the low 16 bits count
-               {17, WTEXT("")},                 // a gap in its block
-               {500, WTEXT("")}};               // no block
+  const std::pair<UINT, Wide> cases[] = {{15, WTEXT("last of block 1")},
+                                         {16, WTEXT("first of block 2")},
+                                         {18, WTEXT("two\r\nlines \"quoted\"")},
+                                         {1000, WTEXT("far")},
+                                         {0x10000 + 1000, WTEXT("far")},  // the low 16 bits count
+                                         {17, WTEXT("")},                 // a gap in its block
+                                         {500, WTEXT("")}};               // no block
   for (const HINSTANCE module : {GetModuleHandleW(nullptr), HINSTANCE{}}) {
-    for (const auto& c : cases) {
-      const Wide text = c.text;
+    for (const auto& [id, text] : cases) {
       WCHAR buffer[64] = {};
-      EXPECT_EQ(LoadStringW(module, c.id, buffer, 64), static_cast<int>(text.size())) << c.id;
+      const WCHAR* resource = nullptr;  // the string itself, which has no end of its own
+      const int length = static_cast<int>(text.size());
+      EXPECT_EQ(LoadStringW(module, id, buffer, 64), length) << id;
       EXPECT_EQ(buffer, text);
-
-      // The string itself, which has no end of its own.
-      const WCHAR* resource = nullptr;
-      const int length = LoadStringW(module, c.id, reinterpret_cast<LPWSTR>(&resource), 0);
-      EXPECT_EQ(length, static_cast<int>(text.size())) << c.id;
-      if (length > 0) {
-        EXPECT_EQ(Wide(resource, text.size()), text);
-      }
+      EXPECT_EQ(LoadStringW(module, id, reinterpret_cast<LPWSTR>(&resource), 0), length) << id;
+      EXPECT_TRUE(length == 0 || Wide(resource, text.size()) == text) << id;
     }
   }
 }
@@ -63,29 +58,24 @@ TEST(Resource, ABlockHolds16CountedStrings) {
     length = *at;
     at += 1 + *at;
   }
-  EXPECT_EQ(lengths[0], 16);
-  EXPECT_EQ(lengths[1], 0);
-  EXPECT_EQ(lengths[2], 19);
-  EXPECT_EQ(lengths[15], 0);
+  EXPECT_EQ((std::vector<int>(lengths, lengths + 4)), (std::vector<int>{16, 0, 19, 0}));
   EXPECT_EQ(Wide(block + 1, 5), WTEXT("first"));
-  const DWORD size = SizeofResource(nullptr, found);
-  EXPECT_EQ(size, static_cast<DWORD>((at - block) * sizeof(WCHAR)));
-
+  EXPECT_EQ(SizeofResource(nullptr, found), static_cast<DWORD>((at - block) * sizeof(WCHAR)));
   EXPECT_EQ(FindResourceW(nullptr, WTEXT("#2"), WTEXT("#6")), found);
   EXPECT_EQ(FindResourceExW(nullptr, RT_STRING, MAKEINTRESOURCEW(2), kItalian), found);
 }
 
 TEST(Resource, WhatIsNotThereIsNotFound) {
   const HMODULE program = GetModuleHandleW(nullptr);
-  EXPECT_EQ(FindResourceW(program, MAKEINTRESOURCEW(3), RT_STRING), nullptr);
-  EXPECT_EQ(GetLastError(), DWORD{ERROR_RESOURCE_NAME_NOT_FOUND});
-  EXPECT_EQ(FindResourceW(program, WTEXT("name"), RT_STRING), nullptr);
-  EXPECT_EQ(GetLastError(), DWORD{ERROR_RESOURCE_NAME_NOT_FOUND});
-  EXPECT_EQ(FindResourceW(program, MAKEINTRESOURCEW(2), WTEXT("kind")), nullptr);
-  EXPECT_EQ(GetLastError(), DWORD{ERROR_RESOURCE_TYPE_NOT_FOUND});
   constexpr WORD kFrench = 0x040C;
-  EXPECT_EQ(FindResourceExW(program, RT_STRING, MAKEINTRESOURCEW(2), kFrench), nullptr);
-  EXPECT_EQ(GetLastError(), DWORD{ERROR_RESOURCE_LANG_NOT_FOUND});
+  EXPECT_EQ(ErrorOf(FindResourceW(program, MAKEINTRESOURCEW(3), RT_STRING)),
+            ERROR_RESOURCE_NAME_NOT_FOUND);
+  EXPECT_EQ(ErrorOf(FindResourceW(program, WTEXT("name"), RT_STRING)),
+            ERROR_RESOURCE_NAME_NOT_FOUND);
+  EXPECT_EQ(ErrorOf(FindResourceW(program, MAKEINTRESOURCEW(2), WTEXT("kind"))),
+            ERROR_RESOURCE_TYPE_NOT_FOUND);
+  EXPECT_EQ(ErrorOf(FindResourceExW(program, RT_STRING, MAKEINTRESOURCEW(2), kFrench)),
+            ERROR_RESOURCE_LANG_NOT_FOUND);
   EXPECT_EQ(LoadResource(program, nullptr), nullptr);
   EXPECT_EQ(SizeofResource(program, nullptr), 0u);
 }

@@ -61,23 +61,17 @@ TEST(ShellHost, AFolderIsMadeOnlyWhenAsked) {
   folder.Write("file", "");
   const Variable below("XDG_DATA_HOME", (folder.Path() / "file" / "x").c_str());
   EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA, TRUE), u"(none)");
-}
-
-TEST(ShellHost, PathsThatDoNotFit) {
-  const Variable data("XDG_DATA_HOME", ("/" + std::string(300, 'x')).c_str());
+  const Variable tooLong("XDG_DATA_HOME", ("/" + std::string(300, 'x')).c_str());
   EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA), u"(none)");
 }
 
 // What a chooser was asked, and what it answers.
-struct Asked {
-  std::u16string title;
-  std::u16string selected;
-};
-Asked asked;
+std::u16string askedTitle, askedSelected;
 const WCHAR* answer = nullptr;
 
 BOOL Choose(HWND, LPCWSTR title, LPCWSTR selected, LPWSTR path) {
-  asked = {title, selected};
+  askedTitle = title;
+  askedSelected = selected;
   if (answer == nullptr) return FALSE;
   std::u16string(answer).copy(path, MAX_PATH);
   return TRUE;
@@ -98,8 +92,8 @@ TEST(ShellHost, TheHostChoosesAFolder) {
   WinapiSetFolderChooser(Choose);
   answer = nullptr;
   EXPECT_EQ(SHBrowseForFolderW(&info), nullptr);
-  EXPECT_EQ(asked.title, u"Title");
-  EXPECT_EQ(asked.selected, u"");
+  EXPECT_EQ(askedTitle, u"Title");
+  EXPECT_EQ(askedSelected, u"");
   EXPECT_EQ(std::u16string(name), u"old");
 
   answer = u"C:\\jobs\\site 1";
@@ -108,7 +102,7 @@ TEST(ShellHost, TheHostChoosesAFolder) {
   for (int i = 0; i < 2; ++i) {
     const LPITEMIDLIST list = SHBrowseForFolderW(&info);
     ASSERT_NE(list, nullptr);
-    EXPECT_EQ(asked.selected, u"C:\\jobs");
+    EXPECT_EQ(askedSelected, u"C:\\jobs");
     EXPECT_EQ(std::u16string(name), u"site 1");
     WCHAR path[MAX_PATH] = {};
     EXPECT_TRUE(SHGetPathFromIDListW(list, path));

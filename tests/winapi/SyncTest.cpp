@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -39,17 +38,14 @@ TEST_F(CriticalSection, KeepsOthersOutUntilLeftAsOftenAsEntered) {
 
 TEST_F(CriticalSection, OneThreadAtATime) {
   int count = 0;
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([&] {
-      for (int i = 0; i < 5000; ++i) {
-        EnterCriticalSection(&m_section);
-        ++count;
-        LeaveCriticalSection(&m_section);
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  const auto add = [&] {
+    for (int i = 0; i < 5000; ++i) {
+      EnterCriticalSection(&m_section);
+      ++count;
+      LeaveCriticalSection(&m_section);
+    }
+  };
+  { const std::jthread a(add), b(add), c(add), d(add); }
   EXPECT_EQ(count, 20000);
 }
 
