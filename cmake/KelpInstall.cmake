@@ -18,6 +18,7 @@ list(TRANSFORM includes REPLACE "^#include \"kelp0lang/(.*)\"$" "common/kelp/kel
 list(TRANSFORM included_headers PREPEND common/kelp/kelp0lang/)
 install(FILES common/kelp/kelp0lang/kelp0lang.h ${includes} ${included_headers}
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelp0lang)
+install(FILES common/kelptext/WideChar.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelptext)
 install(DIRECTORY common/sarnutils DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         FILES_MATCHING PATTERN "*.h")
 install(EXPORT kelp0langTargets NAMESPACE kelp0lang::

@@ -1,7 +1,7 @@
 // Parts of a path's text; the disk isn't asked.
 #pragma once
 
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 #include "sarnutils/Export.h"
 #include "sarnutils/SarnString.h"
 

@@ -5,7 +5,8 @@
 #include <string>
 #include <type_traits>
 
-#include "kelp0lang/FormatEngine.h"
+#include "kelptext/FormatEngine.h"
+#include "sarnutils/CharacterWidth.h"
 
 namespace sarn_text {
 namespace {
@@ -21,6 +22,10 @@ class TextSink {
   bool Fill(C unit, std::size_t count) {
     m_text.append(count, unit);
     return true;
+  }
+  template <class Other>
+  int Convert(const Other*& text, C* units) {
+    return ConvertCharacter(text, units);
   }
   const std::basic_string<C>& Text() const { return m_text; }
 

@@ -12,7 +12,7 @@
 #include <cstdarg>
 #include <utility>
 
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 #include "sarnutils/Export.h"
 
 namespace sarn_text {

@@ -20,7 +20,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 #include "sarnutils/Export.h"
 #include "sarnutils/SarnString.h"
 

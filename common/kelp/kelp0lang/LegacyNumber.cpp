@@ -7,9 +7,9 @@
 #include <cwchar>
 #include <iterator>
 
-#include "kelp0lang/DecimalText.h"
 #include "kelp0lang/LocaleFree.h"
 #include "kelp0lang/MeasUnit.h"
+#include "kelptext/DecimalText.h"
 
 using kelp::WString;
 

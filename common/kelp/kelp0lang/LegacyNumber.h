@@ -10,7 +10,7 @@
 
 #include "kelp0lang/Export.h"
 #include "kelp0lang/String.h"
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 
 // |a - b| below 0.001, in the values' own unit.
 KELP0LANG_API bool UgualeA(double a, double b);

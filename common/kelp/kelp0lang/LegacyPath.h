@@ -10,7 +10,7 @@
 
 #include "kelp0lang/Export.h"
 #include "kelp0lang/String.h"
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 
 // Keeps all up to and including the last separator; without one the text becomes empty.
 KELP0LANG_API void EstraiIlPathFile(kelp::WString& text);

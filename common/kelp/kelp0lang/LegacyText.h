@@ -15,7 +15,7 @@
 
 #include "kelp0lang/Export.h"
 #include "kelp0lang/String.h"
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 
 // The letters a to z and A to Z; everything else stays.
 KELP0LANG_API void StringToLower(kelp::WString& text);

@@ -9,7 +9,7 @@
 
 #include "kelp0lang/Export.h"
 #include "kelp0lang/FileStream.h"
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 
 namespace kelp {
 

@@ -12,7 +12,8 @@
 #include <cwchar>
 #include <type_traits>
 
-#include "kelp0lang/FormatEngine.h"
+#include "kelptext/FormatEngine.h"
+#include "sarnutils/CharacterWidth.h"
 
 namespace kelp::detail {
 
@@ -35,6 +36,10 @@ class BufferSink {
     std::fill_n(m_buffer + m_length, count, unit);
     m_length += count;
     return true;
+  }
+  template <class Other>
+  int Convert(const Other*& text, C* units) {
+    return sarn_text::ConvertCharacter(text, units);
   }
 
   // The length of the text, which is empty where printing failed.
@@ -92,6 +97,10 @@ class StreamSink {
       count -= taken;
     }
     return true;
+  }
+  template <class Other>
+  int Convert(const Other*& text, C* units) {
+    return sarn_text::ConvertCharacter(text, units);
   }
 
   // Writes the rest, even of a text that failed; gives the number of units.
@@ -198,7 +207,7 @@ int FormatFixed(WChar* buffer, double value, int decimals, WChar point) {
 WChar ProcessDecimalPoint() {
   const char* text = DecimalPointText();
   WChar units[kMaxCharacterUnits];
-  return ConvertCharacter(text, units) == 1 ? units[0] : WChar{'.'};
+  return sarn_text::ConvertCharacter(text, units) == 1 ? units[0] : WChar{'.'};
 }
 
 void CreateCLocale() {

@@ -33,7 +33,7 @@
 #include <cstdio>
 
 #include "kelp0lang/Export.h"
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 
 extern "C" {
 

@@ -21,7 +21,7 @@
 #include <vector>
 
 #include "kelp0lang/Export.h"
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 
 namespace kelp {
 

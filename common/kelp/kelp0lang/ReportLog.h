@@ -10,7 +10,7 @@
 #pragma once
 
 #include "kelp0lang/Export.h"
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 
 // The first number is one of the caller's choosing. In the comments stand the lines; the four
 // numbers in front are the hour, minute, second and millisecond of the local time.

@@ -12,7 +12,7 @@
 #include <type_traits>
 
 #include "kelp0lang/TextScan.h"
-#include "kelp0lang/Utf8.h"
+#include "kelptext/Utf8.h"
 
 namespace kelp {
 namespace detail {

@@ -28,7 +28,7 @@
 #include <cstring>
 
 #include "kelp0lang/Export.h"
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 
 namespace kelp {
 

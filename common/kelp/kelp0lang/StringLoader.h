@@ -8,7 +8,7 @@
 
 #include "kelp0lang/Export.h"
 #include "kelp0lang/String.h"
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 
 namespace kelp {
 

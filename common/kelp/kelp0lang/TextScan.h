@@ -10,7 +10,7 @@
 #include <cstring>
 #include <string>
 
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 
 #ifdef __SSE2__
 #include <emmintrin.h>

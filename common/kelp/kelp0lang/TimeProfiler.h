@@ -16,7 +16,7 @@
 
 #include "kelp0lang/Export.h"
 #include "kelp0lang/Object.h"
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 
 namespace kelp {
 

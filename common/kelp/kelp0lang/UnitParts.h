@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <limits>
 
-#include "kelp0lang/Digits.h"
 #include "kelp0lang/String.h"
+#include "kelptext/Digits.h"
 
 namespace kelp::detail {
 

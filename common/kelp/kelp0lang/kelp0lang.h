@@ -43,4 +43,4 @@
 #include "kelp0lang/TranslateWindow.h"
 #include "kelp0lang/UtcTime.h"
 #include "kelp0lang/ValueConverter.h"
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"

@@ -1,4 +1,4 @@
-#include "kelp0lang/Utf8.h"
+#include "kelptext/Utf8.h"
 
 #include <algorithm>
 #include <bit>

@@ -8,7 +8,7 @@
 
 #include <cstddef>
 
-#include "kelp0lang/WideChar.h"
+#include "kelptext/WideChar.h"
 
 namespace kelp::detail {
 

@@ -2,7 +2,9 @@
 // library. What a template may hold stands in LocaleFree.h.
 //
 // A sink has the members Put(units, count) and Fill(unit, count), which give false where the text
-// must end.
+// must end, and Convert(text, units), which takes one character off terminated text of the other
+// width: it gives the number of units, at most kMaxCharacterUnits, or -1 where there is no such
+// character.
 #pragma once
 
 #include <algorithm>
@@ -15,23 +17,11 @@
 #include <iterator>
 #include <type_traits>
 
-#include "kelp0lang/DecimalText.h"
-#include "kelp0lang/WideChar.h"
+#include "kelptext/Characters.h"
+#include "kelptext/DecimalText.h"
+#include "kelptext/WideChar.h"
 
 namespace kelp::detail {
-
-// Takes one character off terminated text of the other width, by the process locale. Gives the
-// number of units (at most kMaxCharacterUnits), or -1 where the locale can't express it.
-inline constexpr int kMaxCharacterUnits = 16;
-int ConvertCharacter(const WChar*& text, char* units);
-int ConvertCharacter(const char*& text, WChar* units);
-
-constexpr bool IsHighSurrogate(WChar unit) {
-  return unit >= 0xD800 && unit <= 0xDBFF;
-}
-constexpr bool IsLowSurrogate(WChar unit) {
-  return unit >= 0xDC00 && unit <= 0xDFFF;
-}
 
 enum class LengthModifier { kNone, kChar, kShort, kLong, kInt32, kInt64, kSize, kDouble, kWide };
 
@@ -402,7 +392,7 @@ class FormatEngine {
     } else {
       C units[kMaxCharacterUnits] = {};
       const From* next = text;
-      const int size = *text == 0 ? 1 : ConvertCharacter(next, units);
+      const int size = *text == 0 ? 1 : m_sink.Convert(next, units);
       if (size < 0) return false;
       const auto count = static_cast<std::size_t>(size);
       return PutPadded(count, [&] { return Put(units, count); });
@@ -441,7 +431,7 @@ class FormatEngine {
   bool ConvertText(const From* text, std::size_t limit, Pass pass) {
     while (limit > 0 && *text != 0) {
       C units[kMaxCharacterUnits];
-      const int size = ConvertCharacter(text, units);
+      const int size = m_sink.Convert(text, units);
       if (size < 0) return false;
       const auto count = static_cast<std::size_t>(size);
       if (count > limit) return true;

@@ -1,6 +1,4 @@
-// Characters between the widths, for both libraries that print: sarnutils is built with this source
-// and DecimalText too, since it stands below this library.
-#include "kelp0lang/FormatEngine.h"
+#include "sarnutils/CharacterWidth.h"
 
 #include <tchar.h>
 
@@ -8,9 +6,14 @@
 #include <cstddef>
 #include <cstdlib>
 
-namespace kelp::detail {
+#include "kelptext/Characters.h"
 
+namespace sarn_text {
 namespace {
+
+using kelp::detail::IsHighSurrogate;
+using kelp::detail::IsLowSurrogate;
+using kelp::detail::kMaxCharacterUnits;
 
 constexpr auto kNotConverted = static_cast<std::size_t>(-1);
 
@@ -45,4 +48,4 @@ int ConvertCharacter(const char*& text, WChar* units) {
   return -1;
 }
 
-}  // namespace kelp::detail
+}  // namespace sarn_text

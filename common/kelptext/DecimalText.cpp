@@ -1,4 +1,4 @@
-#include "kelp0lang/DecimalText.h"
+#include "kelptext/DecimalText.h"
 
 #include <algorithm>
 #include <bit>
@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "kelp0lang/Digits.h"
+#include "kelptext/Digits.h"
 
 namespace kelp::detail {
 
