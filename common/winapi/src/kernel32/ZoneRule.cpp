@@ -1,4 +1,4 @@
-#include "ZoneRule.h"
+#include "kernel32/ZoneRule.h"
 
 #include <algorithm>
 #include <cstddef>

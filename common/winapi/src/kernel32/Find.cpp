@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "FileInfo.h"
-#include "PathName.h"
+#include "kernel32/FileInfo.h"
+#include "kernel32/PathName.h"
 
 namespace {
 

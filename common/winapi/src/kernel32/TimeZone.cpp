@@ -10,8 +10,8 @@
 #include <string>
 #include <string_view>
 
-#include "PathName.h"
-#include "ZoneRule.h"
+#include "kernel32/PathName.h"
+#include "kernel32/ZoneRule.h"
 
 using std::chrono::days;
 using std::chrono::floor;

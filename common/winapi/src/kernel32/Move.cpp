@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "PathName.h"
+#include "kernel32/PathName.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "PathName.h"
+#include "kernel32/PathName.h"
 
 #include <dirent.h>
 #include <limits.h>
@@ -15,7 +15,7 @@
 #include <memory>
 #include <utility>
 
-#include "Drive.h"
+#include "kernel32/Drive.h"
 
 std::string ToUtf8(std::u16string_view text) {
   char16_t bits = 0;

@@ -4,8 +4,8 @@
 #include <cerrno>
 #include <string>
 
-#include "PathName.h"
-#include "UserFolders.h"
+#include "kernel32/PathName.h"
+#include "kernel32/UserFolders.h"
 
 UINT WINAPI GetWindowsDirectoryW(LPWSTR buffer, UINT size) {
   return GiveText(FromPosixPath(winapi::kSystemFolder), size, buffer);

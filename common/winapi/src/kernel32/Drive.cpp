@@ -1,4 +1,4 @@
-#include "Drive.h"
+#include "kernel32/Drive.h"
 
 #include <windows.h>
 
@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "PathName.h"
+#include "kernel32/PathName.h"
 
 namespace {
 

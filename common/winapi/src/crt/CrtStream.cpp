@@ -5,7 +5,7 @@
 #include <cwchar>
 #include <string>
 
-#include "UnicodeStream.h"
+#include "crt/UnicodeStream.h"
 
 int fputws(const char16_t* text, FILE* file) {
   const Encoding encoding = EncodingOf(file);

@@ -3,7 +3,7 @@
 #include <memory>
 #include <utility>
 
-#include "KernelObject.h"
+#include "kernel32/KernelObject.h"
 
 namespace winapi {
 

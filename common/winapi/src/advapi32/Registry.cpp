@@ -28,8 +28,8 @@
 #include <string>
 #include <string_view>
 
-#include "PathName.h"
-#include "UserFolders.h"
+#include "kernel32/PathName.h"
+#include "kernel32/UserFolders.h"
 
 // What an open handle leads to.
 struct HKEY__ {

@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <ctime>
 
-#include "KernelObject.h"
+#include "kernel32/KernelObject.h"
 
 namespace winapi {
 namespace {

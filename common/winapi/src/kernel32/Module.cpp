@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "CopyText.h"
-#include "PathName.h"
+#include "kernel32/PathName.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 #include <string>
 #include <string_view>
 
-#include "PathName.h"
-#include "UnicodeStream.h"
+#include "crt/UnicodeStream.h"
+#include "kernel32/PathName.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "CopyText.h"
-#include "WindowTable.h"
+#include "user32/WindowTable.h"
 
 namespace winapi {
 

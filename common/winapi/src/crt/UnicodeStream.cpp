@@ -1,4 +1,4 @@
-#include "UnicodeStream.h"
+#include "crt/UnicodeStream.h"
 
 #include <sys/types.h>
 
@@ -6,7 +6,7 @@
 #include <map>
 #include <mutex>
 
-#include "PathName.h"
+#include "kernel32/PathName.h"
 
 namespace {
 

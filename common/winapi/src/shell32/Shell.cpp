@@ -12,8 +12,8 @@
 #include <iterator>
 #include <string>
 
-#include "PathName.h"
-#include "UserFolders.h"
+#include "kernel32/PathName.h"
+#include "kernel32/UserFolders.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "KernelObject.h"
+#include "kernel32/KernelObject.h"
 
 #include <linux/futex.h>
 #include <sys/syscall.h>

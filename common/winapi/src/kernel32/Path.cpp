@@ -5,8 +5,8 @@
 #include <cerrno>
 #include <cstdlib>
 
-#include "Drive.h"
-#include "PathName.h"
+#include "kernel32/Drive.h"
+#include "kernel32/PathName.h"
 
 DWORD WINAPI GetCurrentDirectoryW(DWORD size, LPWSTR buffer) {
   const std::u16string folder = CurrentFolder();

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <chrono>
 
-#include "WindowTable.h"
+#include "user32/WindowTable.h"
 
 namespace winapi {
 

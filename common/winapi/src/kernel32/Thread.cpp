@@ -10,7 +10,7 @@
 #include <string_view>
 #include <utility>
 
-#include "KernelObject.h"
+#include "kernel32/KernelObject.h"
 
 namespace winapi {
 namespace {

@@ -6,8 +6,8 @@
 #include <cerrno>
 #include <string>
 
-#include "FileInfo.h"
-#include "PathName.h"
+#include "kernel32/FileInfo.h"
+#include "kernel32/PathName.h"
 
 namespace {
 

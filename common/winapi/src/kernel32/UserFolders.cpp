@@ -1,4 +1,4 @@
-#include "UserFolders.h"
+#include "kernel32/UserFolders.h"
 
 #include <pwd.h>
 #include <unistd.h>
