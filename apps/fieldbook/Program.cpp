@@ -1,11 +1,11 @@
-#include "Program.h"
+#include "fieldbook/Program.h"
 
 #include <algorithm>
 #include <iterator>
 #include <new>
 
-#include "Commands.h"
-#include "LocalTime.h"
+#include "fieldbook/commands/Commands.h"
+#include "fieldbook/values/LocalTime.h"
 #include "kelp0lang/Translate.h"
 #include "kelp0lang/UtcTime.h"
 

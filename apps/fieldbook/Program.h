@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "Console.h"
+#include "fieldbook/console/Console.h"
 
 namespace fieldbook {
 

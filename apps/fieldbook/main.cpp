@@ -1,4 +1,4 @@
-#include "Program.h"
+#include "fieldbook/Program.h"
 
 int main(int argc, char** argv) {
   fieldbook::Console console;

@@ -1,4 +1,4 @@
-#include "apps/fieldbook/AngleText.h"
+#include "fieldbook/values/AngleText.h"
 
 #include <cmath>
 #include <random>

@@ -1,4 +1,4 @@
-#include "apps/fieldbook/CommandLine.h"
+#include "fieldbook/console/CommandLine.h"
 
 #include "tests/TestText.h"
 

@@ -1,4 +1,4 @@
-#include "apps/fieldbook/PointFile.h"
+#include "fieldbook/points/PointFile.h"
 
 #include <random>
 #include <utility>

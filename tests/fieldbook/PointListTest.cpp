@@ -1,11 +1,11 @@
-#include "apps/fieldbook/PointList.h"
+#include "fieldbook/points/PointList.h"
 
 #include <cmath>
 #include <random>
 #include <utility>
 
-#include "apps/fieldbook/Console.h"
-#include "apps/fieldbook/Words.h"
+#include "fieldbook/console/Console.h"
+#include "fieldbook/console/Words.h"
 #include "tests/TestText.h"
 
 using fieldbook::kLengthUnits;

@@ -1,6 +1,6 @@
-#include "apps/fieldbook/Table.h"
+#include "fieldbook/console/Table.h"
 
-#include "apps/fieldbook/PointFile.h"
+#include "fieldbook/points/PointFile.h"
 #include "tests/TestText.h"
 
 using fieldbook::Align;

@@ -1,0 +1,98 @@
+// The commands, and what they have in common.
+#pragma once
+
+#include "fieldbook/console/Console.h"
+#include "fieldbook/points/PointFile.h"
+#include "fieldbook/values/Length.h"
+
+namespace fieldbook {
+
+enum Status {
+  kDone = 0,
+  kFailed = 1,  // nothing, or not all, could be done; one line on standard error says why
+  kPartly = 2,  // some rows or values couldn't be read; each has a line on standard error
+};
+
+struct Command {
+  const WChar* name;
+  Status (*run)(const CommandLine& line, Console& console);
+  const WChar* help;  // a source text
+  unsigned options;   // those that it takes, one bit each
+};
+
+constexpr unsigned Bit(Option option) {
+  return 1U << static_cast<int>(option);
+}
+
+// Every command throws Failure when it can't go on.
+Status ShowCommand(const CommandLine& line, Console& console);
+Status AngleCommand(const CommandLine& line, Console& console);
+Status InverseCommand(const CommandLine& line, Console& console);
+Status UnitsCommand(const CommandLine& line, Console& console);
+Status EditCommand(const CommandLine& line, Console& console);
+
+extern const WChar* const kShowHelp;
+extern const WChar* const kAngleHelp;
+extern const WChar* const kInverseHelp;
+extern const WChar* const kUnitsHelp;
+extern const WChar* const kEditHelp;
+
+// "--to: "yd" isn't one of m, ft, ...".
+[[noreturn]] void FailOnChoice(const WChar* name, const WString& given, const WString& choices);
+
+template <class Entry, std::size_t N>
+WString NamesOf(const Entry (&entries)[N]) {
+  WString names;
+  for (const Entry& entry : entries) {
+    if (!names.empty()) names += KTEXT(", ");
+    names += entry.name;
+  }
+  return names;
+}
+
+// The entry of a table whose name an option gives; null where the option isn't given.
+template <class Entry, std::size_t N>
+const Entry* FindChoice(const CommandLine& line, Option option, const Entry (&entries)[N]) {
+  const Argument* given = line.Value(option);
+  if (given == nullptr) return nullptr;
+  for (const Entry& entry : entries) {
+    if (given->text.Compare(entry.name) == 0) return &entry;
+  }
+  FailOnChoice(NameOf(option), given->text, NamesOf(entries));
+}
+
+template <class Entry, std::size_t N>
+const Entry& Choose(const CommandLine& line, Option option, const Entry (&entries)[N],
+                    const Entry& preset) {
+  const Entry* choice = FindChoice(line, option, entries);
+  return choice != nullptr ? *choice : preset;
+}
+
+template <class Entry, std::size_t N>
+const Entry& RequireChoice(const CommandLine& line, Option option, const Entry (&entries)[N]) {
+  const Entry* choice = FindChoice(line, option, entries);
+  if (choice != nullptr) return *choice;
+  throw UsageFailure(
+      {KTEXT("{1} is missing; it takes one of {2}"), {NameOf(option), NamesOf(entries)}});
+}
+
+inline constexpr int kMostDecimals = 9;
+// The number of decimals that stands behind the option or setting of this name.
+int ReadDecimals(const WChar* name, const WString& text);
+// How many decimals --decimals asks for, and which fraction --denominator.
+int ChooseDecimals(const CommandLine& line, int preset);
+enumInchDecPrec ChooseFraction(const CommandLine& line, enumInchDecPrec preset);
+// The unit of a points file, by --from.
+const LengthUnit& ChooseFileUnit(const CommandLine& line);
+// How lengths are to be shown, by --to, --decimals and --denominator.
+LengthStyle ChooseLengthStyle(const CommandLine& line);
+
+// Complains of every row that can't be read.
+void ComplainOfRows(const PointFile& points, const Argument& file, Console& console);
+// Complains of what ends the program, or of what one of several files can't be read for.
+void ComplainOfFailure(const WString& what, Console& console);
+
+// A head with its unit: "Northing (m)".
+WString WithUnit(const WChar* head, const LengthUnit& unit);
+
+}  // namespace fieldbook

@@ -1,0 +1,256 @@
+#include "fieldbook/commands/Settings.h"
+
+#include <windows.h>
+// Needs windows.h before it.
+#include <shlobj.h>
+
+#include <algorithm>
+#include <array>
+
+#include "fieldbook/commands/Commands.h"
+#include "kelp0lang/CurrMeasUnitInfo.h"
+#include "kelp0lang/LegacyPath.h"
+#include "kelp0lang/SpecialFolder.h"
+
+namespace fieldbook {
+namespace {
+
+constexpr const WChar* kDataFolder = KTEXT("fieldbook");
+constexpr int kFolderAsItStands = -1;
+
+template <class Entry, std::size_t N>
+constexpr std::array<const WChar*, N> NamesIn(const Entry (&entries)[N]) {
+  std::array<const WChar*, N> names{};
+  for (std::size_t i = 0; i < N; ++i) names[i] = entries[i].name;
+  return names;
+}
+
+// Each in the order of its enumeration.
+constexpr auto kDistNames = NamesIn(kLengthUnits);
+constexpr auto kFractionNames = NamesIn(kFractions);
+constexpr std::array kSystemNames = {KTEXT("metric"), KTEXT("imperial"), KTEXT("us-survey")};
+constexpr std::array kAreaNames = {KTEXT("m2"), KTEXT("ft2"), KTEXT("us-ft2"), KTEXT("ft-in2"),
+                                   KTEXT("us-ft-in2")};
+constexpr std::array kVolumeNames = {KTEXT("m3"),     KTEXT("ft3"),       KTEXT("us-ft3"),
+                                     KTEXT("ft-in3"), KTEXT("us-ft-in3"), KTEXT("yd3"),
+                                     KTEXT("us-yd3")};
+constexpr std::array kSpeedNames = {KTEXT("metric"), KTEXT("imperial")};
+constexpr std::array kOrderNames = {KTEXT("east-north"), KTEXT("north-east")};
+constexpr std::array kAngleNames = {KTEXT("deg"),       KTEXT("gon"),        KTEXT("dms"),
+                                    KTEXT("dms-blank"), KTEXT("dms-packed"), KTEXT("rad"),
+                                    KTEXT("mil")};
+constexpr std::array kTemperatureNames = {KTEXT("celsius")};
+constexpr std::array kPressureNames = {KTEXT("mmhg")};
+constexpr std::array kStartNames = {KTEXT("north"), KTEXT("east")};
+constexpr std::array kDirectionNames = {KTEXT("clockwise"), KTEXT("counter-clockwise")};
+constexpr std::array kDefaultName = {KTEXT("default")};
+
+template <class Names>
+constexpr Choices All(const Names& names, int first = 0) {
+  return {names.data(), first, static_cast<int>(names.size())};
+}
+
+constexpr Choices kTSAngles = {kAngleNames.data(), 0, 5};
+constexpr Choices kLatLonAngles = {kAngleNames.data() + 2, 2, 3};  // the forms in parts
+constexpr Choices kPressures =
+    All(kPressureNames, static_cast<int>(enumPressureUnits::MillimetreOfMercury));
+constexpr Choices kDecimals = {nullptr, 0, kMostDecimals + 1};
+
+// For its type alone.
+template <class Value>
+Value ValueOf(void (CMeasUnitSystem::*set)(Value));
+
+template <auto kGet, auto kSet>
+Setting Make(const WChar* key, const WChar* title, const Choices& choices) {
+  return {key, title, choices,
+          [](const CMeasUnitSystem& system) { return static_cast<int>((system.*kGet)()); },
+          [](CMeasUnitSystem& system, int value) {
+            (system.*kSet)(static_cast<decltype(ValueOf(kSet))>(value));
+          }};
+}
+
+Setting MakeUnitSystem() {
+  return {KTEXT("unit-system"), KTEXT("unit system"), All(kSystemNames),
+          [](const CMeasUnitSystem& system) { return static_cast<int>(system.GetUnitSystem()); },
+          [](CMeasUnitSystem& system, int value) {
+            system.SetUnitSystem(static_cast<enumUnitSystem>(value), true);
+          }};
+}
+
+bool IsChoice(const Setting& setting, int value) {
+  return value >= setting.choices.first && value < setting.choices.first + setting.choices.count;
+}
+
+WString JoinNames(const Choices& choices) {
+  WString names;
+  for (int i = 0; i < choices.count; ++i) {
+    if (i > 0) names += KTEXT(", ");
+    names += choices.names[i];
+  }
+  return names;
+}
+
+// A separator at the end would keep the library from making the folder.
+WString WithoutSeparatorAtEnd(const WString& folder) {
+  WideView view = ViewOf(folder);
+  while (view.size() > 1 && (view.back() == KTEXT('/') || view.back() == KTEXT('\\'))) {
+    view.remove_suffix(1);
+  }
+  return ToWString(view);
+}
+
+void SetUpFolder(const CommandLine& line) {
+  const Argument* given = line.Value(Option::Data);
+  if (given != nullptr) {
+    const WString folder = WithoutSeparatorAtEnd(given->text);
+    kelp::FInitializeSpecialFolder(nullptr, kFolderAsItStands, folder.c_str(), nullptr);
+  } else {
+    kelp::FInitializeSpecialFolder(nullptr, CSIDL_APPDATA, kDataFolder, nullptr);
+  }
+  if (!kelp::GetProgramDataFolderPath(WString()).empty()) return;
+  throw Failure({KTEXT("there is no folder for the settings; name one with {1}"),
+                 {WString(NameOf(Option::Data)) + KTEXT(" DIR")}});
+}
+
+// Every known value goes through a system of defaults, so that what is left there stands for the
+// unknown ones. Gives the keys of these.
+WString ReplaceUnknown(CMeasUnitSystem& settings) {
+  CMeasUnitSystem known;
+  WString unknown;
+  for (const Setting& setting : AllSettings()) {
+    const int value = setting.get(settings);
+    if (IsChoice(setting, value)) {
+      setting.set(known, value);
+    } else {
+      if (!unknown.empty()) unknown += KTEXT(", ");
+      unknown += setting.key;
+    }
+  }
+  for (const Setting& setting : AllSettings()) setting.set(settings, setting.get(known));
+  settings.ResetNotify();
+  return unknown;
+}
+
+}  // namespace
+
+const std::vector<Setting>& AllSettings() {
+  using System = CMeasUnitSystem;
+  static const std::vector<Setting> settings = {
+      MakeUnitSystem(),
+      Make<&System::GetDistUnits, &System::SetDistUnits>(KTEXT("dist-units"),
+                                                         KTEXT("distance units"), All(kDistNames)),
+      Make<&System::GetTSDistUnits, &System::SetTSDistUnits>(
+          KTEXT("ts-dist-units"), KTEXT("distance units, total station"), All(kDistNames)),
+      Make<&System::GetAreaUnits, &System::SetAreaUnits>(KTEXT("area-units"), KTEXT("area units"),
+                                                         All(kAreaNames)),
+      Make<&System::GetVolumeUnits, &System::SetVolumeUnits>(
+          KTEXT("volume-units"), KTEXT("volume units"), All(kVolumeNames)),
+      Make<&System::GetSpeedUnits, &System::SetSpeedUnits>(KTEXT("speed-units"),
+                                                           KTEXT("speed units"), All(kSpeedNames)),
+      Make<&System::GetCoordDisplayMode, &System::SetCoordDisplayMode>(
+          KTEXT("coord-display-mode"), KTEXT("order of coordinates"), All(kOrderNames)),
+      Make<&System::GetTSAngleUnits, &System::SetTSAngleUnits>(
+          KTEXT("ts-angle-units"), KTEXT("angle units, total station"), kTSAngles),
+      Make<&System::GetAngleUnits, &System::SetAngleUnits>(KTEXT("angle-units"),
+                                                           KTEXT("angle units"), All(kAngleNames)),
+      Make<&System::GetLatLonAngleUnits, &System::SetLatLonAngleUnits>(
+          KTEXT("lat-lon-angle-units"), KTEXT("latitude and longitude units"), kLatLonAngles),
+      Make<&System::GetTemperatureUnits, &System::SetTemperatureUnits>(
+          KTEXT("temperature-units"), KTEXT("temperature units"), All(kTemperatureNames)),
+      Make<&System::GetPressureUnits, &System::SetPressureUnits>(
+          KTEXT("pressure-units"), KTEXT("pressure units"), kPressures),
+      Make<&System::GetHorizStartAngle, &System::SetHorizStartAngle>(
+          KTEXT("horiz-start-angle"), KTEXT("start of horizontal angles"), All(kStartNames)),
+      Make<&System::GetVertAngle, &System::SetVertAngle>(
+          KTEXT("vert-angle"), KTEXT("vertical angles"), All(kDefaultName)),
+      Make<&System::GetAngleDir, &System::SetAngleDir>(
+          KTEXT("angle-dir"), KTEXT("direction of angles"), All(kDirectionNames)),
+      Make<&System::GetDateFormatW, &System::SetDateFormat>(
+          KTEXT("date-format"), KTEXT("date format"), All(kDefaultName)),
+      Make<&System::GetNumDistDec, &System::SetNumDistDec>(
+          KTEXT("num-dist-dec"), KTEXT("decimals of distances"), kDecimals),
+      Make<&System::GetNumTSDistDec, &System::SetNumTSDistDec>(
+          KTEXT("num-ts-dist-dec"), KTEXT("decimals of distances, total station"), kDecimals),
+      Make<&System::GetNumAreaDec, &System::SetNumAreaDec>(KTEXT("num-area-dec"),
+                                                           KTEXT("decimals of areas"), kDecimals),
+      Make<&System::GetNumVolDec, &System::SetNumVolDec>(KTEXT("num-vol-dec"),
+                                                         KTEXT("decimals of volumes"), kDecimals),
+      Make<&System::GetNumSpeedDec, &System::SetNumSpeedDec>(
+          KTEXT("num-speed-dec"), KTEXT("decimals of speeds"), kDecimals),
+      Make<&System::GetNumCoordDec, &System::SetNumCoordDec>(
+          KTEXT("num-coord-dec"), KTEXT("decimals of coordinates"), kDecimals),
+      Make<&System::GetNumQuoteDec, &System::SetNumQuoteDec>(
+          KTEXT("num-quote-dec"), KTEXT("decimals of elevations"), kDecimals),
+      Make<&System::GetNumTSAngleDec, &System::SetNumTSAngleDec>(
+          KTEXT("num-ts-angle-dec"), KTEXT("decimals of angles, total station"), kDecimals),
+      Make<&System::GetNumAngleDec, &System::SetNumAngleDec>(
+          KTEXT("num-angle-dec"), KTEXT("decimals of angles"), kDecimals),
+      Make<&System::GetNumLatLonAngleDec, &System::SetNumLatLonAngleDec>(
+          KTEXT("num-lat-lon-angle-dec"), KTEXT("decimals of latitude and longitude"), kDecimals),
+      Make<static_cast<enumInchDecPrec (System::*)() const>(&System::GetDistInchDecPrec),
+           &System::SetDistInchDecPrec>(KTEXT("dist-inch-dec-prec"),
+                                        KTEXT("fraction of an inch, distances"),
+                                        All(kFractionNames)),
+      Make<&System::GetTSDistInchDecPrec, &System::SetTSDistInchDecPrec>(
+          KTEXT("ts-dist-inch-dec-prec"), KTEXT("fraction of an inch, total station"),
+          All(kFractionNames)),
+      Make<&System::GetAreaInchDecPrec, &System::SetAreaInchDecPrec>(
+          KTEXT("area-inch-dec-prec"), KTEXT("fraction of an inch, areas"), All(kFractionNames)),
+      Make<&System::GetVolInchDecPrec, &System::SetVolInchDecPrec>(
+          KTEXT("vol-inch-dec-prec"), KTEXT("fraction of an inch, volumes"), All(kFractionNames)),
+      Make<&System::GetCoordInchDecPrec, &System::SetCoordInchDecPrec>(
+          KTEXT("coord-inch-dec-prec"), KTEXT("fraction of an inch, coordinates"),
+          All(kFractionNames)),
+      Make<&System::GetQuoteInchDecPrec, &System::SetQuoteInchDecPrec>(
+          KTEXT("quote-inch-dec-prec"), KTEXT("fraction of an inch, elevations"),
+          All(kFractionNames)),
+  };
+  return settings;
+}
+
+const Setting& RequireSetting(const WString& key) {
+  WString keys;
+  for (const Setting& setting : AllSettings()) {
+    if (key.Compare(setting.key) == 0) return setting;
+    if (!keys.empty()) keys += KTEXT(", ");
+    keys += setting.key;
+  }
+  throw UsageFailure({KTEXT("there is no setting \"{1}\", only {2}"), {Quoted(key), keys}});
+}
+
+int ReadSetting(const Setting& setting, const WString& text) {
+  const Choices& choices = setting.choices;
+  if (choices.names == nullptr) return ReadDecimals(setting.key, text);
+  const WChar* const* end = choices.names + choices.count;
+  const auto* name =
+      std::find_if(choices.names, end, [&text](const WChar* n) { return text.Compare(n) == 0; });
+  if (name == end) FailOnChoice(setting.key, text, JoinNames(choices));
+  return choices.first + static_cast<int>(name - choices.names);
+}
+
+WString SettingText(const Setting& setting, const CMeasUnitSystem& system) {
+  const int value = setting.get(system);
+  const bool isWord = setting.choices.names != nullptr && IsChoice(setting, value);
+  return isWord ? setting.choices.names[value - setting.choices.first] : WString::ValueOf(value);
+}
+
+CMeasUnitSystem& OpenSettings(const CommandLine& line, Console& console) {
+  SetUpFolder(line);
+  CMeasUnitSystem& settings = *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
+  const WString unknown = ReplaceUnknown(settings);
+  if (!unknown.empty()) {
+    console.Complain(Message{
+        KTEXT("the settings have values that aren't known; the defaults stand "
+              "for {1}"),
+        {unknown}}.Text());
+  }
+  return settings;
+}
+
+void SaveSettings(CMeasUnitSystem& settings) {
+  const WString folder = kelp::GetProgramDataSupportFolderPath(WString());
+  if (CheckSeDirExist(folder) && settings.SaveConfig()) return;
+  throw Failure({KTEXT("the settings can't be saved in {1}"), {Shown(SystemPath(folder))}});
+}
+
+}  // namespace fieldbook

@@ -1,0 +1,31 @@
+// Plain numbers, read strictly and written plainly.
+#pragma once
+
+#include "fieldbook/values/Text.h"
+#include "kelp0lang/MeasUnit.h"
+
+namespace fieldbook {
+
+// A value that was read, or what is wrong with its text.
+struct Reading {
+  double value = kelp::kNotSet;
+  Message fault;
+};
+
+enum class DecimalMark { Point, PointOrComma };
+
+// The whole text must be one decimal number: sign, digits with at most one mark, exponent. A number
+// so great that the library takes it for a value that isn't set is out of range.
+Reading ReadNumber(const WString& text, DecimalMark mark);
+
+// As many decimals as it takes to read the same value back, and no fewer than asked for.
+WString WriteExactly(double value, int leastDecimals);
+
+// With decimals, and without the sign of a value that is shown as zero; no text for a value that
+// isn't set.
+WString WriteNumber(double value, int decimals);
+
+Message NotANumber();
+Message OutOfRange();
+
+}  // namespace fieldbook
