@@ -9,6 +9,7 @@
 #include "kelp0lang/Translate.h"
 #include "kelp0lang/UnitParts.h"
 
+using kelp::IsNotSet;
 using kelp::kNotSet;
 using kelp::kNotSetThreshold;
 using kelp::WString;
@@ -19,6 +20,7 @@ using kelp::detail::ProcessDecimalPoint;
 using kelp::detail::RoundToCount;
 using kelp::detail::TextWriter;
 using kelp::detail::ToInt32;
+using kelp::detail::WithSign;
 
 namespace {
 
@@ -37,18 +39,10 @@ double PowerOfTen(int exponent) {
   return static_cast<double>(kPowers[static_cast<std::size_t>(exponent)]);
 }
 
-bool IsNotSet(double value) {
-  return value > kNotSetThreshold;
-}
-
 double Scale(double value, double factor, double divisor) {
   if (IsNotSet(value)) return kNotSet;
   const double result = value * factor / divisor;
   return IsNotSet(result) ? kNotSet : result;
-}
-
-double WithSign(double magnitude, bool negative) {
-  return negative ? -magnitude : magnitude;
 }
 
 // Decimal degrees of parts that aren't negative.

@@ -5,6 +5,7 @@
 
 #include "kelp0lang/UnitParts.h"
 
+using kelp::IsNotSet;
 using kelp::kNotSet;
 using kelp::kNotSetThreshold;
 using kelp::WString;
@@ -13,6 +14,7 @@ using kelp::detail::DigitRuns;
 using kelp::detail::RoundToCount;
 using kelp::detail::TextWriter;
 using kelp::detail::ToInt32;
+using kelp::detail::WithSign;
 
 namespace {
 
@@ -34,10 +36,6 @@ struct InchCount {
 
 double Fraction(const TFeetInch& length) {
   return static_cast<double>(length.numerator) / ConvertInchDecPrec(length.precision);
-}
-
-double WithSign(double magnitude, bool negative) {
-  return negative ? -magnitude : magnitude;
 }
 
 // The fraction that a text shows: run by run, from the one of the numerator on.
@@ -97,7 +95,7 @@ double TFeetInchToInch(const TFeetInch& length) {
 }
 
 WString FeetToFeetInch(double feet, enumInchDecPrec prec) {
-  if (feet > kNotSetThreshold) return WString();
+  if (IsNotSet(feet)) return WString();
   const TFeetInch length = FeetToTFeetInch(feet, prec);
   WChar text[kTextRoom];
   TextWriter writer(text);
@@ -110,7 +108,7 @@ WString FeetToFeetInch(double feet, enumInchDecPrec prec) {
 }
 
 WString InchToString(double inches, enumInchDecPrec prec) {
-  if (inches > kNotSetThreshold) return WString();
+  if (IsNotSet(inches)) return WString();
   const TFeetInch length = InchToFeetInch(inches, prec);
   WChar text[kTextRoom];
   TextWriter writer(text);

@@ -4,6 +4,8 @@
 
 #include "kelp0lang/MeasUnit.h"
 
+using kelp::IsNotSet;
+
 namespace {
 
 // pi / 200 to the ten digits that all surveys of the programs were computed with, and the
@@ -14,10 +16,6 @@ constexpr double kGonPerRadian = 63.66197722844561;
 constexpr double kGonTolerance = 5e-5;
 // The largest double below 360.
 constexpr double kBelow360 = 0x1.67fffffffffffp8;
-
-bool IsNotSet(double value) {
-  return value > kelp::kNotSetThreshold;
-}
 
 // Brings an angle into [low, high] by whole turns. A step of one turn rounds as those before it
 // did, which the reports of old surveys show; beyond any number of turns met there the remainder

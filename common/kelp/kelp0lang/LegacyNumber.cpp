@@ -11,6 +11,7 @@
 #include "kelp0lang/MeasUnit.h"
 #include "kelptext/DecimalText.h"
 
+using kelp::IsNotSet;
 using kelp::WString;
 
 namespace {
@@ -20,10 +21,6 @@ constexpr int kShortLimit = 32750;
 constexpr long kLongLimit = 2100000000;
 // Units of a printed number, with the terminator.
 constexpr int kNumberRoom = 512;
-
-bool IsNotSet(double value) {
-  return value > kelp::kNotSetThreshold;
-}
 
 bool HasPower(int dec) {
   return dec >= 0 && dec < static_cast<int>(std::size(kPowersOfTen));

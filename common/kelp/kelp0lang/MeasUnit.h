@@ -29,6 +29,11 @@ inline constexpr double kNotSet = 1.7e200;
 // Above it a value is no number to work with.
 inline constexpr double kNotSetThreshold = 8.5e199;
 
+// Whether there is no value. NaN isn't above the threshold.
+constexpr bool IsNotSet(double value) {
+  return value > kNotSetThreshold;
+}
+
 }  // namespace kelp
 
 // Units in which lengths are reckoned. A chain has 66 feet of its kind.

@@ -5,8 +5,8 @@
 #include "kelp0lang/FeetInch.h"
 #include "kelp0lang/LegacyNumber.h"
 
+using kelp::IsNotSet;
 using kelp::kNotSet;
-using kelp::kNotSetThreshold;
 using kelp::WString;
 
 namespace {
@@ -56,10 +56,6 @@ enumAngleUnits Arithmetic(enumDisplayAngleUnits display) {
 template <class Display>
 bool IsFeetInch(Display display) {
   return static_cast<int>(display) == 3 || static_cast<int>(display) == 4;
-}
-
-bool IsNotSet(double v) {
-  return v > kNotSetThreshold;
 }
 
 // A plain number, or feet and inches.

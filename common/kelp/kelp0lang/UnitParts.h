@@ -1,5 +1,5 @@
-// What angle forms and feet-and-inch values share: rounding to whole counts, writing these, and the
-// digit runs of a text; internal to the library.
+// What angle forms and feet-and-inch values share: signs, rounding to whole counts, writing these,
+// and the digit runs of a text; internal to the library.
 #pragma once
 
 #include <algorithm>
@@ -37,6 +37,10 @@ inline std::int32_t ToInt32(double value) {
   using Limits = std::numeric_limits<std::int32_t>;
   if (std::isnan(value)) return 0;
   return static_cast<std::int32_t>(std::clamp<double>(value, Limits::min(), Limits::max()));
+}
+
+inline double WithSign(double magnitude, bool negative) {
+  return negative ? -magnitude : magnitude;
 }
 
 // Writes into a buffer that the caller knows to be large enough, by eight units more than the text.
