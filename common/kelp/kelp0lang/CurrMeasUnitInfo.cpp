@@ -1,5 +1,6 @@
 #include "kelp0lang/CurrMeasUnitInfo.h"
 
+#include <algorithm>
 #include <boost/make_shared.hpp>
 
 #include "kelp0lang/ChangeTransaction.h"
@@ -7,6 +8,7 @@
 #include "kelp0lang/MeasUnitChangeContext.h"
 
 using kelp::WString;
+using kelp::detail::CurrentMeasUnits;
 
 namespace {
 
@@ -67,6 +69,22 @@ void CCurrMeasUnitInfo::CopyFrom(const CMeasUnitSystem& source) {
   m_current->Notify();
 }
 
+// What a system has beside the current one stands here, where the current one is known.
+void CMeasUnitSystem::FromConcrete(const CMeasUnitSystem& concrete) {
+  std::transform(concrete.m_fields.begin(), concrete.m_fields.end(),
+                 CurrentMeasUnits().m_fields.begin(), m_fields.begin(),
+                 [](std::int32_t value, std::int32_t current) {
+                   return value == current ? kNotSetField : value;
+                 });
+}
+
+void CMeasUnitSystem::ToConcrete(CMeasUnitSystem& out) const {
+  std::transform(m_fields.begin(), m_fields.end(), CurrentMeasUnits().m_fields.begin(),
+                 out.m_fields.begin(), [](std::int32_t value, std::int32_t current) {
+                   return value == kNotSetField ? current : value;
+                 });
+}
+
 boost::shared_ptr<CMeasUnitSystem> GetIEMeasUnitSystem() {
   return CCurrMeasUnitInfo::GetInstance()->GetIEMeasUnitSystem();
 }
@@ -80,17 +98,15 @@ void UpdateReportRawMeasUnitSystem() {
 }
 
 double RoundDist(double value, int decimals) {
-  const CMeasUnitSystem& current = *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
-  return ArrotondatoAtDec(value, decimals == -1 ? current.GetNumDistDec() : decimals);
+  return ArrotondatoAtDec(value, decimals == -1 ? CurrentMeasUnits().GetNumDistDec() : decimals);
 }
 
 double RoundQuote(double value, int decimals) {
-  const CMeasUnitSystem& current = *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
-  return ArrotondatoAtDec(value, decimals == -1 ? current.GetNumQuoteDec() : decimals);
+  return ArrotondatoAtDec(value, decimals == -1 ? CurrentMeasUnits().GetNumQuoteDec() : decimals);
 }
 
 double DefaultValueDist(double value) {
-  switch (CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem()->GetUnitSystem()) {
+  switch (CurrentMeasUnits().GetUnitSystem()) {
     case enumUnitSystem::Imperial:
       return ConvertDist(kFeetForAMetre * value, enumDistUnits::InternationalFoot,
                          enumDistUnits::Metre);

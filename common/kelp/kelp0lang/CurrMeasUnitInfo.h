@@ -53,6 +53,15 @@ class KELP0LANG_API CCurrMeasUnitInfo : public kelp::ISingleton {
   kelp::CChangeTransactionManager* m_transactions;
 };
 
+namespace kelp::detail {
+
+// The settings in force, to read.
+inline const CMeasUnitSystem& CurrentMeasUnits() {
+  return *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
+}
+
+}  // namespace kelp::detail
+
 // The same on the one instance.
 KELP0LANG_API boost::shared_ptr<CMeasUnitSystem> GetIEMeasUnitSystem();
 KELP0LANG_API CMeasUnitSystem* GetReportConcreteMeasUnitSystem();

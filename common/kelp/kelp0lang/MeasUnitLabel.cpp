@@ -6,6 +6,7 @@
 #include "kelp0lang/Translate.h"
 
 using kelp::WString;
+using kelp::detail::CurrentMeasUnits;
 
 namespace {
 
@@ -124,15 +125,11 @@ WString Label(const WString& prefix, const WString& unit, bool bracket) {
   return Prefixed(prefix, bracket ? Bracketed(unit) : unit);
 }
 
-const CMeasUnitSystem& Current() {
-  return *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
-}
-
 WString CoordLabel(const WString& prefix, enumCoordLabelMode mode, bool first) {
   // By mode and by which coordinate it is.
   static constexpr const WChar* kNames[2][2] = {
       {KTEXT("East"), KTEXT("North")}, {KTEXT("E@@East (1 char)"), KTEXT("N@@North (1 char)")}};
-  const enumCoordDisplayMode display = Current().GetCoordDisplayMode();
+  const enumCoordDisplayMode display = CurrentMeasUnits().GetCoordDisplayMode();
   const bool known =
       (mode == enumCoordLabelMode::Word || mode == enumCoordLabelMode::Letter) &&
       (display == enumCoordDisplayMode::EastNorth || display == enumCoordDisplayMode::NorthEast);
@@ -144,19 +141,19 @@ WString CoordLabel(const WString& prefix, enumCoordLabelMode mode, bool first) {
 }  // namespace
 
 WString GetDistLabel(const WString& prefix, enumMeasUnitSize size, bool bracket) {
-  return DoGetDistLabel(prefix, size, Current().GetDistUnits(), bracket);
+  return DoGetDistLabel(prefix, size, CurrentMeasUnits().GetDistUnits(), bracket);
 }
 
 WString GetAreaLabel(const WString& prefix, enumMeasUnitSize size, bool bracket) {
-  return Label(prefix, AreaText(Current().GetAreaUnits(), size), bracket);
+  return Label(prefix, AreaText(CurrentMeasUnits().GetAreaUnits(), size), bracket);
 }
 
 WString GetVolumeLabel(const WString& prefix, enumMeasUnitSize size, bool bracket) {
-  return Label(prefix, VolumeText(Current().GetVolumeUnits(), size), bracket);
+  return Label(prefix, VolumeText(CurrentMeasUnits().GetVolumeUnits(), size), bracket);
 }
 
 WString GetAngleLabel(const WString& prefix, enumMeasUnitSize size, bool bracket) {
-  return DoGetAngleLabel(prefix, size, Current().GetAngleUnits(), bracket);
+  return DoGetAngleLabel(prefix, size, CurrentMeasUnits().GetAngleUnits(), bracket);
 }
 
 WString GetSlopeLabel(const WString& prefix, enumMeasUnitSize, bool bracket) {
@@ -164,24 +161,24 @@ WString GetSlopeLabel(const WString& prefix, enumMeasUnitSize, bool bracket) {
 }
 
 WString GetTSDistLabel(const WString& prefix, enumMeasUnitSize size) {
-  return DoGetDistLabel(prefix, size, Current().GetTSDistUnits(), true);
+  return DoGetDistLabel(prefix, size, CurrentMeasUnits().GetTSDistUnits(), true);
 }
 
 WString GetSpeedLabel(const WString& prefix, enumMeasUnitSize size) {
-  return Label(prefix, SpeedText(Current().GetSpeedUnits(), size), true);
+  return Label(prefix, SpeedText(CurrentMeasUnits().GetSpeedUnits(), size), true);
 }
 
 WString GetTSAngleLabel(const WString& prefix, enumMeasUnitSize size) {
-  return DoGetAngleLabel(prefix, size, Current().GetTSAngleUnits(), true);
+  return DoGetAngleLabel(prefix, size, CurrentMeasUnits().GetTSAngleUnits(), true);
 }
 
 WString GetLatLonLabel(const WString& prefix, enumMeasUnitSize size) {
-  return DoGetAngleLabel(prefix, size, Current().GetLatLonAngleUnits(), true);
+  return DoGetAngleLabel(prefix, size, CurrentMeasUnits().GetLatLonAngleUnits(), true);
 }
 
 WString GetVolPerDistLabel(const WString& prefix, enumMeasUnitSize size) {
-  const WString volume = Bracketed(VolumeText(Current().GetVolumeUnits(), size));
-  const WString dist = Bracketed(DistText(Current().GetDistUnits(), size));
+  const WString volume = Bracketed(VolumeText(CurrentMeasUnits().GetVolumeUnits(), size));
+  const WString dist = Bracketed(DistText(CurrentMeasUnits().GetDistUnits(), size));
   return Prefixed(prefix, (volume + KTEXT('*')).Concat(dist));
 }
 

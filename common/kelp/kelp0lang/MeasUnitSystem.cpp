@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "kelp0lang/CurrMeasUnitInfo.h"
 #include "kelp0lang/FileStream.h"
 #include "kelp0lang/MeasUnitChangeContext.h"
 #include "kelp0lang/SpecialFolder.h"
@@ -13,8 +12,6 @@
 using kelp::WString;
 
 namespace {
-
-constexpr std::int32_t kNotSetField = -1;
 
 constexpr short kFileVersion = 1702;
 
@@ -50,10 +47,6 @@ std::vector<E> OptionsOf(enumUnitSystem system, std::initializer_list<int> metri
 template <class E, class Value>
 bool Contains(const std::vector<E>& options, Value value) {
   return std::find(options.begin(), options.end(), static_cast<E>(value)) != options.end();
-}
-
-const CMeasUnitSystem& Current() {
-  return *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
 }
 
 }  // namespace
@@ -162,20 +155,6 @@ bool CMeasUnitSystem::IsCustom() const {
          !Contains(GetDefaultAreaOptions(), GetAreaUnits()) ||
          !Contains(lengths, GetVolumeUnits()) ||
          !Contains(GetDefaultSpeedOptions(), GetSpeedUnits());
-}
-
-void CMeasUnitSystem::FromConcrete(const CMeasUnitSystem& concrete) {
-  std::transform(concrete.m_fields.begin(), concrete.m_fields.end(), Current().m_fields.begin(),
-                 m_fields.begin(), [](std::int32_t value, std::int32_t current) {
-                   return value == current ? kNotSetField : value;
-                 });
-}
-
-void CMeasUnitSystem::ToConcrete(CMeasUnitSystem& out) const {
-  std::transform(m_fields.begin(), m_fields.end(), Current().m_fields.begin(), out.m_fields.begin(),
-                 [](std::int32_t value, std::int32_t current) {
-                   return value == kNotSetField ? current : value;
-                 });
 }
 
 void CMeasUnitSystem::CopyFrom(const CMeasUnitSystem& other, bool copyFileNames) {

@@ -387,6 +387,7 @@ class KELP0LANG_API CMeasUnitSystem {
   void ReadFromFile(kelp::ifpstream& file, short version);
   void WriteToFile(kelp::ofpstream& file) const;
 
+  static constexpr std::int32_t kNotSetField = -1;
   static const Fields kDefaults;
 
   kelp::WString m_defaultFile;

@@ -8,6 +8,7 @@
 using kelp::IsNotSet;
 using kelp::kNotSet;
 using kelp::WString;
+using kelp::detail::CurrentMeasUnits;
 
 namespace {
 
@@ -190,10 +191,6 @@ double AngleNumber(double v, const AngleKind& kind, const CMeasUnitSystem& syste
 
 void Tell(bool* target, bool value) {
   if (target != nullptr) *target = value;
-}
-
-const CMeasUnitSystem& Current() {
-  return *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
 }
 
 }  // namespace
@@ -599,84 +596,84 @@ double CMeasUnitSystem::ConvertLatLonAngleFromCurr(double v) const {
 
 WString DistToString(double v, enumDistType type, enumMeasUnitSize size, int decimals,
                      bool plainDecimal) {
-  return Current().FromDistToString(v, type, size, decimals, plainDecimal);
+  return CurrentMeasUnits().FromDistToString(v, type, size, decimals, plainDecimal);
 }
 
 WString TSDistToString(double v) {
-  return Current().FromTSDistToString(v);
+  return CurrentMeasUnits().FromTSDistToString(v);
 }
 
 WString AreaToString(double v, int decimals) {
-  return Current().FromAreaToString(v, decimals);
+  return CurrentMeasUnits().FromAreaToString(v, decimals);
 }
 
 WString VolumeToString(double v) {
-  return Current().FromVolumeToString(v);
+  return CurrentMeasUnits().FromVolumeToString(v);
 }
 
 WString VolPerDistToString(double v) {
-  return Current().FromVolPerDistToString(v);
+  return CurrentMeasUnits().FromVolPerDistToString(v);
 }
 
 WString SpeedToString(double v, enumMeasUnitSize size) {
-  return Current().FromSpeedToString(v, size);
+  return CurrentMeasUnits().FromSpeedToString(v, size);
 }
 
 WString PosAngleToString(double v, enumMeasUnitSize size) {
-  return Current().FromAngleToString(v, true, size);
+  return CurrentMeasUnits().FromAngleToString(v, true, size);
 }
 
 WString RotAngleToString(double v, enumMeasUnitSize size) {
-  return Current().FromAngleToString(v, false, size);
+  return CurrentMeasUnits().FromAngleToString(v, false, size);
 }
 
 WString PosGeomAngleToString(double v, enumMeasUnitSize size) {
-  return Current().FromGeomAngleToString(v, true, size);
+  return CurrentMeasUnits().FromGeomAngleToString(v, true, size);
 }
 
 WString RotGeomAngleToString(double v, enumMeasUnitSize size) {
-  return Current().FromGeomAngleToString(v, false, size);
+  return CurrentMeasUnits().FromGeomAngleToString(v, false, size);
 }
 
 WString TSAngleToString(double v) {
-  return Current().FromTSAngleToString(v);
+  return CurrentMeasUnits().FromTSAngleToString(v);
 }
 
 WString LenAngleToString(double v, enumMeasUnitSize size) {
-  return Current().FromLenAngleToString(v, size);
+  return CurrentMeasUnits().FromLenAngleToString(v, size);
 }
 
 WString LenGeomAngleToString(double v, enumMeasUnitSize size) {
-  return Current().FromLenGeomAngleToString(v, size);
+  return CurrentMeasUnits().FromLenGeomAngleToString(v, size);
 }
 
 WString LatAngleToString(double v) {
-  return Current().FromLatAngleToString(v);
+  return CurrentMeasUnits().FromLatAngleToString(v);
 }
 
 WString LonAngleToString(double v) {
-  return Current().FromLonAngleToString(v);
+  return CurrentMeasUnits().FromLonAngleToString(v);
 }
 
 WString ValueToString(double v, enumMeasUnitValue kind, int decimals, enumMeasUnitSize size,
                       enumMeasUnitSize valueSize, bool plainDecimal) {
-  return Current().FromValueToString(v, kind, decimals, size, valueSize, plainDecimal);
+  return CurrentMeasUnits().FromValueToString(v, kind, decimals, size, valueSize, plainDecimal);
 }
 
 void EastToString(double v, WString& out, bool* first) {
-  Current().FromEastToString(v, out, first);
+  CurrentMeasUnits().FromEastToString(v, out, first);
 }
 
 void NorthToString(double v, WString& out, bool* first) {
-  Current().FromNorthToString(v, out, first);
+  CurrentMeasUnits().FromNorthToString(v, out, first);
 }
 
 void CoordsToStrings(double east, double north, WString& s1, WString& s2, bool* eastFirst) {
-  Current().FromCoordsToStrings(east, north, s1, s2, eastFirst);
+  CurrentMeasUnits().FromCoordsToStrings(east, north, s1, s2, eastFirst);
 }
 
 WString ScaleToString(double v) {
-  return StringDaDouble(v, 0, Current().GetNumScaleDec());
+  return StringDaDouble(v, 0, CurrentMeasUnits().GetNumScaleDec());
 }
 
 WString DistToStringMaxChar(double v, enumDistType type, enumMeasUnitSize size, int,
@@ -699,79 +696,79 @@ WString DistToStringMaxChar(double v, enumDistType type, enumMeasUnitSize size, 
 }
 
 double StringToDist(const WString& s, enumDistType type, enumMeasUnitSize size, bool plainDecimal) {
-  return Current().FromStringToDist(s, type, size, plainDecimal);
+  return CurrentMeasUnits().FromStringToDist(s, type, size, plainDecimal);
 }
 
 double StringToTSDist(const WString& s) {
-  return Current().FromStringToTSDist(s);
+  return CurrentMeasUnits().FromStringToTSDist(s);
 }
 
 double StringToArea(const WString& s) {
-  return Current().FromStringToArea(s);
+  return CurrentMeasUnits().FromStringToArea(s);
 }
 
 double StringToVolume(const WString& s) {
-  return Current().FromStringToVolume(s);
+  return CurrentMeasUnits().FromStringToVolume(s);
 }
 
 double StringToVolPerDist(const WString& s) {
-  return Current().FromStringToVolPerDist(s);
+  return CurrentMeasUnits().FromStringToVolPerDist(s);
 }
 
 double StringToSpeed(const WString& s, enumMeasUnitSize size) {
-  return Current().FromStringToSpeed(s, size);
+  return CurrentMeasUnits().FromStringToSpeed(s, size);
 }
 
 double StringToPosAngle(const WString& s, enumMeasUnitSize size) {
-  return Current().FromStringToAngle(s, true, size);
+  return CurrentMeasUnits().FromStringToAngle(s, true, size);
 }
 
 double StringToRotAngle(const WString& s, enumMeasUnitSize size) {
-  return Current().FromStringToAngle(s, false, size);
+  return CurrentMeasUnits().FromStringToAngle(s, false, size);
 }
 
 double StringToPosGeomAngle(const WString& s, enumMeasUnitSize size) {
-  return Current().FromStringToGeomAngle(s, true, size);
+  return CurrentMeasUnits().FromStringToGeomAngle(s, true, size);
 }
 
 double StringToRotGeomAngle(const WString& s, enumMeasUnitSize size) {
-  return Current().FromStringToGeomAngle(s, false, size);
+  return CurrentMeasUnits().FromStringToGeomAngle(s, false, size);
 }
 
 double StringToTSAngle(const WString& s) {
-  return Current().FromStringToTSAngle(s);
+  return CurrentMeasUnits().FromStringToTSAngle(s);
 }
 
 double StringToLenAngle(const WString& s, enumMeasUnitSize size) {
-  return Current().FromStringToLenAngle(s, size);
+  return CurrentMeasUnits().FromStringToLenAngle(s, size);
 }
 
 double StringToLenGeomAngle(const WString& s, enumMeasUnitSize size) {
-  return Current().FromStringToLenGeomAngle(s, size);
+  return CurrentMeasUnits().FromStringToLenGeomAngle(s, size);
 }
 
 double StringToLatAngle(const WString& s) {
-  return Current().FromStringToLatAngle(s);
+  return CurrentMeasUnits().FromStringToLatAngle(s);
 }
 
 double StringToLonAngle(const WString& s) {
-  return Current().FromStringToLonAngle(s);
+  return CurrentMeasUnits().FromStringToLonAngle(s);
 }
 
 double StringToValue(const WString& s, enumMeasUnitValue kind, enumMeasUnitSize size,
                      enumMeasUnitSize valueSize, bool plainDecimal) {
-  return Current().FromStringToValue(s, kind, size, valueSize, plainDecimal);
+  return CurrentMeasUnits().FromStringToValue(s, kind, size, valueSize, plainDecimal);
 }
 
 void String1ToCoord(const WString& s, double& c, bool* isEast) {
-  Current().FromString1ToCoord(s, c, isEast);
+  CurrentMeasUnits().FromString1ToCoord(s, c, isEast);
 }
 
 void String2ToCoord(const WString& s, double& c, bool* isEast) {
-  Current().FromString2ToCoord(s, c, isEast);
+  CurrentMeasUnits().FromString2ToCoord(s, c, isEast);
 }
 
 void StringsToCoords(const WString& s1, const WString& s2, double& east, double& north,
                      bool* eastFirst) {
-  Current().FromStringsToCoords(s1, s2, east, north, eastFirst);
+  CurrentMeasUnits().FromStringsToCoords(s1, s2, east, north, eastFirst);
 }
