@@ -1,10 +1,15 @@
 // The source of events through which a program hears that its unit settings have changed.
 //
-//   context->Register(listener);   //
-//   CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem()->GetContext()
+//   class Table : public kelp::CSourceEvent::IEvent {
+//     void OnBeginEvent(kelp::CSourceEvent*) override {}
+//     void OnBeforeEndEvent(kelp::CSourceEvent*) override {}
+//     void OnEndEvent(kelp::CSourceEvent*) override { Redraw(); }   // in the new units
+//   };
+//
+//   const CMeasUnitSystem* current = CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
+//   current->GetContext()->Register(&table);
 //   ...
-//   void OnEndEvent(kelp::CSourceEvent*) override { if (context->IsMeasUnitSystemChanged())
-//   redraw(); }
+//   current->GetContext()->Unregister(&table);   // before the table goes
 //
 // Listeners hear the end of the event with IsMeasUnitSystemChanged true, its beginning with false.
 #pragma once
