@@ -149,6 +149,17 @@ TEST(MeasUnitText, EmptyTextIsNotSet) {
   EXPECT_EQ(system.FromStringToValue(KTEXT("1"), static_cast<enumMeasUnitValue>(50)), kNotSet);
 }
 
+// No unit, not even the stored one, lets a number through that counts as none.
+TEST(MeasUnitText, NumbersBeyondTheThresholdAreNotSet) {
+  const CMeasUnitSystem system;
+  for (int kind = 0; kind <= 18; ++kind) {
+    if (kind == 11 || kind == 12) continue;  // degrees, minutes and seconds have 32 bits
+    EXPECT_EQ(system.FromStringToValue(KTEXT("1e200"), static_cast<enumMeasUnitValue>(kind)),
+              kNotSet)
+        << kind;
+  }
+}
+
 TEST(MeasUnitText, ValuesOfEveryKind) {
   const CMeasUnitSystem system;
   struct {

@@ -65,7 +65,8 @@ WString NumberText(double v, bool feetInch, int decimals, enumInchDecPrec precis
 }
 
 double ReadNumber(const WString& s, bool feetInch, enumInchDecPrec precision) {
-  return feetInch ? FeetInchToFeet(s, precision) : DoubleDaString(s);
+  const double read = feetInch ? FeetInchToFeet(s, precision) : DoubleDaString(s);
+  return IsNotSet(read) ? kNotSet : read;
 }
 
 WString LengthText(double v, enumDisplayDistUnits display, int decimals, enumInchDecPrec precision,
