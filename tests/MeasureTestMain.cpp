@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "kelp0lang/CurrMeasUnitInfo.h"
 #include "kelp0lang/SpecialFolder.h"
 #include "tests/MeasureTestFolders.h"
 
@@ -42,5 +43,10 @@ std::filesystem::path DataSupportFolder() {
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   testing::AddGlobalTestEnvironment(environment);
-  return RUN_ALL_TESTS();
+  const int result = RUN_ALL_TESTS();
+  // The instance goes well at exit, whatever a host has put in place of the settings in force.
+  CMeasUnitSystem& current = *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
+  current = CMeasUnitSystem();
+  current.SetContext(nullptr);
+  return result;
 }

@@ -19,6 +19,8 @@ constexpr const WChar* kReportConfigFile = KTEXT("config_raw_report_measunit.dat
 constexpr double kFeetForAMetre = 3.0;
 
 constinit CCurrMeasUnitInfo* instance = nullptr;
+// That of the current system at first. A host may take it from there, so its owner knows it too.
+constinit CMeasUnitChangeContext* ownContext = nullptr;
 
 }  // namespace
 
@@ -34,11 +36,12 @@ CCurrMeasUnitInfo::CCurrMeasUnitInfo() {
   m_reportConcrete = new CMeasUnitSystem;
   m_exchange = boost::make_shared<CMeasUnitSystem>(kConfigFile, kConfigFile);
   m_transactions = new kelp::CChangeTransactionManager;
-  m_current->SetContext(new CMeasUnitChangeContext(m_transactions));
+  ownContext = new CMeasUnitChangeContext(m_transactions);
+  m_current->SetContext(ownContext);
 }
 
 CCurrMeasUnitInfo::~CCurrMeasUnitInfo() {
-  m_current->GetContext()->SubReference();
+  ownContext->SubReference();
   delete m_current;
   delete m_reportRaw;
   delete m_reportConcrete;

@@ -6,7 +6,9 @@
 //   CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem()->SaveConfig();
 //
 // The one instance is built at first use, from the settings files in the data folder; that must
-// come after FInitializeSpecialFolder and before threads use the unit functions. Nothing is locked.
+// come after FInitializeSpecialFolder and before threads use the unit functions. The
+// instance is of one thread, but for GetMeasUnitSystem, whose system says what other threads may
+// do.
 #pragma once
 
 #include <boost/shared_ptr.hpp>
@@ -25,7 +27,9 @@ class KELP0LANG_API CCurrMeasUnitInfo : public kelp::ISingleton {
 
   // The systems live as long as the instance and are changed in place.
   //
-  // The settings in force; file config_measunit.dat.
+  // The settings in force; file config_measunit.dat. Assigned to as a whole they also take the file
+  // names and the context of the source, so that nothing is saved or reported any more where it has
+  // none: CopyFrom is the way to change them.
   CMeasUnitSystem* GetMeasUnitSystem() const { return m_current; }
   // A copy of the settings in force, to hand to others: always the same object, brought up to date
   // by each call.
