@@ -1,8 +1,10 @@
 #include "kelp0lang/MeasUnitSystem.h"
 
+#include <atomic>
 #include <filesystem>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "kelp0lang/ChangeTransaction.h"
@@ -190,6 +192,28 @@ TEST_F(CurrentSettings, ReportsFollowTheCurrentSettings) {
   EXPECT_EQ(filled.GetNumDistDec(), 6);
   concrete->SetNumDistDec(Current().GetNumDistDec());
   UpdateReportRawMeasUnitSystem();
+}
+
+// For the thread sanitizer; a field never reads as anything but what was set.
+TEST_F(CurrentSettings, OneThreadSetsWhileOthersRead) {
+  std::atomic<bool> stop{false};
+  std::thread reader([&stop] {
+    while (!stop) {
+      const WString text = DistToString(1.0);
+      EXPECT_TRUE(text == KTEXT("1.000") || text == KTEXT("1.00000")) << text.ToUtf8().c_str();
+      const CMeasUnitSystem copy(Current());
+      EXPECT_TRUE(copy.GetNumAreaDec() == 2 || copy.GetNumAreaDec() == 6);
+    }
+  });
+  CMeasUnitSystem metric(Current());
+  CMeasUnitSystem other(Current());
+  other.SetNumDistDec(5);
+  other.SetNumAreaDec(6);
+  for (int round = 0; round < 2000; ++round) {
+    CCurrMeasUnitInfo::GetInstance()->CopyFrom(round % 2 == 0 ? other : metric);
+  }
+  stop = true;
+  reader.join();
 }
 
 TEST_F(CurrentSettings, ExchangeSystemIsOneObjectBroughtUpToDate) {

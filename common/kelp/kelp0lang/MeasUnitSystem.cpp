@@ -68,7 +68,7 @@ CMeasUnitSystem::CMeasUnitSystem(const WString& defaultFile, const WString& conf
 CMeasUnitSystem::CMeasUnitSystem() : CMeasUnitSystem(WString(), WString()) {}
 
 void CMeasUnitSystem::SetField(Field field, std::int32_t value) {
-  std::int32_t& stored = m_fields[static_cast<std::size_t>(field)];
+  Shared<std::int32_t>& stored = m_fields[static_cast<std::size_t>(field)];
   if (stored == value) return;
   stored = value;
   m_changed = true;
@@ -241,10 +241,15 @@ bool CMeasUnitSystem::Save(const WString& path) const {
 
 // Every version so far has the same fields.
 void CMeasUnitSystem::ReadFromFile(kelp::ifpstream& file, short) {
-  file.ReadNumbers(m_fields.data(), m_fields.size());
+  std::array<std::int32_t, kFields> numbers;
+  std::copy(m_fields.begin(), m_fields.end(), numbers.begin());
+  file.ReadNumbers(numbers.data(), numbers.size());
+  std::copy(numbers.begin(), numbers.end(), m_fields.begin());
 }
 
 void CMeasUnitSystem::WriteToFile(kelp::ofpstream& file) const {
   file << kFileVersion;
-  file.WriteNumbers(m_fields.data(), m_fields.size());
+  std::array<std::int32_t, kFields> numbers;
+  std::copy(m_fields.begin(), m_fields.end(), numbers.begin());
+  file.WriteNumbers(numbers.data(), numbers.size());
 }

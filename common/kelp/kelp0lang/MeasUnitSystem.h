@@ -17,10 +17,15 @@
 // for the system's field. Plain numbers follow the process locale in their decimal point
 // (StringDaDouble, DoubleDaString).
 //
-// Nothing here is locked: a system is changed on one thread at a time and may be read on any.
+// Threads: a system is changed on one thread at a time, by its setters, CopyFrom, FromConcrete,
+// Notify and the loads, and may be read and copied on any thread meanwhile: each field reads as it
+// was before the change or as it is behind it, and a value that takes several of them may meet some
+// of both. Whoever needs them of one moment takes a copy where nobody sets. Not so the file names
+// and the context: assignment, CopyFrom with copyFileNames and SetContext need the system alone.
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -366,11 +371,29 @@ class KELP0LANG_API CMeasUnitSystem {
     QuoteInchDecPrec,
     Count
   };
-  using Fields = std::array<std::int32_t, static_cast<std::size_t>(Field::Count)>;
+  // A value that one thread may set while others read it.
+  template <class T>
+  class Shared {
+   public:
+    constexpr Shared(T value = T()) : m_value(value) {}
+    Shared(const Shared& other) : m_value(other) {}
+    Shared& operator=(const Shared& other) { return *this = static_cast<T>(other); }
+    Shared& operator=(T value) {
+      m_value.store(value, std::memory_order_relaxed);
+      return *this;
+    }
+    operator T() const { return m_value.load(std::memory_order_relaxed); }
+
+   private:
+    std::atomic<T> m_value;
+  };
+
+  static constexpr std::size_t kFields = static_cast<std::size_t>(Field::Count);
+  using Fields = std::array<Shared<std::int32_t>, kFields>;
 
   template <class T>
   T Get(Field field) const {
-    return static_cast<T>(m_fields[static_cast<std::size_t>(field)]);
+    return static_cast<T>(std::int32_t{m_fields[static_cast<std::size_t>(field)]});
   }
   template <class T>
   void Set(Field field, T value) {
@@ -393,6 +416,6 @@ class KELP0LANG_API CMeasUnitSystem {
   kelp::WString m_defaultFile;
   kelp::WString m_configFile;
   Fields m_fields;
-  bool m_changed = false;
+  Shared<bool> m_changed;
   CMeasUnitChangeContext* m_context = nullptr;
 };
