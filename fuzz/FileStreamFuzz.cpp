@@ -43,9 +43,9 @@ class File {
 class Reader {
  public:
   Reader(const std::string& bytes, const WString& path)
-      : m_bytes(bytes), m_in(path.c_str(), 33), m_position(5) {
-    Require(m_in.GetState() == (bytes.size() < 5 ? 2 : 0));
-    if (m_in.GetState() != 0) return;
+      : m_bytes(bytes), m_in(path.c_str(), kelp::kReadBinary), m_position(5) {
+    Require(m_in.GetState() == (bytes.size() < 5 ? kelp::kStreamEnd : kelp::kStreamGood));
+    if (m_in.GetState() != kelp::kStreamGood) return;
     Require(m_in.IsMarkerMissing() == (bytes[0] != ':'));
     Require((m_in.GetNarrowText() == 1) == (bytes[1] == 1));
   }
@@ -58,7 +58,7 @@ class Reader {
     const bool whole = Take(&expected, sizeof expected);
     m_in >> number;
     Require(std::memcmp(&number, &expected, sizeof number) == 0);
-    Require((m_in.GetState() == 0) == whole);
+    Require((m_in.GetState() == kelp::kStreamGood) == whole);
   }
 
   void ReadBytes(std::size_t count) {
@@ -67,7 +67,7 @@ class Reader {
     const bool whole = Take(expected.data(), count);
     m_in.ReadBytes(bytes.data(), count);
     Require(bytes == expected);
-    Require((m_in.GetState() == 0) == whole);
+    Require((m_in.GetState() == kelp::kStreamGood) == whole);
   }
 
   void ReadText() {
@@ -79,24 +79,24 @@ class Reader {
     // A piece is at most as long as what came before it, or of the fixed size of 16384 units.
     Require(largestBlock <= 2 * m_bytes.size() + 2 * 16384 + 64);
     if (!counted) {
-      Require(text == WString(KTEXT("old")) && m_in.GetState() != 0);
+      Require(text == WString(KTEXT("old")) && m_in.GetState() != kelp::kStreamGood);
       return;
     }
     count = std::max(count, 0);
     const std::size_t size = static_cast<std::size_t>(count) * (m_in.GetNarrowText() ? 1 : 2);
     if (size > m_bytes.size() - m_position) {
-      Require(text.empty() && m_in.GetState() == 2);
+      Require(text.empty() && m_in.GetState() == kelp::kStreamEnd);
       return;
     }
     if (m_in.GetNarrowText() == 0) RequireUnits(text, count);
-    Require(text.Length() <= count && m_in.GetState() == 0);
+    Require(text.Length() <= count && m_in.GetState() == kelp::kStreamGood);
     m_position += size;
   }
 
  private:
   // False, and nothing taken, where the file has fewer bytes or the stream has failed before.
   bool Take(void* target, std::size_t size) {
-    if (m_in.GetState() != 0 || size > m_bytes.size() - m_position) return false;
+    if (m_in.GetState() != kelp::kStreamGood || size > m_bytes.size() - m_position) return false;
     std::memcpy(target, m_bytes.data() + m_position, size);
     m_position += size;
     return true;

@@ -15,14 +15,18 @@
 #include "tests/TestText.h"
 
 using kelp::ifpstream;
+using kelp::kReadBinary;
+using kelp::kStreamEnd;
+using kelp::kStreamError;
+using kelp::kStreamGood;
+using kelp::kUpdateBinary;
+using kelp::kWriteBinary;
 using kelp::ofpstream;
 using kelp::WString;
 
 namespace {
 
 using namespace std::string_literals;
-
-constexpr int kRead = 33, kWrite = 34, kUpdate = 35;
 
 const std::string kWideHeader = ":\0\1\0\0"s;
 const std::string kNarrowHeader = ":\1\1\0\0"s;
@@ -45,7 +49,7 @@ TEST(FileStream, StoresLittleEndianValuesBehindItsHeader) {
   const TestFolder folder;
   const WString path = folder.File("f");
   {
-    ofpstream out(path.c_str(), 1909, KTEXT("label"), 0, kWrite);
+    ofpstream out(path.c_str(), 1909, KTEXT("label"), 0, kWriteBinary);
     EXPECT_EQ(out.Tell(), 5);
     EXPECT_EQ(out.GetVersion(), 1909);
     EXPECT_EQ(out.GetName(), WString(KTEXT("label")));
@@ -54,16 +58,16 @@ TEST(FileStream, StoresLittleEndianValuesBehindItsHeader) {
     out.WriteBytes("xyz", 3);
     out.Close();
     out.Close();
-    EXPECT_EQ(out.GetState(), 0);
+    EXPECT_EQ(out.GetState(), kStreamGood);
     out << 1;
-    EXPECT_EQ(out.GetState(), 1) << "closed";
+    EXPECT_EQ(out.GetState(), kStreamError) << "closed";
   }
   EXPECT_EQ(folder.Read("f"), kWideHeader + "\xFE\xFF\x04\x03\x02\x01" + "\0\0\0\xF0"s +
                                   "\xFD\xFF\xFF\xFF" + "\xFF\xFF\xFF\xFF" +
                                   "\0\0\0\0\0\0\xE0\xBF"s + "\1\0\0\0\0\0\0\0"s +
                                   "\2\0\0\0a\0\xAC\x20"s + "\0\0\0\0"s + "xyz");
 
-  ofpstream(path.c_str(), 1, WString(), 1, kWrite) << WString(KTEXT("ab"));
+  ofpstream(path.c_str(), 1, WString(), 1, kWriteBinary) << WString(KTEXT("ab"));
   EXPECT_EQ(folder.Read("f"), kNarrowHeader + "\2\0\0\0ab"s);
 }
 
@@ -83,14 +87,14 @@ TEST(FileStream, ModesOpenAsStdioDoes) {
   for (const auto& test : cases) {
     SCOPED_TRACE(test.mode);
     const WString missing = folder.File("missing");
-    EXPECT_EQ(ofpstream(missing.c_str(), 1, WString(), 0, test.mode).GetState() == 0,
+    EXPECT_EQ(ofpstream(missing.c_str(), 1, WString(), 0, test.mode).GetState() == kStreamGood,
               test.opensMissing);
     EXPECT_EQ(std::filesystem::exists(folder.Path() / "missing"), test.opensMissing);
     std::filesystem::remove(folder.Path() / "missing");
 
     folder.Write("old", kWideHeader + "old");
     ofpstream out(folder.File("old").c_str(), 1, WString(), 0, test.mode);
-    EXPECT_EQ(out.GetState() == 0, test.opensExisting);
+    EXPECT_EQ(out.GetState() == kStreamGood, test.opensExisting);
     out.Seek(5, SEEK_SET);
     out.WriteBytes("x", 1);
     out.Close();
@@ -102,13 +106,13 @@ TEST(FileStream, WriterKeepsAnExistingHeaderAndItsPosition) {
   const TestFolder folder;
   const std::string old = kNarrowHeader + std::string(35, 'o');
   folder.Write("f", old);
-  ofpstream out(folder.File("f").c_str(), 1, WString(), 0, kUpdate);
+  ofpstream out(folder.File("f").c_str(), 1, WString(), 0, kUpdateBinary);
   EXPECT_EQ(out.Tell(), 0);
   out.Close();
   EXPECT_EQ(folder.Read("f"), old);
 
   folder.Write("short", "abcd");
-  ofpstream(folder.File("short").c_str(), 1, WString(), 0, kUpdate) << 7;
+  ofpstream(folder.File("short").c_str(), 1, WString(), 0, kUpdateBinary) << 7;
   EXPECT_EQ(folder.Read("short"), kWideHeader + "\7\0\0\0"s);
 }
 
@@ -128,7 +132,7 @@ TEST(FileStream, ReaderJudgesTheHeaderAndReadsOn) {
     SCOPED_TRACE(testing::PrintToString(test.header));
     folder.Write("f", test.header + Number(77, 4));
     const WString path = folder.File("f");
-    ifpstream in(path.c_str(), kRead);
+    ifpstream in(path.c_str(), kReadBinary);
     EXPECT_EQ(in.IsMarkerMissing(), test.markerMissing);
     EXPECT_EQ(in.IsHeaderKnown(), test.known);
     EXPECT_EQ(in.GetNarrowText(), test.narrow);
@@ -137,17 +141,17 @@ TEST(FileStream, ReaderJudgesTheHeaderAndReadsOn) {
     int number = 0;
     in >> number;
     EXPECT_EQ(number, 77);
-    EXPECT_EQ(in.GetState(), 0);
+    EXPECT_EQ(in.GetState(), kStreamGood);
   }
 }
 
 TEST(FileStream, FailureIsStickyAndTouchesNothing) {
   const TestFolder folder;
   folder.Write("f", kWideHeader + "1234567");
-  ifpstream in(folder.File("f").c_str(), kRead);
+  ifpstream in(folder.File("f").c_str(), kReadBinary);
   double number = 1.5;
   in >> number;
-  EXPECT_EQ(in.GetState(), 2);
+  EXPECT_EQ(in.GetState(), kStreamEnd);
   EXPECT_EQ(number, 1.5);
   EXPECT_EQ(in.Tell(), -1);
   in.Seek(5, SEEK_SET);
@@ -160,20 +164,20 @@ TEST(FileStream, FailureIsStickyAndTouchesNothing) {
   EXPECT_EQ(kelp::LoadPointerFromFile(in), 0);
 
   std::string large(1000, 'o');
-  ifpstream again(folder.File("f").c_str(), kRead);
+  ifpstream again(folder.File("f").c_str(), kReadBinary);
   again.ReadBytes(large.data(), large.size());
-  EXPECT_EQ(again.GetState(), 2);
+  EXPECT_EQ(again.GetState(), kStreamEnd);
   EXPECT_EQ(large, std::string(1000, 'o'));
 
-  ifpstream badSeek(folder.File("f").c_str(), kRead);
+  ifpstream badSeek(folder.File("f").c_str(), kReadBinary);
   badSeek.Seek(-100, SEEK_CUR);
-  EXPECT_EQ(badSeek.GetState(), 1);
+  EXPECT_EQ(badSeek.GetState(), kStreamError);
 
-  ofpstream readOnly(folder.File("f").c_str(), 1, WString(), 0, kRead);
+  ofpstream readOnly(folder.File("f").c_str(), 1, WString(), 0, kReadBinary);
   readOnly << 1;
-  EXPECT_EQ(readOnly.GetState(), 1);
-  EXPECT_EQ(ifpstream(folder.File("missing").c_str(), kRead).GetState(), 1);
-  EXPECT_EQ(ifpstream(nullptr, kRead).GetState(), 1);
+  EXPECT_EQ(readOnly.GetState(), kStreamError);
+  EXPECT_EQ(ifpstream(folder.File("missing").c_str(), kReadBinary).GetState(), kStreamError);
+  EXPECT_EQ(ifpstream(nullptr, kReadBinary).GetState(), kStreamError);
 }
 
 // Texts by their bytes on disk. Memory for a text comes only with its characters.
@@ -197,7 +201,7 @@ TEST(FileStream, ReadsTextsByTheirCount) {
   };
   for (const auto& c : cases) {
     folder.Write("f", c.bytes);
-    ifpstream in(folder.File("f").c_str(), kRead);
+    ifpstream in(folder.File("f").c_str(), kReadBinary);
     WString text(KTEXT("old"));
     in >> text;
     EXPECT_EQ(text, c.text) << testing::PrintToString(c.bytes.substr(0, 20));
@@ -206,9 +210,9 @@ TEST(FileStream, ReadsTextsByTheirCount) {
 
   WString inner(KTEXT("a?b"));
   inner.SetChar(1, 0);
-  ofpstream(folder.File("f").c_str(), 1, WString(), 0, kWrite) << inner;
+  ofpstream(folder.File("f").c_str(), 1, WString(), 0, kWriteBinary) << inner;
   WString back;
-  ifpstream(folder.File("f").c_str(), kRead) >> back;
+  ifpstream(folder.File("f").c_str(), kReadBinary) >> back;
   EXPECT_EQ(back, inner) << "zero units inside the text stay";
 }
 
@@ -217,9 +221,9 @@ TEST(FileStream, NarrowTextsFollowTheLocale) {
   const LocaleScope german(LC_CTYPE, kGermanLocale);
   if (!german.Ok()) GTEST_SKIP() << "no German locale";
   const WString text(KTEXT("Vermessung \u00E4\u00F6\u00FC \u20AC"));
-  ofpstream(folder.File("f").c_str(), 1, WString(), 1, kWrite) << text << WString(KTEXT("z"));
+  ofpstream(folder.File("f").c_str(), 1, WString(), 1, kWriteBinary) << text << WString(KTEXT("z"));
   WString back, behind;
-  ifpstream(folder.File("f").c_str(), kRead) >> back >> behind;
+  ifpstream(folder.File("f").c_str(), kReadBinary) >> back >> behind;
   EXPECT_EQ(back, text);
   EXPECT_EQ(behind, WString(KTEXT("z")));
 }
@@ -250,12 +254,12 @@ TEST(FileStream, RandomValuesComeBackInTheirOrder) {
     std::mt19937_64 random(seed);
     std::vector<Value> values;
     for (int i = 0; i < 200; ++i) values.push_back(RandomValue(random));
-    ofpstream out(folder.File("f").c_str(), 1, WString(), 0, kWrite);
+    ofpstream out(folder.File("f").c_str(), 1, WString(), 0, kWriteBinary);
     for (const Value& value : values) std::visit([&out](const auto& v) { out << v; }, value);
     out.Close();
-    ASSERT_EQ(out.GetState(), 0);
+    ASSERT_EQ(out.GetState(), kStreamGood);
 
-    ifpstream in(folder.File("f").c_str(), kRead);
+    ifpstream in(folder.File("f").c_str(), kReadBinary);
     for (const Value& value : values) {
       Value back = value;
       std::visit(
@@ -266,30 +270,30 @@ TEST(FileStream, RandomValuesComeBackInTheirOrder) {
           back);
       ASSERT_EQ(back, value) << seed;
     }
-    EXPECT_EQ(in.GetState(), 0);
+    EXPECT_EQ(in.GetState(), kStreamGood);
     char past = 0;
     in.ReadBytes(&past, 1);
-    EXPECT_EQ(in.GetState(), 2) << "nothing is left";
+    EXPECT_EQ(in.GetState(), kStreamEnd) << "nothing is left";
   }
 }
 
 // Whatever a file loses at its end, what stands before reads right and the rest stays as it was.
 TEST(FileStream, FilesCutShortAtEveryLength) {
   const TestFolder folder;
-  ofpstream(folder.File("f").c_str(), 1, WString(), 0, kWrite)
+  ofpstream(folder.File("f").c_str(), 1, WString(), 0, kWriteBinary)
       << 11 << WString(KTEXT("abc")) << short{22} << 3.25;
   const std::string whole = folder.Read("f");
   ASSERT_EQ(whole.size(), 5u + 4 + 10 + 2 + 8);
   for (std::size_t size = 0; size <= whole.size(); ++size) {
     SCOPED_TRACE(size);
     folder.Write("f", whole.substr(0, size));
-    ifpstream in(folder.File("f").c_str(), kRead);
+    ifpstream in(folder.File("f").c_str(), kReadBinary);
     int first = -1;
     WString text(KTEXT("old"));
     short second = -1;
     double third = -1;
     in >> first >> text >> second >> third;
-    EXPECT_EQ(in.GetState(), size == whole.size() ? 0 : 2);
+    EXPECT_EQ(in.GetState(), size == whole.size() ? kStreamGood : kStreamEnd);
     EXPECT_EQ(first, size < 9 ? -1 : 11);
     EXPECT_EQ(text, WString(size < 13 ? KTEXT("old") : size < 19 ? KTEXT("") : KTEXT("abc")));
     EXPECT_EQ(second, size < 21 ? -1 : 22);
@@ -304,9 +308,9 @@ TEST(FileStream, NumbersInARowAreAsOneByOne) {
   std::vector<int> numbers(kCount);
   for (int i = 0; i < kCount; ++i) numbers[i] = i * 0x01010101 - 5;
   {
-    ofpstream alone(folder.File("alone").c_str(), 1, WString(), 0, kWrite);
+    ofpstream alone(folder.File("alone").c_str(), 1, WString(), 0, kWriteBinary);
     for (const int number : numbers) alone << number;
-    ofpstream together(folder.File("together").c_str(), 1, WString(), 0, kWrite);
+    ofpstream together(folder.File("together").c_str(), 1, WString(), 0, kWriteBinary);
     together.WriteNumbers(numbers.data(), numbers.size());
   }
   const std::string whole = folder.Read("alone");
@@ -315,7 +319,8 @@ TEST(FileStream, NumbersInARowAreAsOneByOne) {
     SCOPED_TRACE(size);
     folder.Write("f", whole.substr(0, size));
     std::vector<int> one(kCount, -1), all(kCount, -1);
-    ifpstream alone(folder.File("f").c_str(), kRead), together(folder.File("f").c_str(), kRead);
+    ifpstream alone(folder.File("f").c_str(), kReadBinary),
+        together(folder.File("f").c_str(), kReadBinary);
     for (int& number : one) alone >> number;
     together.ReadNumbers(all.data(), all.size());
     ASSERT_EQ(all, one);
@@ -326,14 +331,14 @@ TEST(FileStream, NumbersInARowAreAsOneByOne) {
 TEST(FileStream, PointersAreStoredAsSmallNumbers) {
   const TestFolder folder;
   kelp::CPtr64Mapper mapper;
-  ofpstream out(folder.File("f").c_str(), 1, WString(), 0, kWrite);
+  ofpstream out(folder.File("f").c_str(), 1, WString(), 0, kWriteBinary);
   for (const std::int64_t pointer : {0x123456789ABCLL, 0LL, 0x123456789ABCLL}) {
     kelp::SavePointerToFile(out, pointer, &mapper);
   }
   out << -5;
   out.Close();
   EXPECT_EQ(folder.Read("f").size(), 5u + 4 * 4);
-  ifpstream in(folder.File("f").c_str(), kRead);
+  ifpstream in(folder.File("f").c_str(), kReadBinary);
   for (const std::int64_t number : {1, 2, 1, -5}) {
     EXPECT_EQ(kelp::LoadPointerFromFile(in), number);
   }
@@ -365,7 +370,7 @@ TEST(LibGen, AppendsRecordsToAFile) {
   ofpstream* failed = station.GetFileOutTmp(folder.File("f").c_str(), 4);
   ASSERT_NE(failed, nullptr);
   failed->Seek(-100000, SEEK_SET);
-  ASSERT_EQ(failed->GetState(), 1);
+  ASSERT_EQ(failed->GetState(), kStreamError);
   station.CloseFileOutTmp(failed);
   EXPECT_EQ(folder.Read("f"),
             "\0\0\1\0\0"s + records + Number(1, 4) + Number(4, 4) + Number(1909, 2))

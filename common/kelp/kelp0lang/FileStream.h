@@ -1,21 +1,18 @@
 // Binary files of this library: a 5-byte header, then numbers and texts in whatever order the
 // writer calls; the reader repeats that order.
 //
-//   kelp::ofpstream out(path, 1909, KTEXT("points"), 0, 34);
+//   kelp::ofpstream out(path, 1909, KTEXT("points"), 0, kelp::kWriteBinary);
 //   out << 3 << 12.5 << kelp::WString(KTEXT("P1"));
-//   if (out.GetState() != 0) report(path);
+//   out.Close();
+//   if (out.GetState() != kelp::kStreamGood) report(path);
 //
-//   kelp::ifpstream in(path, 33);
+//   kelp::ifpstream in(path, kelp::kReadBinary);
 //   int count; double height; kelp::WString name;
 //   in >> count >> height >> name;
 //
-// The state is 0 good, 1 error, 2 end of file. It is sticky: a stream that isn't good reads and
-// writes nothing more and leaves the targets of its reads alone, so a caller goes on and looks at
-// the state once at the end. Nothing sets it back; a new stream is the way to try again.
-//
-// Mode bits: 1 input, 2 output, 8 append, 0x20 binary. 1 and 9 read an existing file, 2 makes an
-// empty one, 3 updates an existing one, 10 appends, 11 reads and appends; others can't be opened.
-// The library's own files use 33, 34 and 35.
+// The state is sticky: a stream that isn't good reads and writes nothing more and leaves the
+// targets of its reads alone, so a caller goes on and looks at the state once at the end. Nothing
+// sets it back; a new stream is the way to try again.
 //
 // The header: ':' (0 where a writer hasn't finished), text form (0 16-bit, 1 narrow), format level
 // 1, and two reserved zeros. On disk, on every machine: numbers are little-endian without padding
@@ -47,6 +44,24 @@ namespace kelp {
 
 class CPtr64Mapper;
 
+// The states of a stream.
+inline constexpr int kStreamGood = 0;
+inline constexpr int kStreamError = 1;
+inline constexpr int kStreamEnd = 2;  // fewer bytes were there than a read asked for
+
+// The bits of a mode. Input, with or without append, reads an existing file; output makes an empty
+// one; input and output update an existing one; append and output append, and with input read too.
+// Other sets can't be opened. Without the binary bit the file is one of text.
+inline constexpr int kStreamInput = 1;
+inline constexpr int kStreamOutput = 2;
+inline constexpr int kStreamAppend = 8;
+inline constexpr int kStreamBinary = 0x20;
+
+// The modes of this library's own files.
+inline constexpr int kReadBinary = kStreamInput | kStreamBinary;
+inline constexpr int kWriteBinary = kStreamOutput | kStreamBinary;
+inline constexpr int kUpdateBinary = kStreamInput | kStreamOutput | kStreamBinary;
+
 // What the streams store as a number; bool is stored as an int.
 template <class T>
 concept StreamNumber = std::same_as<T, short> || std::same_as<T, int> ||
@@ -71,33 +86,39 @@ T LittleEndian(T value) noexcept {
 }
 
 constexpr bool IsBinary(int mode) noexcept {
-  return (mode & 0x20) != 0;
+  return (mode & kStreamBinary) != 0;
+}
+
+// The bits that choose how a file is opened.
+constexpr int Access(int mode) noexcept {
+  return mode & (kStreamInput | kStreamOutput | kStreamAppend);
 }
 
 // Every mode but those that append.
 constexpr bool OpensAtStart(int mode) noexcept {
-  return (mode & 0x0A) != 0x0A;
+  constexpr int kAppends = kStreamOutput | kStreamAppend;
+  return (mode & kAppends) != kAppends;
 }
 
 // Makes an empty file, also of one that was there.
 constexpr bool OpensEmpty(int mode) noexcept {
-  return (mode & 0x0B) == 2;
+  return Access(mode) == kStreamOutput;
 }
 
 // The mode of the C library; null where the mode bits have none.
 inline const WChar* StdioMode(int mode) noexcept {
   const bool binary = IsBinary(mode);
-  switch (mode & 0x0B) {
-    case 1:
-    case 9:
+  switch (Access(mode)) {
+    case kStreamInput:
+    case kStreamInput | kStreamAppend:
       return binary ? KTEXT("rb") : KTEXT("rt");
-    case 2:
+    case kStreamOutput:
       return binary ? KTEXT("wb") : KTEXT("wt");
-    case 3:
+    case kStreamInput | kStreamOutput:
       return binary ? KTEXT("r+b") : KTEXT("r+t");
-    case 10:
+    case kStreamOutput | kStreamAppend:
       return binary ? KTEXT("ab") : KTEXT("at");
-    case 11:
+    case kStreamInput | kStreamOutput | kStreamAppend:
       return binary ? KTEXT("a+b") : KTEXT("a+t");
     default:
       return nullptr;
@@ -110,7 +131,7 @@ class FileStreamBase {
   FileStreamBase(const FileStreamBase&) = delete;
   FileStreamBase& operator=(const FileStreamBase&) = delete;
 
-  // 0 good, 1 error, 2 end of file
+  // kStreamGood, kStreamError or kStreamEnd.
   int GetState() const noexcept { return m_state; }
   short GetVersion() const noexcept { return m_version; }
   const WString& GetName() const noexcept { return m_name; }
@@ -120,20 +141,20 @@ class FileStreamBase {
     if (!IsUsable()) return -1;
     const long position = std::ftell(m_file);
     if (position >= 0) return position;
-    m_state = 1;
+    m_state = kStreamError;
     return -1;
   }
 
-  // As fseek; failure sets state 1.
+  // As fseek; failure is an error.
   void Seek(long offset, int origin) {
-    if (IsUsable() && std::fseek(m_file, offset, origin) != 0) m_state = 1;
+    if (IsUsable() && std::fseek(m_file, offset, origin) != 0) m_state = kStreamError;
   }
 
-  // Closes the file if it is open. Data that can't be brought to the disk sets state 1. Every later
+  // Closes the file if it is open. Data that can't be brought to the disk is an error. Every later
   // use of the stream, but for a second call, is an error.
   void Close() {
     if (m_file == nullptr) return;
-    if (std::fclose(m_file) != 0 && m_state == 0) m_state = 1;
+    if (std::fclose(m_file) != 0 && m_state == kStreamGood) m_state = kStreamError;
     m_file = nullptr;
   }
 
@@ -142,26 +163,26 @@ class FileStreamBase {
       : m_version(version), m_name(name) {
     const WChar* stdioMode = StdioMode(mode);
     if (path != nullptr && stdioMode != nullptr) m_file = _wfopen(path, stdioMode);
-    if (m_file == nullptr) m_state = 1;
+    if (m_file == nullptr) m_state = kStreamError;
     if (m_file != nullptr && IsBinary(mode)) {
       std::setvbuf(m_file, m_buffer.data(), _IOFBF, m_buffer.size());
     }
   }
   ~FileStreamBase() { Close(); }
 
-  // True for a good stream with an open file; without one the state becomes 1.
+  // True for a good stream with an open file; without one that is an error.
   bool IsUsable() noexcept {
-    if (m_file == nullptr && m_state == 0) m_state = 1;
-    return m_state == 0;
+    if (m_file == nullptr && m_state == kStreamGood) m_state = kStreamError;
+    return m_state == kStreamGood;
   }
 
   // Fewer bytes than asked for were transferred.
-  void FailTransfer() noexcept { m_state = std::feof(m_file) != 0 ? 2 : 1; }
+  void FailTransfer() noexcept { m_state = std::feof(m_file) != 0 ? kStreamEnd : kStreamError; }
 
   std::FILE* m_file = nullptr;
   // What the C library would have to ask the file about and take from the heap.
   std::array<char, 4096> m_buffer;
-  int m_state = 0;
+  int m_state = kStreamGood;
   short m_version;
   WString m_name;
 };
@@ -172,9 +193,9 @@ class ifpstream : public detail::FileStreamBase {
  public:
   // Opens the file and reads its header; reading goes on behind it whatever it says, and it is the
   // caller who looks at IsMarkerMissing and IsHeaderKnown. A file shorter than the header ends in
-  // state 2.
+  // kStreamEnd.
   ifpstream(const WChar* path, int mode) : FileStreamBase(path, mode, 0, WString()) {
-    if (m_state != 0) return;
+    if (m_state != kStreamGood) return;
     if (!detail::OpensAtStart(mode)) {
       if (Tell() >= static_cast<long>(detail::kStreamHeaderSize)) return;
       Seek(0, SEEK_SET);
@@ -197,8 +218,8 @@ class ifpstream : public detail::FileStreamBase {
   // 1 where the texts of the file are narrow, else 0.
   int GetNarrowText() const noexcept { return m_narrowText; }
 
-  // Fills the buffer, or leaves it alone where the file has fewer bytes: state 2 at the end of the
-  // file, else 1.
+  // Fills the buffer, or leaves it alone where the file has fewer bytes: kStreamEnd at the end of
+  // the file, else kStreamError.
   void ReadBytes(void* buffer, std::size_t count) {
     std::array<unsigned char, 64> small;
     if (count <= small.size()) {
@@ -237,7 +258,7 @@ class ifpstream : public detail::FileStreamBase {
   }
   // A count below 1 gives the empty text; one terminator within the count is cut off. A count is
   // not trusted: memory grows only with what the file really holds, and one that goes beyond the
-  // end gives state 2 and the empty text.
+  // end gives kStreamEnd and the empty text.
   ifpstream& operator>>(WString& text) {
     std::int32_t count = 0;
     if (!(*this >> count).IsUsable()) return *this;
@@ -259,7 +280,7 @@ class ifpstream : public detail::FileStreamBase {
   bool Fetch(void* target, std::size_t count) {
     if (!IsUsable()) return false;
     if (std::fread(target, 1, count, m_file) < count) FailTransfer();
-    return m_state == 0;
+    return m_state == kStreamGood;
   }
 
   void ReadHeader() {
@@ -299,7 +320,7 @@ class ofpstream : public detail::FileStreamBase {
   // Version and name are kept for the writer and not stored by themselves.
   ofpstream(const WChar* path, short version, WString name, int narrowText, int mode)
       : FileStreamBase(path, mode, version, name), m_narrowText(narrowText) {
-    if (m_state != 0) return;
+    if (m_state != kStreamGood) return;
     if (detail::OpensEmpty(mode)) {
       WriteHeader();
       return;

@@ -7,7 +7,6 @@ namespace kelp {
 namespace {
 
 constexpr short kRecordFileVersion = 1909;
-constexpr int kUpdateBinary = 35;
 constexpr unsigned char kUnfinishedMarker = 0;
 constexpr int kRecordMark = 1;
 constexpr int kEndOfRecords = 0;
@@ -39,7 +38,7 @@ void CLibGen::LeggeDaFile(ifpstream&, short) {}
 
 ofpstream* CLibGen::GetFileOutTmp(const WChar* path, int recordType) {
   auto file = std::make_unique<ofpstream>(path, kRecordFileVersion, KTEXT("CE"), 0, kUpdateBinary);
-  if (file->GetState() != 0) return nullptr;
+  if (file->GetState() != kStreamGood) return nullptr;
   file->Seek(0, SEEK_SET);
   file->WriteBytes(&kUnfinishedMarker, sizeof kUnfinishedMarker);
   file->Seek(-static_cast<long>(sizeof kEndOfRecords), SEEK_END);

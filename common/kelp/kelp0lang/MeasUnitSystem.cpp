@@ -15,12 +15,6 @@ namespace {
 
 constexpr short kFileVersion = 1702;
 
-// Modes and states of the binary streams.
-constexpr int kReadBinary = 33;
-constexpr int kWriteBinary = 34;
-constexpr int kStreamGood = 0;
-constexpr int kStreamError = 1;
-
 template <class E>
 std::vector<E> Options(std::initializer_list<int> values) {
   std::vector<E> options;
@@ -215,8 +209,8 @@ bool CMeasUnitSystem::LoadDefault() {
 }
 
 bool CMeasUnitSystem::Load(const WString& path) {
-  kelp::ifpstream file(path.c_str(), kReadBinary);
-  if (file.GetState() == kStreamError) return false;
+  kelp::ifpstream file(path.c_str(), kelp::kReadBinary);
+  if (file.GetState() == kelp::kStreamError) return false;
   short version = 0;
   file >> version;
   ReadFromFile(file, version);
@@ -227,11 +221,11 @@ bool CMeasUnitSystem::Load(const WString& path) {
 // leaves the old settings.
 bool CMeasUnitSystem::Save(const WString& path) const {
   const WString written = path + KTEXT(".new");
-  kelp::ofpstream file(written.c_str(), kFileVersion, WString(), 0, kWriteBinary);
-  if (file.GetState() != kStreamGood) return false;
+  kelp::ofpstream file(written.c_str(), kFileVersion, WString(), 0, kelp::kWriteBinary);
+  if (file.GetState() != kelp::kStreamGood) return false;
   WriteToFile(file);
   file.Close();
-  if (file.GetState() == kStreamGood &&
+  if (file.GetState() == kelp::kStreamGood &&
       MoveFileExW(written.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) {
     return true;
   }
