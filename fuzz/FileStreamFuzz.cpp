@@ -85,7 +85,7 @@ class Reader {
     count = std::max(count, 0);
     const std::size_t size = static_cast<std::size_t>(count) * (m_in.GetNarrowText() ? 1 : 2);
     if (size > m_bytes.size() - m_position) {
-      Require(text.empty() && m_in.GetState() == kelp::kStreamEnd);
+      Require(text == WString(KTEXT("old")) && m_in.GetState() == kelp::kStreamEnd);
       return;
     }
     if (m_in.GetNarrowText() == 0) RequireUnits(text, count);

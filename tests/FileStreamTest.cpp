@@ -193,10 +193,10 @@ TEST(FileStream, ReadsTextsByTheirCount) {
       {kWideHeader + Number(1, 4) + "\0\0"s, KTEXT(""), 0},
       {kWideHeader + Number(0, 4), KTEXT(""), 0},
       {kWideHeader + Number(0x80000000, 4) + "a\0"s, KTEXT(""), 0},
-      {kWideHeader + Number(0x7FFFFFFF, 4) + "a\0"s, KTEXT(""), 2},
+      {kWideHeader + Number(0x7FFFFFFF, 4) + "a\0"s, KTEXT("old"), 2},
       {kNarrowHeader + Number(2, 4) + "ab", KTEXT("ab"), 0},
       {kNarrowHeader + Number(3, 4) + "ab\0"s, KTEXT("ab"), 0},
-      {kNarrowHeader + Number(0x7FFFFFFF, 4) + std::string(100000, 'a'), KTEXT(""), 2},
+      {kNarrowHeader + Number(0x7FFFFFFF, 4) + std::string(100000, 'a'), KTEXT("old"), 2},
       {kNarrowHeader + "\1\0"s, KTEXT("old"), 2},
   };
   for (const auto& c : cases) {
@@ -295,7 +295,7 @@ TEST(FileStream, FilesCutShortAtEveryLength) {
     in >> first >> text >> second >> third;
     EXPECT_EQ(in.GetState(), size == whole.size() ? kStreamGood : kStreamEnd);
     EXPECT_EQ(first, size < 9 ? -1 : 11);
-    EXPECT_EQ(text, WString(size < 13 ? KTEXT("old") : size < 19 ? KTEXT("") : KTEXT("abc")));
+    EXPECT_EQ(text, WString(size < 19 ? KTEXT("old") : KTEXT("abc")));
     EXPECT_EQ(second, size < 21 ? -1 : 22);
     EXPECT_EQ(third, size < 29 ? -1 : 3.25);
   }
@@ -375,6 +375,19 @@ TEST(LibGen, AppendsRecordsToAFile) {
   EXPECT_EQ(folder.Read("f"),
             "\0\0\1\0\0"s + records + Number(1, 4) + Number(4, 4) + Number(1909, 2))
       << "a failed stream gets no closing 0";
+}
+
+// What is too short to hold a closing 0 loses nothing of the header.
+TEST(LibGen, TheFirstRecordStandsBehindTheHeader) {
+  const TestFolder folder;
+  const std::string record = Number(1, 4) + Number(3, 4) + Number(1909, 2) + Number(0, 4);
+  for (const std::string& old : {""s, ":\0"s, kWideHeader, kNarrowHeader + "\0\0\0"s}) {
+    folder.Write("f", old);
+    Station station;
+    station.CloseFileOutTmp(station.GetFileOutTmp(folder.File("f").c_str(), 3));
+    const std::string header = old.size() < 5 ? kWideHeader : old.substr(0, 5);
+    EXPECT_EQ(folder.Read("f"), "\0"s + header.substr(1) + record);
+  }
 }
 
 TEST(LibGen, AModificationOutdatesTheAutomaticSave) {

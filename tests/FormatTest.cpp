@@ -93,6 +93,8 @@ TEST(Format, PrecisionHasNoBound) {
   EXPECT_EQ(Printed("%.1500f", smallest), exact(smallest, std::chars_format::fixed, 1500));
   EXPECT_EQ(Printed("%.1500e", smallest), exact(smallest, std::chars_format::scientific, 1500));
   EXPECT_EQ(Printed("%.1500g", smallest), exact(smallest, std::chars_format::general, 1500));
+  char buffer[64];
+  EXPECT_EQ(kelp_sprintf_s(buffer, 64, "%#.2147483647g", 0.0001), -1) << "2147483650 decimals";
   EXPECT_EQ(Printed("%#.1500g", 0.5), std::string("0.5") + std::string(1499, '0'));
   EXPECT_EQ(Printed("%.1500a", 1.0), std::string("0x1.") + std::string(1500, '0') + "p+0");
   EXPECT_EQ(Printed("%2000.1000d", -1), std::string(999, ' ') + "-" + std::string(999, '0') + "1");

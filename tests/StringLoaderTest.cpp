@@ -89,6 +89,22 @@ TEST(StringLoader, NarrowTextIsCutToTheBuffer) {
   EXPECT_STREQ(text, "OstrandAdmin");
 }
 
+// The program has a text with a euro, which the "C" locale doesn't know.
+TEST(StringLoader, NarrowTextEndsBeforeWhatTheLocaleLacks) {
+  const CStringLoader program;
+  char text[16] = "???????????????";
+  program.LoadStr(19, text, 16);
+  EXPECT_EQ(std::string(text, 4), std::string("5 \0?", 4));
+  program.LoadStr(19, text, 0);
+  EXPECT_STREQ(text, "5 ");
+  const LocaleScope german(LC_CTYPE, kGermanLocale);
+  if (!german.Ok()) GTEST_SKIP() << "no German locale";
+  std::fill_n(text, 16, 0);
+  program.LoadStr(19, text, 6);
+  const WString shown = kelp::ConvertString(text, static_cast<int>(std::string(text).size()));
+  EXPECT_TRUE(shown.StartsWith(KTEXT("5 \u20AC"))) << text;
+}
+
 #ifdef _WIN32
 // Here the library is told of threads.
 TEST(StringLoader, EachThreadNamesTheModuleAnew) {

@@ -114,8 +114,8 @@ void SplitExponent(FloatText& out, char* end) {
   std::memcpy(out.tail, letter, out.tailSize);
 }
 
-void SpellFixed(FloatText& out, double magnitude, int precision) {
-  const int decimals = std::min(precision, kMaxDecimals);
+void SpellFixed(FloatText& out, double magnitude, std::int64_t precision) {
+  const int decimals = static_cast<int>(std::min<std::int64_t>(precision, kMaxDecimals));
   const char* end =
       std::to_chars(out.body, std::end(out.body), magnitude, std::chars_format::fixed, decimals)
           .ptr;
@@ -149,7 +149,9 @@ void SpellGeneral(FloatText& out, double magnitude, int precision, bool alternat
   int exponent = 0;
   std::from_chars(out.tail + 2, out.tail + out.tailSize, exponent);
   if (out.tail[1] == '-') exponent = -exponent;
-  if (exponent >= -4 && exponent < precision) SpellFixed(out, magnitude, precision - 1 - exponent);
+  // A small number has more decimals than digits, which can be more than an int.
+  const std::int64_t decimals = std::int64_t{precision} - 1 - exponent;
+  if (exponent >= -4 && decimals >= 0) SpellFixed(out, magnitude, decimals);
 }
 
 // Mantissa and exponent of 2; zero and numbers below the normal ones lead with 0.

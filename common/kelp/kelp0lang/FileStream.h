@@ -20,7 +20,8 @@
 // count of its characters, then the characters without a terminator, UTF-16 little-endian or narrow
 // in the LC_CTYPE locale of the process (ConvertString).
 //
-// A stream belongs to one thread at a time, and to the modules that share its C runtime.
+// A stream belongs to one thread at a time, and to the modules that share its C runtime. Order and
+// sizes of the members are part of the interface: modules hand streams to each other.
 #pragma once
 
 #include <tchar.h>
@@ -164,9 +165,6 @@ class FileStreamBase {
     const WChar* stdioMode = StdioMode(mode);
     if (path != nullptr && stdioMode != nullptr) m_file = _wfopen(path, stdioMode);
     if (m_file == nullptr) m_state = kStreamError;
-    if (m_file != nullptr && IsBinary(mode)) {
-      std::setvbuf(m_file, m_buffer.data(), _IOFBF, m_buffer.size());
-    }
   }
   ~FileStreamBase() { Close(); }
 
@@ -180,8 +178,6 @@ class FileStreamBase {
   void FailTransfer() noexcept { m_state = std::feof(m_file) != 0 ? kStreamEnd : kStreamError; }
 
   std::FILE* m_file = nullptr;
-  // What the C library would have to ask the file about and take from the heap.
-  std::array<char, 4096> m_buffer;
   int m_state = kStreamGood;
   short m_version;
   WString m_name;
@@ -258,15 +254,16 @@ class ifpstream : public detail::FileStreamBase {
   }
   // A count below 1 gives the empty text; one terminator within the count is cut off. A count is
   // not trusted: memory grows only with what the file really holds, and one that goes beyond the
-  // end gives kStreamEnd and the empty text.
+  // end gives kStreamEnd and leaves the text as it was.
   ifpstream& operator>>(WString& text) {
     std::int32_t count = 0;
     if (!(*this >> count).IsUsable()) return *this;
     if (m_narrowText == 0) {
-      text = ReadUnits<WString, WChar>(count);
+      const WString wide = ReadUnits<WString, WChar>(count);
+      if (m_state == kStreamGood) text = wide;
     } else {
       const String narrow = ReadUnits<String, char>(count);
-      text = ConvertString(narrow.c_str(), narrow.Length());
+      if (m_state == kStreamGood) text = ConvertString(narrow.c_str(), narrow.Length());
     }
     return *this;
   }
@@ -307,6 +304,7 @@ class ifpstream : public detail::FileStreamBase {
     return text;
   }
 
+  // Directly behind those of the base.
   WString m_path;
   bool m_markerMissing = false;
   bool m_headerKnown = false;
@@ -390,6 +388,10 @@ class ofpstream : public detail::FileStreamBase {
 
   int m_narrowText;
 };
+
+static_assert(sizeof(detail::FileStreamBase) == 24);
+static_assert(sizeof(ifpstream) == 40);
+static_assert(sizeof(ofpstream) == 32);
 
 // Stores a pointer as the 4-byte number that the mapper gives it, so that files are alike whatever
 // the width of a pointer. The mapper isn't null.

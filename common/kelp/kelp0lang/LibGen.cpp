@@ -1,5 +1,6 @@
 #include "kelp0lang/LibGen.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -10,6 +11,14 @@ constexpr short kRecordFileVersion = 1909;
 constexpr unsigned char kUnfinishedMarker = 0;
 constexpr int kRecordMark = 1;
 constexpr int kEndOfRecords = 0;
+
+// Onto the closing 0; a file that holds nothing behind its header has none.
+void SeekToEndOfRecords(ofpstream& file) {
+  constexpr long kFirstRecord = detail::kStreamHeaderSize;
+  file.Seek(0, SEEK_END);
+  const long end = file.Tell() - static_cast<long>(sizeof kEndOfRecords);
+  file.Seek(std::max(end, kFirstRecord), SEEK_SET);
+}
 
 }  // namespace
 
@@ -41,7 +50,7 @@ ofpstream* CLibGen::GetFileOutTmp(const WChar* path, int recordType) {
   if (file->GetState() != kStreamGood) return nullptr;
   file->Seek(0, SEEK_SET);
   file->WriteBytes(&kUnfinishedMarker, sizeof kUnfinishedMarker);
-  file->Seek(-static_cast<long>(sizeof kEndOfRecords), SEEK_END);
+  SeekToEndOfRecords(*file);
   *file << kRecordMark << recordType << file->GetVersion();
   return file.release();
 }

@@ -33,8 +33,9 @@ class KELP0LANG_API CLibGen {
 
  protected:
   // Begins a record of a type at the end of an existing file of records, and marks the file as
-  // unfinished. The caller writes the body, to be ended by CloseFileOutTmp. Null where the file
-  // can't be opened; a later failure shows in the stream's state.
+  // unfinished. An empty file gets its header first. The caller writes the body, to be ended by
+  // CloseFileOutTmp. Null where the file can't be opened; a later failure shows in the stream's
+  // state.
   ofpstream* GetFileOutTmp(const WChar* path, int recordType);
   // Ends the record and the records, closes and deletes the stream; null does nothing.
   void CloseFileOutTmp(ofpstream* file);

@@ -1,10 +1,11 @@
 #include "kelp0lang/StringLoader.h"
 
-#include <tchar.h>
 #include <windows.h>
 
-#include <cstdlib>
-#include <cwchar>
+#include <algorithm>
+
+#include "kelptext/Characters.h"
+#include "sarnutils/CharacterWidth.h"
 
 namespace kelp {
 
@@ -41,7 +42,15 @@ void CStringLoader::LoadStr(unsigned int id, char* target, int size) const {
   constexpr int kSize = 1024;
   WChar text[kSize];
   LoadStr(id, text, kSize);
-  wcstombs(target, text, static_cast<std::size_t>(size));
+  char character[detail::kMaxCharacterUnits];
+  for (const WChar* next = text; *next != 0;) {
+    const int count = sarn_text::ConvertCharacter(next, character);
+    if (count < 0) break;
+    if (count > size) return;
+    target = std::copy_n(character, count, target);
+    size -= count;
+  }
+  if (size > 0) *target = 0;
 }
 
 }  // namespace kelp

@@ -31,8 +31,9 @@ class KELP0LANG_API CStringLoader {
   // Cut to size - 1 units and terminated. Size 0 makes target, then that of a pointer, point to the
   // string within the module, where nothing terminates it.
   void LoadStr(unsigned int id, WChar* target, int size) const;
-  // At most 1023 units of the string as multibyte text of the process locale: at most size bytes,
-  // terminated if there is room. What the locale can't express ends it.
+  // At most 1023 units of the string as multibyte text of the process locale: as many whole
+  // characters as size bytes hold, terminated if there is room behind them. The text ends before a
+  // character that the locale can't express.
   void LoadStr(unsigned int id, char* target, int size) const;
 
  private:
