@@ -449,9 +449,10 @@ TEST(FormatStream, TellsFailures) {
   const TextFile file;
   ASSERT_NE(file.Get(), nullptr);
   EXPECT_EQ(kelp_fprintf(file.Get(), "ab%n"), -1);
-  EXPECT_EQ(kelp_fwprintf(file.Get(), KTEXT("\x20AC")), -1) << "the C locale can't express it";
+  EXPECT_EQ(kelp_fwprintf(file.Get(), KTEXT("c%lsd%d"), KTEXT("\x20AC"), 1), -1)
+      << "not in the C locale";
   EXPECT_EQ(kelp_fprintf(nullptr, "x"), -1);
-  EXPECT_EQ(file.Content(), "ab") << "what went before stays";
+  EXPECT_EQ(file.Content(), "abc?d1") << "what stands before and behind stays";
 }
 
 TEST(FormatStream, KeepsSurrogatePairsWhole) {

@@ -93,14 +93,14 @@ TEST(StringLoader, NarrowTextIsCutToTheBuffer) {
 TEST(StringLoader, NarrowTextEndsBeforeWhatTheLocaleLacks) {
   const CStringLoader program;
   char text[16] = "???????????????";
-  program.LoadStr(19, text, 16);
+  program.LoadStr(1001, text, 16);
   EXPECT_EQ(std::string(text, 4), std::string("5 \0?", 4));
-  program.LoadStr(19, text, 0);
+  program.LoadStr(1001, text, 0);
   EXPECT_STREQ(text, "5 ");
   const LocaleScope german(LC_CTYPE, kGermanLocale);
   if (!german.Ok()) GTEST_SKIP() << "no German locale";
   std::fill_n(text, 16, 0);
-  program.LoadStr(19, text, 6);
+  program.LoadStr(1001, text, 6);
   const WString shown = kelp::ConvertString(text, static_cast<int>(std::string(text).size()));
   EXPECT_TRUE(shown.StartsWith(KTEXT("5 \u20AC"))) << text;
 }

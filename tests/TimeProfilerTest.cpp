@@ -94,6 +94,13 @@ TEST(TimeProfiler, ReportsTheTreeAtItsEnd) {
   EXPECT_EQ(total(1) - total(2) - total(5), total(6)) << "without inner and second";
 }
 
+TEST(TimeProfiler, ANameThatTheLocaleLacksKeepsItsLine) {
+  const TestDrive drive;
+  if (!drive.Ok()) GTEST_SKIP() << "no drive D:";
+  { CTimeProfiler work(KTEXT("Punkte \u20AC \xD83D\xDE00!")); }
+  EXPECT_EQ(Report(drive.Read("profile_times.txt")).text, "* Punkte ? ?!\n" + TimesAt("    "));
+}
+
 TEST(TimeProfiler, WithoutTheFileNothingHappens) {
   const TestDrive drive;
   if (!drive.Ok()) GTEST_SKIP() << "no drive D:";

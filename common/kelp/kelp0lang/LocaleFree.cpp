@@ -6,11 +6,13 @@
 #endif
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <clocale>
 #include <cstring>
 #include <cwchar>
 #include <type_traits>
+#include <utility>
 
 #include "kelptext/FormatEngine.h"
 #include "sarnutils/CharacterWidth.h"
@@ -55,19 +57,39 @@ class BufferSink {
   std::size_t m_length = 0;
 };
 
-bool Write(const char* text, std::size_t size, std::FILE* file) {
+// Both give false where the stream takes no more; whole becomes false where it lacks a character.
+// The unit behind the text is lent for a terminator.
+bool Write(char* text, std::size_t size, std::FILE* file, bool&) {
   return std::fwrite(text, 1, size, file) == size;
 }
 
-// Terminated text, in which a zero unit may stand too.
-bool Write(const WChar* text, std::size_t size, std::FILE* file) {
-  const auto failed = static_cast<std::wint_t>(WEOF);
-  for (const WChar* const end = text + size;;) {
-    if (*text != 0 && static_cast<std::wint_t>(fputws(text, file)) == failed) return false;
-    text += wcslen(text);
-    if (text == end) return true;
-    if (fputwc(*text++, file) == failed) return false;
+// The end of what is written in one call: ASCII, which every stream has, in one piece, anything
+// else character by character, so that what a stream lacks takes nothing else along.
+WChar* EndOfRun(WChar* text, WChar* end) {
+  const auto isAscii = [](WChar unit) { return unit > 0 && unit < 0x80; };
+  if (isAscii(*text)) return std::find_if_not(text, end, isAscii);
+  const bool isPair = end - text > 1 && IsHighSurrogate(*text) && IsLowSurrogate(text[1]);
+  return text + (isPair ? 2 : 1);
+}
+
+bool WriteRun(const WChar* text, std::FILE* file) {
+  constexpr auto kFailed = static_cast<std::wint_t>(WEOF);
+  return *text == 0 ? fputwc(WChar{0}, file) != kFailed
+                    : static_cast<std::wint_t>(fputws(text, file)) != kFailed;
+}
+
+bool Write(WChar* text, std::size_t size, std::FILE* file, bool& whole) {
+  for (WChar* const end = text + size; text < end;) {
+    WChar* const runEnd = EndOfRun(text, end);
+    const WChar behind = std::exchange(*runEnd, WChar{0});
+    if (!WriteRun(text, file)) {
+      if (errno != EILSEQ || !WriteRun(KTEXT("?"), file)) return false;
+      whole = false;
+    }
+    *runEnd = behind;
+    text = runEnd;
   }
+  return true;
 }
 
 // A stream, reached in pieces that end between characters.
@@ -105,8 +127,7 @@ class StreamSink {
 
   // Writes the rest, even of a text that failed; gives the number of units.
   int Finish(bool ok) {
-    m_piece[m_size] = 0;
-    ok = Write(m_piece, m_size, m_file) && ok && m_total <= INT_MAX;
+    ok = Write(m_piece, m_size, m_file, m_whole) && m_whole && ok && m_total <= INT_MAX;
     return ok ? static_cast<int>(m_total) : -1;
   }
 
@@ -126,8 +147,7 @@ class StreamSink {
     const C last = m_piece[m_size - 1];
     const bool waits = std::is_same_v<C, WChar> && IsHighSurrogate(static_cast<WChar>(last));
     const std::size_t size = waits ? m_size - 1 : m_size;
-    m_piece[size] = 0;
-    if (!Write(m_piece, size, m_file)) {
+    if (!Write(m_piece, size, m_file, m_whole)) {
       m_size = 0;
       return false;
     }
@@ -140,6 +160,7 @@ class StreamSink {
   C m_piece[kPiece + 1];
   std::size_t m_size = 0;
   std::size_t m_total = 0;
+  bool m_whole = true;
 };
 
 template <class C>

@@ -61,7 +61,8 @@ KELP0LANG_API int kelp_vsnwprintf(WChar* buffer, std::size_t size, const WChar* 
 
 // Onto a stream, as one piece between threads. They give the number of units, or -1 where the
 // template can't be read, a character can't be expressed or the stream fails; what went before
-// stays written. Wide text becomes multibyte text as fputws makes it.
+// stays written. Wide text becomes multibyte text as fputws makes it, and a character of it that
+// the locale lacks a "?", which the rest of the text follows.
 KELP0LANG_API int kelp_printf(const char* format, ...);
 KELP0LANG_API int kelp_vprintf(const char* format, std::va_list args);
 KELP0LANG_API int kelp_fprintf(std::FILE* file, const char* format, ...);

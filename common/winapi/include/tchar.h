@@ -68,8 +68,9 @@ WINAPI_EXPORT void _free_locale(_locale_t locale);
 WINAPI_EXPORT double _atof_l(const char* text, _locale_t locale);
 WINAPI_EXPORT double _wtof_l(const char16_t* text, _locale_t locale);
 
-// Wide text into a stream as multibyte text of the locale. A character that has no such form gives
-// WEOF and EILSEQ, and nothing of the text is written. fputwc takes a whole character.
+// Wide text into a stream as multibyte text of the locale. A character that has no such form is left
+// out and gives WEOF and EILSEQ; the rest of the text is written. fputwc takes a whole character.
+// Into a stream that _wfopen opened with b go the 16-bit units as they are.
 WINAPI_EXPORT int fputws(const char16_t* text, FILE* file);
 WINAPI_EXPORT wint_t fputwc(char16_t unit, FILE* file);
 // Keeps other threads off a stream; a thread may lock it more than once.
@@ -87,7 +88,8 @@ WINAPI_EXPORT void _unlock_file(FILE* file);
 // or UTF-8. A new or empty file gets a byte-order mark; one that has a mark is gone on with in its
 // encoding. Such a stream takes wide text only.
 WINAPI_EXPORT FILE* _wfopen(const char16_t* path, const char16_t* mode);
-// Up to size - 1 units, or up to and including a line feed, of multibyte text of the locale, from a
-// stream of any kind. Null, and buffer as it was or cut short, at the end, for an error of the
-// stream, and (EILSEQ) for bytes that are no character.
+// Up to size - 1 units, or up to and including a line feed, of multibyte text of the locale, or of
+// 16-bit units as they are from a stream that _wfopen opened with b (half a unit at the end is none).
+// Null, and buffer as it was or cut short, at the end, for an error of the stream, and (EILSEQ) for
+// bytes that are no character.
 WINAPI_EXPORT char16_t* fgetws(char16_t* buffer, int size, FILE* stream);

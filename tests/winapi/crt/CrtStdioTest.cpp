@@ -117,6 +117,54 @@ TEST(CrtStdio, UnicodeStreamsHaveAMarkAndWriteAnyText) {
   for (const auto& c : kCases) EXPECT_EQ(AfterWriting(folder, c.mode, c.text), c.bytes);
 }
 
+// Raw units: no line end is translated, no unit needs the locale, and half a unit is none.
+TEST(CrtStdio, BinaryStreamsTakeUnitsAsTheyAre) {
+  const TempFolder folder;
+  const Wide text = WTEXT("\u20AC\r\n\x1A\xD800\n");
+  const std::string bytes(reinterpret_cast<const char*>(text.data()), 2 * text.size());
+  for (const WCHAR* mode : {WTEXT("wb"), WTEXT("w+b"), WTEXT("wbN")}) {
+    EXPECT_EQ(AfterWriting(folder, mode, text), bytes);
+  }
+  EXPECT_EQ(AfterWriting(folder, WTEXT("ab"), std::string("x")), bytes + "x") << "bytes as well";
+  const std::vector<Wide> lines = {text.substr(0, 3), text.substr(3)};
+  const Wide path = folder.Wide(WTEXT("out.txt"));
+  for (const WCHAR* mode : {WTEXT("rb"), WTEXT("r+b"), WTEXT("a+b")}) {
+    EXPECT_EQ(ReadLines(path, mode), lines);
+  }
+  EXPECT_EQ(ReadLines(path, WTEXT("rb"), 2).front(), text.substr(0, 1));
+
+  FILE* const file = _wfopen(path.c_str(), WTEXT("wb"));
+  ASSERT_NE(file, nullptr);
+  for (const WCHAR unit : {WCHAR{0}, WCHAR{0xDC00}}) EXPECT_EQ(fputwc(unit, file), unit);
+  EXPECT_EQ(std::ftell(file), 4);
+  std::fclose(file);
+  EXPECT_EQ(folder.Read("out.txt"), std::string("\0\0\0\xDC", 4));
+
+  FILE* const next = _wfopen(path.c_str(), WTEXT("w"));
+  ASSERT_NE(next, nullptr);
+  EXPECT_GE(fputws(WTEXT("a\n"), next), 0)
+      << "a stream of text, where the binary one may have been";
+  std::fclose(next);
+  EXPECT_EQ(folder.Read("out.txt"), "a\r\n");
+}
+
+TEST(CrtStdio, ACharacterThatTheLocaleLacksDoesNotTakeTheRestAlong) {
+  const TempFolder folder;
+  FILE* const file = _wfopen(folder.Wide(WTEXT("out.txt")).c_str(), WTEXT("w"));
+  ASSERT_NE(file, nullptr);
+  errno = 0;
+  EXPECT_EQ(static_cast<std::wint_t>(fputws(WTEXT("x\u20ACyz"), file)),
+            static_cast<std::wint_t>(WEOF));
+  EXPECT_EQ(errno, EILSEQ);
+  EXPECT_EQ(fputwc(WTEXT('\u20AC'), file), static_cast<std::wint_t>(WEOF));
+  std::fclose(file);
+#ifdef _WIN32
+  EXPECT_EQ(folder.Read("out.txt")[0], 'x') << "there the rest may be lost";
+#else
+  EXPECT_EQ(folder.Read("out.txt"), "xyz");
+#endif
+}
+
 TEST(CrtStdio, OpensByWindowsNames) {
   const TempFolder folder;
   const Wide name = WTEXT("Stra\u00DFe \u00C0.txt");

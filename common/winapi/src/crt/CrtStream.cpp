@@ -1,33 +1,68 @@
-// Wide text onto streams of bytes.
+// Wide text onto streams.
 #include <tchar.h>
 
+#include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cwchar>
 #include <string>
 
+#include "crt/Multibyte.h"
 #include "crt/UnicodeStream.h"
 
-int fputws(const char16_t* text, FILE* file) {
-  const Encoding encoding = EncodingOf(file);
-  if (encoding != Encoding::kLocale) {
-    return PutUnicode(text, file, encoding) ? 0 : static_cast<int>(WEOF);
+namespace {
+
+constexpr int kFailed = static_cast<int>(WEOF);
+
+bool PutUnits(const char16_t* units, std::size_t count, FILE* file) {
+  return std::fwrite(units, sizeof(*units), count, file) == count;
+}
+
+// What the locale can't express is left out.
+int PutMultibyte(const char16_t* text, FILE* file) {
+  const bool cLocale = IsCLocale();
+  std::string bytes;
+  bool whole = true;
+  while (*text != 0) {
+    char character[MB_LEN_MAX];
+    const int size = PutCharacter(NextCharacter(text), character, cLocale);
+    if (size > 0) bytes.append(character, static_cast<std::size_t>(size));
+    whole &= size > 0;
   }
-  constexpr auto kFailed = static_cast<std::size_t>(-1);
-  const std::size_t size = wcstombs(nullptr, text, 0);
-  if (size == kFailed) return static_cast<int>(WEOF);
-  std::string bytes(size, '\0');
-  wcstombs(bytes.data(), text, size);
-  return std::fwrite(bytes.data(), 1, size, file) == size ? 0 : static_cast<int>(WEOF);
+  if (std::fwrite(bytes.data(), 1, bytes.size(), file) < bytes.size()) return kFailed;
+  if (whole) return 0;
+  errno = EILSEQ;
+  return kFailed;
+}
+
+}  // namespace
+
+int fputws(const char16_t* text, FILE* file) {
+  const StreamKind kind = Describe(file).kind;
+  switch (kind) {
+    case StreamKind::kUnits:
+      return PutUnits(text, wcslen(text), file) ? 0 : kFailed;
+    case StreamKind::kUtf16:
+    case StreamKind::kUtf8:
+      return PutUnicode(text, file, kind) ? 0 : kFailed;
+    default:
+      return PutMultibyte(text, file);
+  }
 }
 
 wint_t fputwc(char16_t unit, FILE* file) {
   const char16_t text[2] = {unit, 0};
-  const Encoding encoding = EncodingOf(file);
-  if (encoding != Encoding::kLocale) {
-    return PutUnicode({text, 1}, file, encoding) ? unit : WEOF;
+  const StreamKind kind = Describe(file).kind;
+  switch (kind) {
+    case StreamKind::kUnits:
+      return PutUnits(text, 1, file) ? unit : WEOF;
+    case StreamKind::kUtf16:
+    case StreamKind::kUtf8:
+      return PutUnicode({text, 1}, file, kind) ? unit : WEOF;
+    default:
+      if (unit == 0) return std::fputc(0, file) == EOF ? WEOF : 0;
+      return PutMultibyte(text, file) < 0 ? WEOF : unit;
   }
-  if (unit == 0) return std::fputc(0, file) == EOF ? WEOF : 0;
-  return fputws(text, file) < 0 ? WEOF : unit;
 }
 
 void _lock_file(FILE* file) {

@@ -5,21 +5,15 @@
 #include <cctype>
 #include <cerrno>
 #include <climits>
-#include <clocale>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <cwchar>
 #include <cwctype>
 #include <string>
 
-namespace {
+#include "crt/Multibyte.h"
 
-// In the "C" locale glibc knows only ASCII; Windows passes every byte through.
-bool IsCLocale() {
-  const char* name = std::setlocale(LC_CTYPE, nullptr);
-  return name != nullptr && (std::strcmp(name, "C") == 0 || std::strcmp(name, "POSIX") == 0);
-}
+namespace {
 
 char16_t Lower(char16_t unit) {
   return static_cast<char16_t>(std::towlower(unit));
@@ -41,34 +35,6 @@ int CompareFolded(const C* a, const C* b, std::size_t count, Fold fold) {
     if (x == 0) break;
   }
   return 0;
-}
-
-bool IsHighSurrogate(char16_t unit) {
-  return unit >= 0xD800 && unit <= 0xDBFF;
-}
-bool IsLowSurrogate(char16_t unit) {
-  return unit >= 0xDC00 && unit <= 0xDFFF;
-}
-
-// Takes one character off UTF-16 text; a lone surrogate gives WEOF.
-std::wint_t NextCharacter(const char16_t*& text) {
-  const char16_t first = *text++;
-  if (IsHighSurrogate(first) && IsLowSurrogate(*text)) {
-    return 0x10000u + ((first - 0xD800u) << 10) + (*text++ - 0xDC00u);
-  }
-  return IsHighSurrogate(first) || IsLowSurrogate(first) ? WEOF : first;
-}
-
-// One character as bytes of the locale; -1 where it has none.
-int PutCharacter(std::wint_t character, char* bytes, bool cLocale) {
-  if (cLocale) {
-    if (character > 0xFF) return -1;
-    *bytes = static_cast<char>(character);
-    return 1;
-  }
-  std::mbstate_t state{};
-  const std::size_t size = std::wcrtomb(bytes, static_cast<wchar_t>(character), &state);
-  return size == static_cast<std::size_t>(-1) ? -1 : static_cast<int>(size);
 }
 
 std::size_t Unconvertible() {
@@ -168,8 +134,7 @@ std::size_t wcstombs(char* target, const char16_t* source, std::size_t size) {
   std::size_t written = 0;
   while (*source != 0) {
     char bytes[MB_LEN_MAX];
-    const std::wint_t character = NextCharacter(source);
-    const int count = character == WEOF ? -1 : PutCharacter(character, bytes, cLocale);
+    const int count = PutCharacter(NextCharacter(source), bytes, cLocale);
     if (count < 0) return Unconvertible();
     if (target != nullptr) {
       // A character that doesn't fit whole isn't begun.

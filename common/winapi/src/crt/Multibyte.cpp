@@ -1,0 +1,40 @@
+#include "crt/Multibyte.h"
+
+#include <clocale>
+#include <cstring>
+
+namespace {
+
+bool IsHighSurrogate(char16_t unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+bool IsLowSurrogate(char16_t unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+}  // namespace
+
+bool IsCLocale() {
+  const char* name = std::setlocale(LC_CTYPE, nullptr);
+  return name != nullptr && (std::strcmp(name, "C") == 0 || std::strcmp(name, "POSIX") == 0);
+}
+
+std::wint_t NextCharacter(const char16_t*& text) {
+  const char16_t first = *text++;
+  if (IsHighSurrogate(first) && IsLowSurrogate(*text)) {
+    return 0x10000u + ((first - 0xD800u) << 10) + (*text++ - 0xDC00u);
+  }
+  return IsHighSurrogate(first) || IsLowSurrogate(first) ? WEOF : first;
+}
+
+int PutCharacter(std::wint_t character, char* bytes, bool cLocale) {
+  if (character == WEOF) return -1;
+  if (cLocale) {
+    if (character > 0xFF) return -1;
+    *bytes = static_cast<char>(character);
+    return 1;
+  }
+  std::mbstate_t state{};
+  const std::size_t size = std::wcrtomb(bytes, static_cast<wchar_t>(character), &state);
+  return size == static_cast<std::size_t>(-1) ? -1 : static_cast<int>(size);
+}
