@@ -14,8 +14,11 @@ const std::string kItalian = std::string(FIELDBOOK_DATA) + "/it.po";
 class Edit : public testing::Test {
  protected:
   ProgramResult Run(const std::string& input, std::vector<std::string> options = {}) const {
-    options.insert(options.begin(), {"edit", m_path});
-    return RunFieldbook(options, input);
+    options.insert(options.begin(), {"edit", m_path, "--columns", "P,N,E,Z,D", "--no-backup"});
+    ProgramResult result = RunFieldbook(options, input);
+    // The layout, which is the same in all tests.
+    result.out.erase(0, result.out.find('\n') + 1);
+    return result;
   }
   std::string Saved() const { return m_folder.Read("points.csv"); }
   std::size_t Files() const {
@@ -33,12 +36,12 @@ TEST_F(Edit, ChangesAreCarriedOutAndSaved) {
       "\xEF\xBB\xBFmove A 1 -2 0,5\r\n\n# a comment\nrename B \"B 2\"\nmove \"B 2\" .5 0 0\nlist\n"
       "save\n");
   EXPECT_EQ(result.out,
-            "A  21.000  8.000  30.500\n"
-            "B 2  21.000  11.000\n"
-            "B 2  21.500  11.000\n"
-            "Point  East [m]  North [m]  Elevation [m]  Description\n"
-            "A        21.000      8.000         30.500  wall\n"
-            "B 2      21.500     11.000\n"
+            "A  Easting (m) 21.000  Northing (m) 8.000  Elevation (m) 30.500\n"
+            "B 2  Easting (m) 21.000  Northing (m) 11.000\n"
+            "B 2  Easting (m) 21.500  Northing (m) 11.000\n"
+            "Point  Easting (m)  Northing (m)  Elevation (m)  Description\n"
+            "A           21.000         8.000         30.500  wall\n"
+            "B 2         21.500        11.000\n"
             "saved in " +
                 m_path + "\n");
   EXPECT_EQ(result.err, "");
@@ -53,13 +56,15 @@ TEST_F(Edit, AGroupIsOneStep) {
           "begin \"new names\"\nmove A 1 1 1\nrename A C\nmove C 1 1 1\nrename B A\ndelete C\nend\n"
           "undo\nredo\nundo\nundo\nredo\nsave\n");
   EXPECT_EQ(result.out,
-            "B  22.000  11.000\n"
-            "C is deleted\nA  22.000  11.000\n"
-            "undone: new names\nA  20.000  10.000  30.000\nB  22.000  11.000\n"
-            "redone: new names\nC is deleted\nA  22.000  11.000\n"
-            "undone: new names\nA  20.000  10.000  30.000\nB  22.000  11.000\n"
-            "undone: move B 1 0 0\nB  21.000  11.000\n"
-            "redone: move B 1 0 0\nB  22.000  11.000\n"
+            "B  Easting (m) 22.000  Northing (m) 11.000\n"
+            "C is deleted\nA  Easting (m) 22.000  Northing (m) 11.000\n"
+            "undone: new names\nA  Easting (m) 20.000  Northing (m) 10.000  Elevation (m) "
+            "30.000\nB  Easting (m) 22.000  Northing (m) 11.000\n"
+            "redone: new names\nC is deleted\nA  Easting (m) 22.000  Northing (m) 11.000\n"
+            "undone: new names\nA  Easting (m) 20.000  Northing (m) 10.000  Elevation (m) "
+            "30.000\nB  Easting (m) 22.000  Northing (m) 11.000\n"
+            "undone: move B 1 0 0\nB  Easting (m) 21.000  Northing (m) 11.000\n"
+            "redone: move B 1 0 0\nB  Easting (m) 22.000  Northing (m) 11.000\n"
             "saved in " +
                 m_path + "\n");
   EXPECT_EQ(result.status, 0) << result.err;
@@ -69,7 +74,8 @@ TEST_F(Edit, AGroupIsOneStep) {
 TEST_F(Edit, WhatCannotBeDoneIsReportedWithItsLineAndTheRestGoesOn) {
   const std::pair<const char*, const char*> cases[] = {
       {"jump A",
-       "there is no command \"jump\", only move, rename, delete, begin, end, undo, redo, "
+       "there is no command \"jump\", only add, move, shift, set, rename, delete, begin, end, "
+       "undo, redo, "
        "list, save, help, quit"},
       {"move A 1 1", "move takes P dE dN dH"},
       {"list all", "list takes nothing behind it"},
@@ -105,7 +111,7 @@ TEST_F(Edit, UnsavedChangesAreReported) {
   EXPECT_EQ(Run("list\nquit\nbogus\n").err, "");
   const ProgramResult result = Run("move A 1 0 0\nquit\nsave\n", {"--lang", kItalian});
   EXPECT_EQ(result.err, m_path + ": le modifiche non sono salvate\n");
-  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.status, 2);
   const ProgramResult open = Run("begin g\ndelete A\n");
   EXPECT_EQ(open.err, "the group \"g\" isn't ended; it ends here\n" + m_path +
                           ": the changes aren't saved\n");
@@ -113,16 +119,50 @@ TEST_F(Edit, UnsavedChangesAreReported) {
   EXPECT_EQ(Saved(), m_start);
 }
 
-TEST_F(Edit, LengthsAreInTheUnitOfTheSettingsAndTheFileKeepsItsOwn) {
-  const std::string data = m_folder.PathOf("data").string();
-  RunFieldbook({"units", "set", "dist-units", "ft-in", "--data", data});
+TEST_F(Edit, LengthsAreInTheUnitOfTheFileOrInTheirOwn) {
   const ProgramResult result =
-      Run("move A 1'6\"0/8 \"-6\"\"\" 0\nsave\n", {"--from", "ft", "--data", data});
-  EXPECT_EQ(result.out, "A  21'6\"0/8  9'6\"0/8  30'0\"0/8\nsaved in " + m_path + "\n");
-  EXPECT_EQ(Saved(), "# head\nA,9.500,21.500,30.000,wall\nB,11.000,21.000,,\n");
-  RunFieldbook({"units", "set", "dist-units", "m", "--data", data});
-  EXPECT_EQ(Run("move A 0.3048 0 0\nsave\n", {"--from", "ft", "--data", data}).status, 0);
-  EXPECT_EQ(Saved(), "# head\nA,9.500,22.500,30.000,wall\nB,11.000,21.000,,\n");
+      Run("move A 1'6\"0/8 \"-6\"\"\" 0\nmove B 0.3048 m 1 us-ft 0\nsave\n", {"--from", "ft-in"});
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.out,
+            "A  Easting (ft-in) 21'6\"0/8  Northing (ft-in) 9'6\"0/8  Elevation (ft-in) 30'0\"0/8\n"
+            "B  Easting (ft-in) 22'0\"0/8  Northing (ft-in) 12'0\"0/8\nsaved in " +
+                m_path + "\n");
+  EXPECT_EQ(Saved(), "# head\nA,9.500,21.500,30.000,wall\nB,12.000002000004,22.000,,\n");
+}
+
+TEST_F(Edit, PointsAreAddedSetAndShifted) {
+  const ProgramResult result =
+      Run("add C 1 ft 2 3 \"a, b\"\nset C east 5\nset C north 1 ft\nset C up \"\"\nset C code x\n"
+          "set B name D\nshift 1 2 3\nundo all\nredo\nsave\n");
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(Saved(),
+            "# head\nA,10.000,20.000,30.000,wall\nB,11.000,21.000,,\n"
+            "C,2.000,0.3048,3.000,\"a, b\"\n");
+  const std::pair<const char*, const char*> faults[] = {
+      {"add A 1 2", "there is a point \"A\" already"},
+      {"add X 1 \"\"", "N is missing"},
+      {"add X 1 2 3 code 4", "add takes P E N [H [CODE]]"},
+      {"set A height 1", "set: \"height\" isn't one of east, north, up, name, code"},
+      {"set A east \"\"", "east is missing"},
+      {"shift 5e8 0 0", "out of range"},
+      {"undo some", "undo takes [all]"},
+  };
+  for (const auto& [line, fault] : faults) {
+    EXPECT_EQ(Run(line).err, std::string("-:1: ") + fault + "\n");
+  }
+}
+
+TEST_F(Edit, TheFileAsItWasIsKeptOnce) {
+  ProgramResult result = RunFieldbook({"edit", m_path}, "move A 1 0 0\nsave\nmove A 1 0 0\nsave\n");
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(m_folder.Read("points.csv.bak"), m_start);
+  EXPECT_EQ(Saved(), "# head\nA,12.000,20.000,30.000,wall\nB,11.000,21.000,,\n");
+  m_folder.Write("points.csv", "A;1;2\n");
+  result = RunFieldbook({"edit", m_path}, "move A 1 0 0\nsave\nsave\n");
+  EXPECT_EQ(m_folder.Read("points.csv.bak"), "A;1;2\n");
+  const std::string note = "the fields are separated by commas now\n";
+  EXPECT_EQ(result.out.find(note), result.out.rfind(note));
+  EXPECT_NE(result.out.find(note), std::string::npos);
 }
 
 TEST_F(Edit, WhatCannotBeReadIsNotWrittenOver) {

@@ -6,6 +6,7 @@
 #include "tests/TestText.h"
 
 using fieldbook::kLengthUnits;
+using fieldbook::LayoutWishes;
 using fieldbook::LengthUnit;
 using fieldbook::Point;
 using fieldbook::PointFile;
@@ -16,9 +17,17 @@ namespace {
 
 const LengthUnit& kMetre = kLengthUnits[0];
 
+// Northing first, unless a test says otherwise.
+LayoutWishes InUnit(const LengthUnit& unit) {
+  LayoutWishes wishes;
+  wishes.isEastFirst = false;
+  wishes.fileUnit = &unit;
+  return wishes;
+}
+
 // All points as "name|northing|easting|elevation|description" and all faults as "line: text".
 std::string Summary(const std::string& bytes, const LengthUnit& unit = kMetre) {
-  const PointFile file = ReadPoints(bytes, unit);
+  const PointFile file = ReadPoints(bytes, InUnit(unit));
   const fieldbook::LengthStyle style = {&kMetre, 2, enumInchDecPrec::Quarters};
   std::string summary;
   for (const Point& p : file.points) {
@@ -28,7 +37,7 @@ std::string Summary(const std::string& bytes, const LengthUnit& unit = kMetre) {
     }
     summary.append("|").append(p.description.ToUtf8().c_str()).append("\n");
   }
-  for (const auto& fault : file.faults) {
+  for (const auto& fault : file.faults.Told()) {
     summary += std::to_string(fault.line) + ": " + fault.message.Text().ToUtf8().c_str() + "\n";
   }
   return summary;
@@ -47,6 +56,8 @@ TEST(PointFile, RowsComeApartBySeparatorAndQuotes) {
       {"\"A, 1\",\"2\",\"3\",4,\"the \"\"old\"\" mill, door\"",
        "A, 1|2.00|3.00|4.00|the \"old\" mill, door\n"},
       {"1,2,3,4,\"a, b\", c", "1|2.00|3.00|4.00|a, b, c\n"},
+      {"1,2,3,4,a\r2,2,3,4,b\r\n3,2,3,4,c\n4,2,3",
+       "1|2.00|3.00|4.00|a\n2|2.00|3.00|4.00|b\n3|2.00|3.00|4.00|c\n4|2.00|3.00||\n"},
       {"1,2,3,4,TOP WALL 18\" WI", "1|2.00|3.00|4.00|TOP WALL 18\" WI\n"},
       {"1,2,3,4,\"A\" LINE", "1|2.00|3.00|4.00|\"A\" LINE\n"},
       {"1\t2\t3\t4\ta;b,c", "1|2.00|3.00|4.00|a;b,c\n"},
@@ -76,9 +87,9 @@ TEST(PointFile, OnlyWholeNumbersTextsAreNumbers) {
   const char* bad[] = {"nan", "inf", "0x10", "1e", "1.2.3", "12abc",
                        "--1", "1 2", ".",    "e5", "1e400"};
   for (const std::string text : bad) {
-    const PointFile file = ReadPoints("A,1,2\nP," + text + ",1,1,x\n", kMetre);
-    ASSERT_EQ(file.faults.size(), 1u) << text;
-    EXPECT_EQ(file.faults[0].line, 2);
+    const PointFile file = ReadPoints("A,1,2\nP," + text + ",1,1,x\n");
+    ASSERT_EQ(file.faults.Count(), 1u) << text;
+    EXPECT_EQ(file.faults.Told()[0].line, 2);
   }
   EXPECT_EQ(Summary("P,1e2,-.5,+5.,x"), "P|100.00|-0.50|5.00|x\n");
   EXPECT_EQ(
@@ -131,6 +142,114 @@ TEST(PointFile, FeetAndInchesAreReadStrictly) {
   EXPECT_TRUE(read("5'", kMetre).fault);
 }
 
+std::string Utf16(std::u16string_view text, bool isLittle) {
+  std::string bytes;
+  for (const char16_t unit : text) {
+    const char low = static_cast<char>(unit), high = static_cast<char>(unit >> 8);
+    bytes += isLittle ? low : high;
+    bytes += isLittle ? high : low;
+  }
+  return bytes;
+}
+
+TEST(PointFile, Utf16IsReadByItsMark) {
+  // Longer than a block of the reading, so that pairs are cut at its end somewhere.
+  std::u16string text = u"\uFEFF";
+  std::string wanted;
+  for (int i = 0; i < 20000; ++i) {
+    text += u"A,1,2,3,\U0001F600\u00E0" + std::u16string(static_cast<std::size_t>(i % 3), u'x') +
+            u"\r\n";
+    wanted += "A|1.00|2.00|3.00|\xF0\x9F\x98\x80\xC3\xA0" +
+              std::string(static_cast<std::size_t>(i % 3), 'x') + "\n";
+  }
+  EXPECT_EQ(Summary(Utf16(text, true)), wanted);
+  EXPECT_EQ(Summary(Utf16(text, false)), wanted);
+  EXPECT_EQ(Summary(Utf16(u"\uFEFFA,1,2,3,\xD800x", true)), "A|1.00|2.00|3.00|\xEF\xBF\xBDx\n");
+  EXPECT_EQ(Summary(Utf16(u"\uFEFFA,1,2,3,\xD800", true)), "A|1.00|2.00|3.00|\xEF\xBF\xBD\n");
+}
+
+// What a file is read as: the order of its coordinates, the unit and who decided; or why it isn't.
+std::string LayoutOf(const std::string& bytes, const LayoutWishes& wishes = {}) {
+  try {
+    return LayoutText(ReadPoints(bytes, wishes).layout).ToUtf8().c_str();
+  } catch (const fieldbook::LayoutFailure& failure) {
+    return failure.GetMsg().ToUtf8().c_str();
+  }
+}
+
+TEST(PointFile, HeadsDecideColumnsAndUnit) {
+  const auto readAs = [](const char* columns, const char* unit) {
+    return std::string("Read as ") + columns + " (as its heads say), in " + unit + ".";
+  };
+  const char* const kMetres = "m (as the settings say)";
+  const char* const kEastFirst = "point, easting, northing, elevation, description";
+  const char* const kNorthFirst = "point, northing, easting, elevation, description";
+  const std::pair<const char*, std::string> cases[] = {
+      {"Point,Easting,Northing,Elevation,Description\n", readAs(kEastFirst, kMetres)},
+      {"Name;N;E;Z;Code\nA;1;2;3;x", readAs(kNorthFirst, kMetres)},
+      {"Punto\tEst [m]\tNord [m]\tQuota [m]\tDescrizione\n",
+       readAs(kEastFirst, "m (as its heads say)")},
+      {"number, northing (US ft), easting (US ft), height (US ft)\nA,1,2,3",
+       readAs(kNorthFirst, "US ft (as its heads say)")},
+      {"Date,Id,EAST.,NORTH.\nx,A,1,2",
+       readAs("(not read), point, easting, northing, description", kMetres)},
+      {"A,1,2", "Read as " + std::string(kEastFirst) +
+                    " (as the settings say), in m (as the settings say)."},
+      {"P,x,y\nA,1,2",
+       "the heads \"P, x, y\" don't tell which is north, x or y; --columns does, such as "
+       "P,E,N,Z,D"},
+      {"Point,A,B\nA,1,2",
+       "the heads \"Point, A, B\" don't tell which columns are point, easting and northing; "
+       "--columns does, such as P,E,N,Z,D"},
+      {"P,E,N,East\nA,1,2,3", "the heads \"P, E, N, East\" name the easting twice"},
+      {"P,E [m],N [ft]\nA,1,2,3", "the heads \"P, E [m], N [ft]\" have different units"},
+      {"P,E [miles],N\nA,1,2", "the unit of the head \"E [miles]\" isn't known"},
+  };
+  for (const auto& [bytes, layout] : cases) EXPECT_EQ(LayoutOf(bytes), layout) << bytes;
+
+  LayoutWishes wishes;
+  wishes.from = &kLengthUnits[1];
+  EXPECT_EQ(LayoutOf("P,E (m),N (m)\nA,1,2", wishes),
+            "the heads \"P, E (m), N (m)\" are in m, and --from says ft");
+  wishes.columns = fieldbook::ReadColumns(KTEXT("n,-,e,p"));
+  ASSERT_TRUE(wishes.columns);
+  EXPECT_EQ(LayoutOf("x,y,z,w\n1,2,3,A", wishes),
+            "Read as northing, (not read), easting, point, description (as --columns says), in ft "
+            "(as --from says).");
+  const PointFile file = ReadPoints("x,y,z,w\n1,2,3,A,d\n", wishes);
+  ASSERT_EQ(file.points.size(), 1u);
+  EXPECT_EQ(file.points[0].northing, 1);
+  EXPECT_EQ(file.points[0].easting, 3);
+  EXPECT_EQ(file.points[0].name, WString(KTEXT("A")));
+  EXPECT_EQ(file.points[0].description, WString(KTEXT("d")));
+  for (const WChar* bad :
+       {KTEXT(""), KTEXT("P,E"), KTEXT("P,E,N,E"), KTEXT("P,E,N,Q"), KTEXT("P E N")}) {
+    EXPECT_FALSE(fieldbook::ReadColumns(bad));
+  }
+}
+
+TEST(PointFile, DecimalCommasBetweenCommasAreAFault) {
+  const std::string fault =
+      ": the numbers seem to have decimal commas, and commas separate the fields\n";
+  EXPECT_EQ(Summary("A,1000,25,5000,50,12,3\nB,1,2,3,x\nC,-1,25,2,50\n"),
+            "B|1.00|2.00|3.00|x\n1" + fault + "3" + fault);
+  EXPECT_EQ(Summary("A,1,2,3,4 x\nB,1.5,2,3,4\nC,1,-2,3,4\n"),
+            "A|1.00|2.00|3.00|4 x\nB|1.50|2.00|3.00|4\nC|1.00|-2.00|3.00|4\n");
+}
+
+TEST(PointFile, LikeFaultsAreCountedBehindTheTenth) {
+  std::string bytes = "A,1,2\n";
+  for (int i = 0; i < 25; ++i) bytes += "B,x,2\n";
+  bytes += "C,1\n";
+  const PointFile file = ReadPoints(bytes);
+  EXPECT_EQ(file.faults.Count(), 26u);
+  EXPECT_EQ(file.faults.Told().size(), 11u);
+  EXPECT_EQ(file.faults.Told().back().line, 27);
+  ASSERT_EQ(file.faults.Rests().size(), 1u);
+  EXPECT_EQ(file.faults.Rests()[0].count, 15u);
+  EXPECT_EQ(file.faults.Rests()[0].likeLine, 11);
+}
+
 TEST(PointFile, AnyBytesAreTaken) {
   std::mt19937 random(20240229);
   const std::string pieces[] = {
@@ -144,9 +263,15 @@ TEST(PointFile, AnyBytesAreTaken) {
       bytes += round % 2 == 0 ? std::string(1, static_cast<char>(random()))
                               : pieces[random() % std::size(pieces)];
     }
-    const PointFile file = ReadPoints(bytes, kLengthUnits[random() % std::size(kLengthUnits)]);
-    const int lines = static_cast<int>(std::count(bytes.begin(), bytes.end(), '\n')) + 1;
-    EXPECT_LE(file.points.size() + file.faults.size(), static_cast<std::size_t>(lines));
+    PointFile file;
+    try {
+      file = ReadPoints(bytes, InUnit(kLengthUnits[random() % std::size(kLengthUnits)]));
+    } catch (const fieldbook::LayoutFailure&) {
+      continue;
+    }
+    const auto isEnd = [](char byte) { return byte == '\n' || byte == '\r'; };
+    const int lines = static_cast<int>(std::count_if(bytes.begin(), bytes.end(), isEnd)) + 1;
+    EXPECT_LE(file.points.size() + file.faults.Count(), static_cast<std::size_t>(lines));
     for (const Point& point : file.points) {
       EXPECT_LE(point.line, lines);
       EXPECT_LT(point.northing, kelp::kNotSetThreshold);

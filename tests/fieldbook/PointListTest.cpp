@@ -9,6 +9,7 @@
 #include "tests/TestText.h"
 
 using fieldbook::kLengthUnits;
+using fieldbook::LayoutWishes;
 using fieldbook::Point;
 using fieldbook::PointList;
 using kelp::WString;
@@ -17,19 +18,27 @@ namespace {
 
 const WString kStep = KTEXT("step");
 
+LayoutWishes InUnit(const fieldbook::LengthUnit& unit) {
+  LayoutWishes wishes;
+  wishes.fileUnit = &unit;
+  return wishes;
+}
+
 std::string BytesOf(const std::string& bytes) {
   kelp::CChangeTransactionManager manager;
-  return PointList(&manager, bytes, kLengthUnits[0]).Bytes();
+  return PointList(&manager, bytes, {}).Bytes();
 }
 
 TEST(PointList, IsWrittenWithCommasAndEverythingElseInPlace) {
   const std::pair<const char*, const char*> cases[] = {
       {"", ""},
       {"# top\n\nPoint;North;East;Height;Code;Date\nA;1,5;2;3;wall, old\n \t\n# end",
-       "# top\n\nPoint,North,East,Height,\"Code;Date\"\nA,1.500,2.000,3.000,\"wall, old\"\n \t\n"
+       "# top\n\nPoint,North,East,Height,Code,Date\nA,1.500,2.000,3.000,\"wall, old\",\n \t\n"
        "# end\n"},
+      {"Date,P,N,E,Foo\n1/1,A,1,2,\"x,y\",note,2\n",
+       "Date,P,N,E,Foo\n1/1,A,1.000,2.000,\"x,y\",\"note,2\"\n"},
       {"A\t1\t2\t\tlocalit\xE0\n", "A,1.000,2.000,,localit\xC3\xA0\n"},
-      {"Point, North, East\r\nA, 1, 2\r\n", "Point, North, East\r\nA,1.000,2.000,,\r\n"},
+      {"Point, North, East\r\nA, 1, 2\r\n", "Point, North, East\r\nA,1.000,2.000,\r\n"},
       {"\xEF\xBB\xBF\"#1\",1.00000,-2.123456789,3e-3,18\" pipe\n",
        "\xEF\xBB\xBF\"#1\",1.000,-2.123456789,0.003,\"18\"\" pipe\"\n"},
   };
@@ -44,14 +53,14 @@ TEST(PointList, EveryValueIsReadBackExactly) {
   std::uniform_real_distribution<double> digits(-1, 1);
   for (const fieldbook::LengthUnit& unit : kLengthUnits) {
     kelp::CChangeTransactionManager manager;
-    PointList list(&manager, "A,1,2,3,x\n", unit);
+    PointList list(&manager, "A,1,2,3,x\n", InUnit(unit));
     for (int round = 0; round < 200; ++round) {
       Point point = list.PointIn(0);
       point.northing = digits(random) * std::pow(10, round % 14 - 7);
       point.easting = digits(random) * 5e6;
       point.elevation = round % 3 == 0 ? kelp::kNotSet : digits(random) * 1e-300;
       list.Replace(0, point, kStep);
-      const Point read = ReadPoints(list.Bytes(), unit).points.at(0);
+      const Point read = ReadPoints(list.Bytes(), InUnit(unit)).points.at(0);
       EXPECT_EQ(read.northing, point.northing);
       EXPECT_EQ(read.easting, point.easting);
       EXPECT_EQ(read.elevation, point.elevation);
@@ -62,7 +71,7 @@ TEST(PointList, EveryValueIsReadBackExactly) {
 TEST(PointList, WhatWouldBeReadOtherwiseIsNotWritten) {
   kelp::CChangeTransactionManager manager;
   // As a row with semicolons the whole beginning would be the name.
-  PointList list(&manager, "A,1,2,3,\"x;1;2;3;y\"\nB,1,2,3,\n", kLengthUnits[0]);
+  PointList list(&manager, "A,1,2,3,\"x;1;2;3;y\"\nB,1,2,3,\n", {});
   EXPECT_EQ(list.Points().size(), 2u);
   EXPECT_FALSE(list.Bytes().empty());
   list.Remove(list.RequirePoint(KTEXT("B")), kStep);
@@ -72,7 +81,7 @@ TEST(PointList, WhatWouldBeReadOtherwiseIsNotWritten) {
 TEST(PointList, KnowsWhetherTheFileIsAllThere) {
   kelp::CChangeTransactionManager manager;
   const auto isWhole = [&manager](const std::string& bytes) {
-    return PointList(&manager, bytes, kLengthUnits[0]).IsWhole();
+    return PointList(&manager, bytes, {}).IsWhole();
   };
   EXPECT_TRUE(isWhole("# c\nA,1,2,3,x\n"));
   EXPECT_FALSE(isWhole("A,1,2,3,x\nB,1\n"));
@@ -81,7 +90,7 @@ TEST(PointList, KnowsWhetherTheFileIsAllThere) {
 
 TEST(PointList, ANameStandsForOnePoint) {
   kelp::CChangeTransactionManager manager;
-  PointList list(&manager, "A,1,2,3,x\n# B\nA,1,2,3,x\nC,1,2,3,x\n", kLengthUnits[0]);
+  PointList list(&manager, "A,1,2,3,x\n# B\nA,1,2,3,x\nC,1,2,3,x\n", {});
   EXPECT_THROW(list.RequirePoint(KTEXT("A")), fieldbook::Failure);
   EXPECT_THROW(list.RequirePoint(KTEXT("B")), fieldbook::Failure);
   list.Remove(list.RequirePoint(KTEXT("C")), kStep);
@@ -104,7 +113,7 @@ class Listener final : public kelp::CSourceEvent::IEvent {
 
 TEST(PointList, ListenersHearOfAGroupOnce) {
   kelp::CChangeTransactionManager manager;
-  PointList list(&manager, "A,1,2,3,x\nB,1,2,3,x\nC,1,2,3,x\n", kLengthUnits[0]);
+  PointList list(&manager, "A,1,2,3,x\nB,1,2,3,x\nC,1,2,3,x\n", {});
   Listener listener;
   list.Register(&listener);
   {
@@ -131,7 +140,7 @@ TEST(PointList, UndoAndRedoGoThroughTheSameStates) {
   std::mt19937 random(5);
   for (int round = 0; round < 50; ++round) {
     kelp::CChangeTransactionManager manager;
-    PointList list(&manager, "A,1,2,3,x\nB,1,2,3,x\nC,1,2,3,x\n", kLengthUnits[0]);
+    PointList list(&manager, "A,1,2,3,x\nB,1,2,3,x\nC,1,2,3,x\n", {});
     std::vector<std::string> states = {list.Bytes()};
     for (int group = 0; group < 8; ++group) {
       const kelp::CSourceEventScope scope(group % 2 == 0 ? &list : nullptr);

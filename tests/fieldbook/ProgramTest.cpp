@@ -19,9 +19,11 @@ TEST(Program, ShowPrintsATable) {
   const std::string rows = "P1,10,-20.5,3.25,\"Ca' N\xC3\xB2va, door\"\r\nP2;x,1000,2,,\n";
   const ProgramResult table = RunFieldbook({"show", "-", "--to", "m"}, rows);
   EXPECT_EQ(table.out,
-            "Point  Northing (m)  Easting (m)  Elevation (m)  Description\n"
-            "P1           10.000      -20.500          3.250  Ca' N\xC3\xB2va, door\n"
-            "P2;x       1000.000        2.000\n");
+            "Read as point, easting, northing, elevation, description (as the settings say), in m "
+            "(as the settings say).\n"
+            "Point  Easting (m)  Northing (m)  Elevation (m)  Description\n"
+            "P1          10.000       -20.500          3.250  Ca' N\xC3\xB2va, door\n"
+            "P2;x      1000.000         2.000\n");
   EXPECT_EQ(table.err, "");
   EXPECT_EQ(table.status, 0);
 }
@@ -46,7 +48,7 @@ TEST(Program, ShowConvertsBetweenAllUnits) {
     const ProgramResult back =
         RunFieldbook({"show", "-", "--csv", "--from", unit, "--to", "m"}, there.out);
     EXPECT_EQ(back.out,
-              "Point,Northing (m),Easting (m),Elevation (m),Description\n"
+              "Point,Easting (m),Northing (m),Elevation (m),Description\n"
               "P,1000.000,0.000,0.000,x\n");
     EXPECT_EQ(back.err, "");
   }
@@ -57,14 +59,15 @@ TEST(Program, RowsThatCannotBeReadAreReportedAndTheOthersShown) {
   const std::string path = folder.Write("città.csv", "A,1,2,3,x\nB,1,zwei,3,x\n\nC,1,2,3,x\nD,1\n");
   const ProgramResult result = RunFieldbook({"show", path});
   EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(CountLines(result.out), 3u);
-  EXPECT_EQ(result.err, path + ":2: easting \"zwei\": not a number\n" + path +
-                            ":5: fewer than three fields; a row is point, northing, easting, "
+  EXPECT_EQ(CountLines(result.out), 4u);
+  EXPECT_EQ(result.err, path + ":2: northing \"zwei\": not a number\n" + path +
+                            ":5: fewer than three fields; a row is point, easting, northing, "
                             "elevation, description\n");
 }
 
 TEST(Program, WhatCannotBeDoneIsOneClearLine) {
-  const std::string hint = "\nTry: fieldbook( show| angle| inverse| units| edit)? --help\n";
+  const std::string hint =
+      "\nTry: fieldbook( show| angle| inverse| polar| area| units| edit)? --help\n";
   const std::pair<std::vector<std::string>, std::string> cases[] = {
       {{"show", "none.csv"}, "fieldbook: none.csv: there is no such file\n"},
       {{"edit", "none.csv"}, "fieldbook: none.csv: there is no such file\n"},
@@ -73,9 +76,11 @@ TEST(Program, WhatCannotBeDoneIsOneClearLine) {
       {{"show", kData}, "fieldbook: .*: it is a folder\n"},
       {{"inverse", kPoints, "T1", "nowhere"}, "fieldbook: .*: there is no point \"nowhere\"\n"},
       {{"--lang", kPoints, "--version"}, "fieldbook: --lang: .*points\\.csv.*\n"},
-      {{}, "fieldbook: a command is missing: one of show, angle, inverse, units, edit$"},
+      {{},
+       "fieldbook: a command is missing: one of show, angle, inverse, polar, area, units, edit$"},
       {{"list"},
-       "fieldbook: there is no command \"list\", only show, angle, inverse, units, edit$"},
+       "fieldbook: there is no command \"list\", only show, angle, inverse, polar, area, units, "
+       "edit$"},
       {{"show"}, "fieldbook: show takes at least one FILE$"},
       {{"show", "-", "a", "-"}, "fieldbook: standard input can be one FILE only$"},
       {{"show", "a", "--lat"}, "fieldbook: show takes no --lat$"},
@@ -124,43 +129,114 @@ TEST(Program, AngleConvertsValuesAndReportsTheRest) {
             "0.300000\"S\n");
 }
 
+// Without the line that tells the layout.
+std::string WithoutLayout(const ProgramResult& result) {
+  return result.out.substr(result.out.find('\n') + 1);
+}
+
 TEST(Program, InverseGoesFromOnePointToAnother) {
   const std::string file =
-      "A,100,100,10,\nB,103,104,,\nC,100,99.9999,12.5,\nA2,100,100,10,\nB,1,1,1,\n";
+      "A,100,100,10,\nB,104,103,,\nC,99.9999,100,12.5,\nA2,100,100,10,\nB,1,1,1,\nD,96,103,10\n";
   const ProgramResult west = RunFieldbook({"inverse", "-", "A", "C"}, file);
-  EXPECT_EQ(west.out,
-            "From                                 A\n"
-            "To                                   C\n"
-            "Distance (m)                     0.000\n"
-            "Difference of height (m)         2.500\n"
-            "Direction (gon)               300.0000\n"
-            "Direction (DMS)           270\u00B000'00.0\"\n");
+  EXPECT_EQ(WithoutLayout(west),
+            "From                                            A\n"
+            "To                                              C\n"
+            "Distance (m)                                0.000\n"
+            "Slope distance (m)                          2.500\n"
+            "Difference of height (m)                    2.500\n"
+            "Grade (%)                              2500000.00\n"
+            "Direction (gon, clockwise from north)    300.0000\n");
   EXPECT_EQ(west.status, 0);
   const ProgramResult same = RunFieldbook({"inverse", "-", "A", "A2", "--to", "ft"}, file);
-  EXPECT_NE(same.out.find("Direction (gon)            not known\n"), std::string::npos) << same.out;
+  EXPECT_NE(same.out.find("Direction (gon, clockwise from north)  not known\n"), std::string::npos)
+      << same.out;
   const ProgramResult twice = RunFieldbook({"inverse", "-", "A", "B"}, file);
   EXPECT_EQ(twice.err, "fieldbook: -: there are several points \"B\", in lines 2 and 5\n");
   EXPECT_EQ(twice.status, 1);
   // Just west of north the direction rounds to a full turn, which is shown as 0.
   const ProgramResult north =
-      RunFieldbook({"inverse", "-", "P", "Q"}, "P,0,0,0\nQ,1000,-0.00001,0\n");
-  EXPECT_NE(north.out.find("Direction (gon)               0.0000\n"), std::string::npos)
-      << north.out;
-  EXPECT_NE(north.out.find("0\u00B000'00.0\"\n"), std::string::npos) << north.out;
+      RunFieldbook({"inverse", "-", "P", "Q"}, "P,0,0,0\nQ,-0.00001,1000,0\n");
+  EXPECT_NE(north.out.find("north)    0.0000\n"), std::string::npos) << north.out;
+  // Heads decide which is which.
+  const ProgramResult heads = RunFieldbook({"inverse", "-", "A", "B"},
+                                           "Point,Easting,Northing\nA,1000,5000\nB,1100,5000\n");
+  EXPECT_NE(heads.out.find("north)   100.0000\n"), std::string::npos) << heads.out;
+  const ProgramResult chain = RunFieldbook({"inverse", "-", "A", "D", "A2"}, file);
+  EXPECT_EQ(WithoutLayout(chain),
+            "From  To  Distance (m)  Slope distance (m)  Difference of height (m)  Grade (%)  "
+            "Direction (gon, clockwise from north)\n"
+            "A     D          5.000               5.000                     0.000       0.00       "
+            "                        340.9666\n"
+            "D     A2         5.000               5.000                     0.000       0.00       "
+            "                        140.9666\n"
+            "Sum             10.000              10.000                     0.000\n");
+}
+
+TEST(Program, PolarAndAreaReckonOnThePoints) {
+  const std::string file = "A,100,100,10\nB,110,100\nC,110,110\nD,100,110\n";
+  EXPECT_EQ(WithoutLayout(RunFieldbook({"polar", "-", "A", "150", "14.142136"}, file)),
+            "Easting (m)  Northing (m)\n    110.000        90.000\n");
+  EXPECT_EQ(RunFieldbook({"polar", "-", "A", "0", "10", "--csv", "--to", "ft"}, file).out,
+            "Point,Easting (ft),Northing (ft),Elevation (ft),Description\n,328.084,338.084,,\n");
+  EXPECT_EQ(RunFieldbook({"polar", "-", "A", "north", "1"}, file).err,
+            "fieldbook: direction \"north\": not a number\n");
+  EXPECT_EQ(WithoutLayout(RunFieldbook({"area", "-", "A", "B", "C", "D"}, file)),
+            "Area [m\u00B2]      100.00\nPerimeter (m)  40.000\n");
+  EXPECT_EQ(RunFieldbook({"area", "-", "A", "C", "B", "D"}, file).err,
+            "fieldbook: the boundary crosses itself: A to C meets B to D\n");
+}
+
+TEST(Program, ShowPicksAndSortsPoints) {
+  const std::string file = "P10,1,9,3,x\nP2,2,8,1,y\nQ1,3,7,,x\np1,4,6,2,x10\n";
+  const auto names = [&file](std::vector<std::string> options) {
+    options.insert(options.begin(), {"show", "-", "--csv"});
+    const std::string out = RunFieldbook(options, file).out;
+    std::string names;
+    for (std::size_t at = out.find('\n') + 1; at < out.size(); at = out.find('\n', at) + 1) {
+      names += out.substr(at, out.find(',', at) - at) + ' ';
+    }
+    return names;
+  };
+  EXPECT_EQ(names({"--sort", "name"}), "p1 P2 P10 Q1 ");
+  EXPECT_EQ(names({"--sort", "northing", "--limit", "3"}), "p1 Q1 P2 ");
+  EXPECT_EQ(names({"--sort", "elevation"}), "P2 p1 P10 Q1 ");
+  EXPECT_EQ(names({"--sort", "description"}), "P10 Q1 p1 P2 ");
+  EXPECT_EQ(names({"--points", "Q1, P10,none"}), "P10 Q1 ");
+  EXPECT_EQ(names({"--within", "3.5,8.5,1.5,6.5"}), "P2 Q1 ");
+  EXPECT_EQ(names({"--limit", "0"}), "");
+  EXPECT_EQ(RunFieldbook({"show", "-", "--within", "1,2,3"}, file).status, 1);
+  EXPECT_EQ(RunFieldbook({"show", "-", "--limit", "-1"}, file).status, 1);
+}
+
+TEST(Program, WhatIsNoPointsFileIsOneMessage) {
+  for (const char* command : {"show", "inverse"}) {
+    const DataFolder folder;
+    const std::string path = folder.Write("x.txt", "Dear Sir,\nthank you for\nyour letter.\n");
+    const ProgramResult result =
+        RunFieldbook(command == std::string("show") ? std::vector<std::string>{"show", path}
+                                                    : std::vector<std::string>{"edit", path});
+    EXPECT_EQ(result.err.find("fieldbook: " + path + ": this isn't a points file: line 1: "), 0u)
+        << result.err;
+    EXPECT_EQ(CountLines(result.err), 1u);
+    EXPECT_EQ(result.status, 1);
+  }
 }
 
 TEST(Program, SpeaksItalian) {
   const ProgramResult table = RunFieldbook({"show", kPoints, "--to", "m", "--lang", kItalian});
-  EXPECT_EQ(table.out.find("Punto     Nord (m)      Est (m)  Quota (m)  Descrizione\n"), 0u);
-  EXPECT_EQ(CountLines(table.out), 25u);
+  EXPECT_NE(table.out.find("\nPunto      Est (m)     Nord (m)  Quota (m)  Descrizione\n"),
+            std::string::npos)
+      << table.out;
+  EXPECT_EQ(CountLines(table.out), 26u);
   EXPECT_EQ(table.err, "");
   EXPECT_EQ(RunFieldbook({"angle", "10 30 0 O", "10 0 0 W", "--from", "dms", "--to", "dms", "--lon",
                           "--decimals", "0", "--lang=" + kItalian})
                 .out,
             "10\u00B030'00\"O\n");
+  EXPECT_EQ(RunFieldbook({"--lang", "it", "help", "area"}).out.find("Uso: fieldbook area"), 0u);
   EXPECT_EQ(RunFieldbook({"--nope", "--lang", kItalian}).err,
             "fieldbook: l'opzione --nope non esiste\nVedi: fieldbook --help\n");
-  for (const char* command : {"show", "angle", "inverse", "units", "edit"}) {
+  for (const char* command : {"show", "angle", "inverse", "polar", "area", "units", "edit"}) {
     const std::string help = RunFieldbook({command, "--help", "--lang", kItalian}).out;
     EXPECT_EQ(help.find(std::string("Uso: fieldbook ") + command), 0u) << help;
   }
@@ -170,7 +246,9 @@ TEST(Program, HelpAndVersionAreOnStandardOutput) {
   const ProgramResult general = RunFieldbook({"--help"});
   EXPECT_EQ(general.out.find("Usage: fieldbook COMMAND"), 0u);
   EXPECT_EQ(general.status, 0);
-  for (const char* command : {"show", "angle", "inverse", "units", "edit"}) {
+  EXPECT_EQ(RunFieldbook({"help"}).out, general.out);
+  EXPECT_EQ(RunFieldbook({"-v"}).out, RunFieldbook({"--version"}).out);
+  for (const char* command : {"show", "angle", "inverse", "polar", "area", "units", "edit"}) {
     const ProgramResult help = RunFieldbook({"-h", command});
     EXPECT_EQ(help.out.find(std::string("Usage: fieldbook ") + command), 0u) << help.out;
     EXPECT_EQ(help.status, 0);

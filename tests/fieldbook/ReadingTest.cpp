@@ -12,7 +12,9 @@
 namespace {
 
 const std::string kItalian = std::string(FIELDBOOK_DATA) + "/it.po";
-const std::string kHeads = "Point  Northing (m)  Easting (m)  Elevation (m)  Description\n";
+const std::string kHeads =
+    "Read as point, easting, northing, elevation, description (as the settings say), in m (as the "
+    "settings say).\nPoint  Easting (m)  Northing (m)  Elevation (m)  Description\n";
 
 std::vector<std::string> LinesOf(const std::string& text) {
   std::vector<std::string> lines;
@@ -37,18 +39,17 @@ TEST(Reading, FilesAreShownInTheirOrderWithTheFaultsOfEach) {
   const std::string b = folder.Write("b.csv", "B1,4,5,6,\n");
 
   const ProgramResult tables = RunFieldbook({"show", b, none, "-", a, "--to", "m"}, "C1,7,8\n");
-  EXPECT_EQ(tables.out,
-            b + ":\n" + kHeads + "B1            4.000        5.000          6.000\n\n-:\n" +
-                "Point  Northing (m)  Easting (m)  Elevation (m)  Description\n"
-                "C1            7.000        8.000\n\n" +
-                a + ":\n" + kHeads + "A1            1.000        2.000          3.000\n");
+  EXPECT_EQ(tables.out, b + ":\n" + kHeads +
+                            "B1           4.000         5.000          6.000\n\n-:\n" + kHeads +
+                            "C1           7.000         8.000\n\n" + a + ":\n" + kHeads +
+                            "A1           1.000         2.000          3.000\n");
   EXPECT_EQ(tables.err, "fieldbook: " + none + ": there is no such file\n" + a +
-                            ":2: easting \"x\": not a number\n");
+                            ":2: northing \"x\": not a number\n");
   EXPECT_EQ(tables.status, 1);
 
   const ProgramResult list = RunFieldbook({"show", none, a, b, "--to", "m", "--csv"});
   EXPECT_EQ(list.out,
-            "Point,Northing (m),Easting (m),Elevation (m),Description\n"
+            "Point,Easting (m),Northing (m),Elevation (m),Description\n"
             "A1,1.000,2.000,3.000,\nB1,4.000,5.000,6.000,\n");
   EXPECT_EQ(RunFieldbook({"show", a, b}).status, 2);
   EXPECT_EQ(RunFieldbook({"show", b, b}).status, 0);
@@ -70,7 +71,6 @@ TEST(Reading, ManyLongFilesComeOutAsOneByOne) {
   }
   const ProgramResult together = RunFieldbook(all);
   EXPECT_EQ(together.out, expected);
-  EXPECT_EQ(together.err, "");
 }
 
 TEST(Reading, ProgressIsShownWhereItIsAskedFor) {
@@ -84,15 +84,13 @@ TEST(Reading, ProgressIsShownWhereItIsAskedFor) {
   EXPECT_EQ(shown.status, 0);
 
   const std::vector<std::string> lines = LinesOf(shown.err);
-  ASSERT_GE(lines.size(), 3u) << shown.err;
+  ASSERT_GE(lines.size(), 2u) << shown.err;
   EXPECT_EQ(lines.front(), "[....................]   0% reading");
-  EXPECT_EQ(lines.back(), "[####################] 100% making the tables");
+  EXPECT_EQ(lines.back(), "[####################] 100% reading");
   int last = -1;
   for (const std::string& line : lines) {
     std::smatch parts;
-    ASSERT_TRUE(std::regex_match(line, parts,
-                                 std::regex("\\[#*\\.*\\] +(\\d+)% (reading|making the tables)")))
-        << line;
+    ASSERT_TRUE(std::regex_match(line, parts, std::regex("\\[#*\\.*\\] +(\\d+)% reading"))) << line;
     EXPECT_GT(std::stoi(parts[1]), last) << shown.err;
     last = std::stoi(parts[1]);
   }
@@ -115,15 +113,14 @@ TEST(Reading, VerboseTellsTheLocalTimeOfTheRun) {
 }
 
 #ifndef _WIN32
-TEST(Reading, ATerminalGetsTheTimeAndABarThatGoesAgain) {
+TEST(Reading, ATerminalGetsABarThatGoesAgain) {
   const DataFolder folder;
   const std::string path = folder.Write("short.csv", "P1,1,2,3,x\n");
   const ProgramResult result = RunFieldbookOnTerminal({"show", path, "--progress"});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.out, RunFieldbook({"show", path}).out);
   EXPECT_TRUE(std::regex_match(
-      result.err, std::regex("started: \\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\r\n"
-                             "\r\\[\\.{20}\\]   0% reading *(\r\\[#*\\.*\\] +\\d+% [a-z ]+)+"
+      result.err, std::regex("\r\\[\\.{20}\\]   0% reading *(\r\\[#*\\.*\\] +\\d+% [a-z ]+)+"
                              "\r *\r")))
       << result.err;
 }
@@ -137,7 +134,7 @@ TEST(Reading, CtrlCEndsItWithOneLineAndNothingElse) {
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(result.err,
             "[....................]   0% reading\n"
-            "fieldbook: stopped by Ctrl-C; nothing is shown\n");
+            "fieldbook: stopped by Ctrl-C\n");
 }
 
 }  // namespace

@@ -21,16 +21,22 @@ TEST(Table, ColumnsAlignByWhatTheTerminalShows) {
             "No\u0300va      12.25\n"
             "\u6C34\u8DEF             \uFFFD[31m red\n");
   EXPECT_EQ(table.Aligned(true).find("\x1B[1mName      Value  Text\x1B[0m\nCa"), 0u);
+  table.AddCell("P");
+  table.AddCell("\xC3\xA0\t");
+  table.AddCell("x");
+  EXPECT_NE(table.Aligned(false).find("\nP            \xC3\xA0   x\n"), std::string::npos);
 }
 
 TEST(Table, CsvReadsBackAsItWas) {
   const std::string csv =
       "Point,N,E,H,D\n\"#1\",1,2,3,\"a, \"\"b\"\"; c\"\n\"P 1,2\",1,2,3,18\" pipe\nQ,1,2,,\n";
-  const auto file = fieldbook::ReadPoints(csv, fieldbook::kLengthUnits[0]);
+  const auto file = fieldbook::ReadPoints(csv);
   ASSERT_EQ(file.points.size(), 3u);
-  Table table({{KTEXT("Point"), Align::Left}, {KTEXT("D"), Align::Left}});
-  for (const auto& point : file.points) table.AddRow({point.name, point.description});
-  EXPECT_EQ(table.Csv(), "Point,D\n\"#1\",\"a, \"\"b\"\"; c\"\n\"P 1,2\",\"18\"\" pipe\"\nQ,\n");
+  std::string lines;
+  for (const auto& point : file.points) {
+    lines += fieldbook::CsvLine({point.name, point.description}) + '\n';
+  }
+  EXPECT_EQ(lines, "\"#1\",\"a, \"\"b\"\"; c\"\n\"P 1,2\",\"18\"\" pipe\"\nQ,\n");
 }
 
 }  // namespace

@@ -114,26 +114,43 @@ TEST_F(Units, TheUnitSystemAloneIsHeardToo) {
 }
 
 TEST_F(Units, ShowFollowsTheSettings) {
-  const std::string row = "P,1000,-20.5,3.25,x\nQ,1,2\n";
+  const std::string row = "P,-20.5,1000,3.25,x\nQ,2,1\n";
   EXPECT_EQ(Run({"show", "-"}, row).out,
-            "Point  East [m]  North [m]  Elevation [m]  Description\n"
-            "P       -20.500   1000.000          3.250  x\n"
-            "Q         2.000      1.000\n");
+            "Read as point, easting, northing, elevation, description (as the settings say), in m "
+            "(as the settings say).\n"
+            "Point  Easting (m)  Northing (m)  Elevation (m)  Description\n"
+            "P          -20.500      1000.000          3.250  x\n"
+            "Q            2.000         1.000\n");
   Set({"dist-units", "us-ft-in", "coord-inch-dec-prec", "8", "quote-inch-dec-prec", "4",
        "coord-display-mode", "north-east"});
-  EXPECT_EQ(Run({"show", "-", "--csv"}, row).out,
-            "Point,North [ft],East [ft],Elevation [ft],Description\n"
+  // The order of the settings is that of files without heads too.
+  const std::string north = "P,1000,-20.5,3.25,x\nQ,1,2\n";
+  EXPECT_EQ(Run({"show", "-", "--csv"}, north).out,
+            "Point,Northing (US ft-in),Easting (US ft-in),Elevation (US ft-in),Description\n"
             "P,\"3280'10\"\"0/8\",\"-67'3\"\"1/8\",\"10'8\"\"0/4\",x\n"
             "Q,\"3'3\"\"3/8\",\"6'6\"\"6/8\",,\n");
   Set({"dist-units", "ch", "num-coord-dec", "1", "num-quote-dec", "5"});
-  EXPECT_EQ(
-      Run({"show", "-", "--csv", "--lang", kItalian}, row).out,
-      "Punto,Nord [ch],Est [ch],Quota [ch],Descrizione\nP,49.7,-1.0,0.16156,x\nQ,0.0,0.1,,\n");
-  EXPECT_EQ(Run({"show", "-", "--csv", "--decimals", "0"}, row).out,
-            "Point,North [ch],East [ch],Elevation [ch],Description\nP,50,-1,0,x\nQ,0,0,,\n");
-  EXPECT_EQ(Run({"show", "-", "--csv", "--to", "m"}, row).out,
-            "Point,Northing (m),Easting (m),Elevation (m),Description\n"
-            "P,1000.000,-20.500,3.250,x\nQ,1.000,2.000,,\n");
+  EXPECT_EQ(Run({"show", "-", "--csv", "--lang", kItalian}, north).out,
+            "Punto,Nord (ch),Est (ch),Quota (ch),Descrizione\nP,49.7,-1.0,0.16156,x\n"
+            "Q,0.0,0.1,,\n");
+  EXPECT_EQ(Run({"show", "-", "--csv", "--decimals", "0", "--columns", "P,E,N,Z"}, row).out,
+            "Point,Northing (ch),Easting (ch),Elevation (ch),Description\nP,50,-1,0,x\n"
+            "Q,0,0,,\n");
+}
+
+// What is shown as comma-separated values is a points file with the same points.
+TEST_F(Units, WhatIsShownIsReadBackAsItWas) {
+  for (const char* order : {"east-north", "north-east"}) {
+    for (const char* unit : {"m", "ft", "us-ft", "ch", "us-ch", "ft-in", "us-ft-in"}) {
+      Set({"dist-units", unit, "coord-display-mode", order, "num-coord-dec", "9", "num-quote-dec",
+           "9", "coord-inch-dec-prec", "64", "quote-inch-dec-prec", "64"});
+      const std::string once =
+          Run({"show", "-", "--csv", "--columns", "P,E,N,Z,D"}, "P,1000,-20.5,3.25,\"x, y\"\n").out;
+      const ProgramResult twice = Run({"show", "-", "--csv"}, once);
+      EXPECT_EQ(twice.out, once);
+      EXPECT_EQ(twice.err, "");
+    }
+  }
 }
 
 TEST_F(Units, WhatIsUnknownNamesWhatThereIsAndChangesNothing) {
@@ -197,7 +214,7 @@ TEST_F(Units, ASettingsFileOfAnyContentIsTaken) {
     m_folder.Write("data/" + kSettings, bytes);
     const ProgramResult show = Run({"show", "-"}, "P,1,2,3,x\n");
     EXPECT_EQ(show.status, 0) << round;
-    EXPECT_EQ(show.out.find("Point  "), 0u) << round << show.out;
+    EXPECT_EQ(show.out.find("Read as "), 0u) << round << show.out;
     EXPECT_EQ(Run({"units"}).status, 0) << round;
   }
   // The value that isn't known gives its default, the others stay.
@@ -205,9 +222,11 @@ TEST_F(Units, ASettingsFileOfAnyContentIsTaken) {
   bytes[7 + 4] = 77;
   m_folder.Write("data/" + kSettings, bytes);
   const ProgramResult show = Run({"show", "-", "--csv"}, "P,1,2,3,x\n");
-  EXPECT_EQ(show.out, "Point,East [m],North [m],Elevation [m],Description\nP,2.0,1.0,3.000,x\n");
-  EXPECT_EQ(show.err,
-            "the settings have values that aren't known; the defaults stand for dist-units\n");
+  EXPECT_EQ(show.out,
+            "Point,Easting (m),Northing (m),Elevation (m),Description\nP,1.0,2.0,3.000,x\n");
+  EXPECT_EQ(show.err.find(
+                "the settings have values that aren't known; the defaults stand for dist-units\n"),
+            0u);
 }
 
 }  // namespace

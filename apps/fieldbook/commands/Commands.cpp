@@ -27,8 +27,18 @@ enumInchDecPrec ChooseFraction(const CommandLine& line, enumInchDecPrec preset) 
   return given == nullptr ? preset : given->precision;
 }
 
-const LengthUnit& ChooseFileUnit(const CommandLine& line) {
-  return Choose(line, Option::From, kLengthUnits, kLengthUnits[0]);
+LayoutWishes ChooseLayout(const CommandLine& line, const CMeasUnitSystem& settings) {
+  LayoutWishes wishes;
+  wishes.from = FindChoice(line, Option::From, kLengthUnits);
+  wishes.isEastFirst = settings.GetCoordDisplayMode() == enumCoordDisplayMode::EastNorth;
+  const Argument* columns = line.Value(Option::Columns);
+  if (columns == nullptr) return wishes;
+  wishes.columns = ReadColumns(columns->text);
+  if (wishes.columns) return wishes;
+  throw UsageFailure({KTEXT("{1}: \"{2}\" isn't an order of P, E, N, Z and D with commas between "
+                            "them, such as P,E,N,Z,D; P, E and N are needed, - is a field that "
+                            "isn't read"),
+                      {NameOf(Option::Columns), Quoted(columns->text)}});
 }
 
 LengthStyle ChooseLengthStyle(const CommandLine& line) {
@@ -37,11 +47,24 @@ LengthStyle ChooseLengthStyle(const CommandLine& line) {
           ChooseFraction(line, enumInchDecPrec::Sixteenths)};
 }
 
-void ComplainOfRows(const PointFile& points, const Argument& file, Console& console) {
+LengthStyle ChooseDistanceStyle(const CMeasUnitSystem& settings, const CommandLine& line) {
+  if (line.Has(Option::To)) return ChooseLengthStyle(line);
+  return {&kLengthUnits[static_cast<int>(settings.GetDistUnits())],
+          ChooseDecimals(line, settings.GetNumDistDec()),
+          ChooseFraction(line, settings.GetDistInchDecPrec())};
+}
+
+void ComplainOfRows(const FaultList& faults, const Argument& file, Console& console) {
   const WString name = Shown(file.text) + KTEXT(':');
-  for (const RowFault& fault : points.faults) {
+  for (const RowFault& fault : faults.Told()) {
     const WString place = name.Concat(WString::ValueOf(fault.line)) + KTEXT(": ");
     console.Complain(place.Concat(fault.message.Text()));
+  }
+  for (const FaultList::Rest& rest : faults.Rests()) {
+    console.Complain(Message{KTEXT("{1}: {2} more rows with a fault like that of line {3}"),
+                             {Shown(file.text), WString::ValueOf(static_cast<int>(rest.count)),
+                              WString::ValueOf(rest.likeLine)}}
+                         .Text());
   }
 }
 

@@ -4,6 +4,7 @@
 #include "fieldbook/console/Console.h"
 #include "fieldbook/points/PointFile.h"
 #include "fieldbook/values/Length.h"
+#include "kelp0lang/MeasUnitSystem.h"
 
 namespace fieldbook {
 
@@ -28,12 +29,18 @@ constexpr unsigned Bit(Option option) {
 Status ShowCommand(const CommandLine& line, Console& console);
 Status AngleCommand(const CommandLine& line, Console& console);
 Status InverseCommand(const CommandLine& line, Console& console);
+Status PolarCommand(const CommandLine& line, Console& console);
+Status AreaCommand(const CommandLine& line, Console& console);
+
 Status UnitsCommand(const CommandLine& line, Console& console);
 Status EditCommand(const CommandLine& line, Console& console);
 
 extern const WChar* const kShowHelp;
 extern const WChar* const kAngleHelp;
 extern const WChar* const kInverseHelp;
+extern const WChar* const kPolarHelp;
+extern const WChar* const kAreaHelp;
+
 extern const WChar* const kUnitsHelp;
 extern const WChar* const kEditHelp;
 
@@ -82,13 +89,16 @@ int ReadDecimals(const WChar* name, const WString& text);
 // How many decimals --decimals asks for, and which fraction --denominator.
 int ChooseDecimals(const CommandLine& line, int preset);
 enumInchDecPrec ChooseFraction(const CommandLine& line, enumInchDecPrec preset);
-// The unit of a points file, by --from.
-const LengthUnit& ChooseFileUnit(const CommandLine& line);
+// How points files are laid out where their heads don't say it: by --columns and --from, else by
+// the settings.
+LayoutWishes ChooseLayout(const CommandLine& line, const CMeasUnitSystem& settings);
 // How lengths are to be shown, by --to, --decimals and --denominator.
 LengthStyle ChooseLengthStyle(const CommandLine& line);
+// The same for distances, by the settings where --to doesn't say it.
+LengthStyle ChooseDistanceStyle(const CMeasUnitSystem& settings, const CommandLine& line);
 
-// Complains of every row that can't be read.
-void ComplainOfRows(const PointFile& points, const Argument& file, Console& console);
+// Complains of the rows that can't be read.
+void ComplainOfRows(const FaultList& faults, const Argument& file, Console& console);
 // Complains of what ends the program, or of what one of several files can't be read for.
 void ComplainOfFailure(const WString& what, Console& console);
 

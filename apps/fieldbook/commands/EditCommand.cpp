@@ -8,42 +8,50 @@
 #include "fieldbook/commands/Settings.h"
 #include "fieldbook/console/Words.h"
 #include "fieldbook/points/PointList.h"
+#include "fieldbook/points/PointReading.h"
 #include "kelp0lang/Translate.h"
 
 namespace fieldbook {
 
 const WChar* const kEditHelp = KTEXT(
-    "Usage: fieldbook edit FILE [--from UNIT] [--data DIR]\n"
+    "Usage: fieldbook edit FILE [--from UNIT] [--columns P,E,N,Z,D] [--no-backup]\n"
+    "                      [--data DIR]\n"
     "\n"
     "Changes a points file by commands from standard input, one a line.\n"
     "\n"
-    "  FILE         a points file, see fieldbook show --help\n"
-    "  --from UNIT  unit of the coordinates in the file (m)\n"
-    "  --data DIR   folder of the settings\n"
+    "  FILE            a points file, see fieldbook show --help\n"
+    "  --from UNIT     unit of the coordinates in the file, where its heads have none\n"
+    "  --columns LIST  the order of its columns, where it has no heads\n"
+    "  --no-backup     the first save keeps no copy of the file as it was (FILE.bak)\n"
+    "  --data DIR      folder of the settings\n"
     "\n"
     "The commands:\n"
-    "  move P dE dN dH  moves a point by so much east, north and up, in the distance\n"
-    "                   unit of the settings, see fieldbook units\n"
-    "  rename OLD NEW   gives a point another name\n"
-    "  delete P         takes a point out\n"
-    "  begin NAME       what follows is one step to undo, up to\n"
+    "  add P E N [H [CODE]]  a new point\n"
+    "  move P dE dN dH       moves a point by so much east, north and up\n"
+    "  shift dE dN dH        moves all points\n"
+    "  set P WHAT VALUE      gives a point another east, north, up, name or code;\n"
+    "                        up \"\" takes the elevation away\n"
+    "  rename OLD NEW        gives a point another name\n"
+    "  delete P              takes a point out\n"
+    "  begin NAME            what follows is one step to undo, up to\n"
     "  end\n"
-    "  undo, redo       the latest step; the last 20 are kept\n"
-    "  list             the points as they stand\n"
-    "  save [FILE]      writes the file, or another one\n"
-    "  help             this text\n"
-    "  quit             so does the end of the input\n"
-    "A name with blanks stands in quotes, with \"\" for a quote in it. Empty lines and\n"
-    "lines with # in front are skipped.\n"
+    "  undo [all], redo      the latest step, or all; the last 20 are kept\n"
+    "  list                  the points as they stand\n"
+    "  save [FILE]           writes the file, or another one\n"
+    "  help                  this text\n"
+    "  quit                  so does the end of the input\n"
+    "Lengths are in the unit of the file, unless a unit stands behind one: move P 1 ft\n"
+    "0 0. A name with blanks stands in quotes, with \"\" for a quote in it. Empty lines\n"
+    "and lines with # in front are skipped.\n"
     "\n"
-    "What is saved is comma-separated and UTF-8, with the coordinates in the unit of\n"
-    "the file and all their decimals; comments, empty lines and heads stay. A file\n"
-    "with rows that can't be read isn't written over, but can be saved under another\n"
-    "name, without them. Other files that are there already aren't written over.\n"
+    "What is saved is comma-separated and UTF-8, with the columns and the unit of the\n"
+    "file and all decimals; comments, empty lines and heads stay. A file with rows\n"
+    "that can't be read isn't written over, but can be saved under another name,\n"
+    "without them. Other files that are there already aren't written over.\n"
     "\n"
     "A command that can't be carried out is reported as -:LINE: what is wrong, the\n"
-    "others are carried out, and the exit status is 2. Changes that are left unsaved\n"
-    "are reported; on a terminal quit has to be given twice then.\n");
+    "others are carried out, and the exit status is 2. So it is when changes are left\n"
+    "unsaved; on a terminal quit, or Ctrl-C, has to be given twice then.\n");
 
 namespace {
 
@@ -81,16 +89,25 @@ class EditReporter final : public kelp::CSourceEvent::IEvent,
  private:
   void PrintRow(std::size_t row) {
     const Point& point = m_list.PointIn(row);
-    WString text = Shown(point.name);
+    const WString name = Shown(point.name);
     if (m_list.IsRemoved(row)) {
-      m_console.PrintLine(Message{KTEXT("{1} is deleted"), {text}}.Text());
+      m_console.PrintLine(Message{KTEXT("{1} is deleted"), {name}}.Text());
       return;
     }
-    for (const WString& coordinate : CoordinateTexts(point, m_list.Unit(), m_style)) {
-      if (!coordinate.empty()) text += KTEXT("  ");
-      text += coordinate;
+    CoordinateWriter writer(m_list.Unit(), m_style);
+    const std::vector<WString> heads = PointHeads(m_style);
+    std::string text;
+    AppendUtf8(text, name);
+    std::size_t head = 1;
+    for (const std::string& coordinate : writer.Write(point)) {
+      if (!coordinate.empty()) {
+        text += "  ";
+        AppendUtf8(text, heads[head]);
+        text += ' ' + coordinate;
+      }
+      ++head;
     }
-    m_console.PrintLine(text);
+    m_console.Print(text + '\n');
   }
 
   PointList& m_list;
@@ -99,14 +116,36 @@ class EditReporter final : public kelp::CSourceEvent::IEvent,
   const WChar* m_way = nullptr;  // a source text; null for a change that isn't undone or redone
 };
 
+// A bar while a long file is read.
+class ReadingBar {
+ public:
+  ReadingBar(const CommandLine& line, Console& console)
+      : m_progress(line, console), m_task(m_progress, KTEXT("reading"), 1) {}
+  Watch GetWatch() {
+    return [this](double fraction) { m_progress.Set(fraction); };
+  }
+
+ private:
+  Progress m_progress;
+  const Progress::Task m_task;
+};
+
+// Points are echoed in the unit of the file, since lengths are typed in it.
+PointStyle StyleInUnit(PointStyle style, const LengthUnit& unit) {
+  style.plane.unit = style.height.unit = &unit;
+  return style;
+}
+
 class EditSession {
  public:
   EditSession(const CommandLine& line, Console& console)
       : m_console(console),
-        m_style(StyleOfSettings(OpenSettings(line, console), line)),
         m_file(line.Operands()[0]),
+        m_keepsBackup(!line.Has(Option::NoBackup)),
         m_bytes(ReadAll(m_file)),
-        m_list(&m_manager, m_bytes, ChooseFileUnit(line)),
+        m_list(&m_manager, m_bytes, ChooseLayout(line, OpenSettings(line, console)),
+               ReadingBar(line, console).GetWatch()),
+        m_style(StyleInUnit(ChoosePointStyle(OpenSettings(line, console), line), m_list.Unit())),
         m_reporter(m_list, m_style, console) {}
 
   Status Run();
@@ -119,7 +158,7 @@ class EditSession {
     std::size_t most;
     const WChar* operands;
   };
-  static const Rule kRules[11];
+  static const Rule kRules[14];
 
   bool Ask(std::string& line);
   void DoLine(const std::string& bytes, int number);
@@ -127,7 +166,10 @@ class EditSession {
   void Leave();
   void Complain(const Message& what);
 
+  void Add(const Words& words);
   void Move(const Words& words);
+  void Shift(const Words& words);
+  void Set(const Words& words);
   void Rename(const Words& words);
   void Delete(const Words& words);
   void Begin(const Words& words);
@@ -140,34 +182,46 @@ class EditSession {
   void Quit(const Words& words);
 
   void RequireNoGroup() const;
-  double ReadShift(const WChar* name, const WString& text) const;
+  double ReadNumbered(const WChar* name, const WString& text, const LengthUnit& unit) const;
+  std::vector<double> ReadLengths(const Words& words, std::size_t first,
+                                  const std::vector<const WChar*>& names, std::size_t& next) const;
+  Point Moved(std::size_t row, const std::vector<double>& shift) const;
+  void MoveRow(std::size_t row, const std::vector<double>& shift);
+  void RequireWithinReach(const Point& point) const;
+  void RequireNewName(const WString& name) const;
+  void KeepBackup();
   void SaveOwn();
   void SaveOther(const Argument& file);
   void RequireUntouched() const;
   void RequireFree(const Argument& file) const;
 
   Console& m_console;
-  PointStyle m_style;
   Argument m_file;
+  bool m_keepsBackup;               // at the first save
   std::string m_bytes;              // of the file, as it was read or written last
   std::vector<fs::path> m_written;  // other files that this run has made
   kelp::CChangeTransactionManager m_manager;
   PointList m_list;
+  const PointStyle m_style;
   EditReporter m_reporter;
   WString m_step;  // what a change is called in undo
   std::unique_ptr<kelp::CSourceEventScope> m_group;
   bool m_isLeaving = false;
   bool m_isWarned = false;  // of unsaved changes
+  bool m_saysCommas = false;
   Status m_status = kDone;
 };
 
-const EditSession::Rule EditSession::kRules[11] = {
-    {KTEXT("move"), &EditSession::Move, 4, 4, KTEXT("P dE dN dH")},
+const EditSession::Rule EditSession::kRules[14] = {
+    {KTEXT("add"), &EditSession::Add, 3, 9, KTEXT("P E N [H [CODE]]")},
+    {KTEXT("move"), &EditSession::Move, 4, 7, KTEXT("P dE dN dH")},
+    {KTEXT("shift"), &EditSession::Shift, 3, 6, KTEXT("dE dN dH")},
+    {KTEXT("set"), &EditSession::Set, 3, 4, KTEXT("P WHAT VALUE")},
     {KTEXT("rename"), &EditSession::Rename, 2, 2, KTEXT("OLD NEW")},
     {KTEXT("delete"), &EditSession::Delete, 1, 1, KTEXT("P")},
     {KTEXT("begin"), &EditSession::Begin, 1, 1, KTEXT("NAME")},
     {KTEXT("end"), &EditSession::End, 0, 0, nullptr},
-    {KTEXT("undo"), &EditSession::Undo, 0, 0, nullptr},
+    {KTEXT("undo"), &EditSession::Undo, 0, 1, KTEXT("[all]")},
     {KTEXT("redo"), &EditSession::Redo, 0, 0, nullptr},
     {KTEXT("list"), &EditSession::List, 0, 0, nullptr},
     {KTEXT("save"), &EditSession::Save, 0, 1, KTEXT("[FILE]")},
@@ -176,14 +230,14 @@ const EditSession::Rule EditSession::kRules[11] = {
 };
 
 Status EditSession::Run() {
-  PointFile unread;
-  unread.faults = m_list.Faults();
-  ComplainOfRows(unread, m_file, m_console);
-  if (!unread.faults.empty()) m_status = kPartly;
+  RequirePoints(m_file, m_list.CountPoints(), m_list.Faults());
+  m_console.PrintLine(LayoutText(m_list.Layout()));
+  ComplainOfRows(m_list.Faults(), m_file, m_console);
+  if (!m_list.Faults().IsEmpty()) m_status = kPartly;
   if (m_console.IsInteractive()) {
     m_console.PrintLine(
         Message{KTEXT("{1}: {2} points; help tells the commands"),
-                {Shown(m_file.text), WString::ValueOf(static_cast<int>(m_list.Points().size()))}}
+                {Shown(m_file.text), WString::ValueOf(static_cast<int>(m_list.CountPoints()))}}
             .Text());
   }
   std::string line;
@@ -192,11 +246,18 @@ Status EditSession::Run() {
   return m_status;
 }
 
+// On a terminal Ctrl-C asks what quit asks; elsewhere it ends the program as usual.
 bool EditSession::Ask(std::string& line) {
-  if (m_console.IsInteractive()) m_console.Prompt();
-  if (ReadInputLine(line)) return true;
-  if (m_console.IsInteractive()) m_console.PrintLine(WString());
-  return false;
+  if (!m_console.IsInteractive()) return ReadInputLine(line);
+  for (;;) {
+    const InterruptScope interrupts;
+    m_console.Prompt();
+    if (ReadInputLine(line)) return true;
+    m_console.PrintLine(WString());
+    if (!interrupts.IsInterrupted()) return false;
+    Quit({});
+    if (m_isLeaving) return false;
+  }
 }
 
 void EditSession::DoLine(const std::string& bytes, int number) {
@@ -241,37 +302,149 @@ void EditSession::Leave() {
     m_status = kPartly;
     m_group.reset();
   }
-  if (m_list.IsChanged() && !m_isWarned) {
-    Complain({KTEXT("{1}: the changes aren't saved"), {Shown(m_file.text)}});
-  }
+  if (!m_list.IsChanged() || m_isWarned) return;
+  Complain({KTEXT("{1}: the changes aren't saved"), {Shown(m_file.text)}});
+  m_status = kPartly;
 }
 
 void EditSession::Complain(const Message& what) {
   m_console.Complain(what.Text());
 }
 
-double EditSession::ReadShift(const WChar* name, const WString& text) const {
-  const LengthUnit& unit = *m_style.plane.unit;
-  const Reading shift = ReadLength(text, unit, DecimalMark::PointOrComma);
-  if (!shift.fault) return ConvertDist(shift.value, unit.unit, m_list.Unit().unit);
-  throw Failure({KTEXT("{1} \"{2}\": {3}"), {name, Quoted(text), shift.fault.Text()}});
+// In the unit of the file.
+double EditSession::ReadNumbered(const WChar* name, const WString& text,
+                                 const LengthUnit& unit) const {
+  const Reading reading = ReadLength(text, unit, DecimalMark::PointOrComma);
+  if (!reading.fault) return ConvertDist(reading.value, unit.unit, m_list.Unit().unit);
+  throw Failure({KTEXT("{1} \"{2}\": {3}"), {name, Quoted(text), reading.fault.Text()}});
+}
+
+const LengthUnit* UnitNamed(const WString& word) {
+  const auto* unit =
+      std::find_if(std::begin(kLengthUnits), std::end(kLengthUnits),
+                   [&word](const LengthUnit& u) { return word.Compare(u.name) == 0; });
+  return unit == std::end(kLengthUnits) ? nullptr : unit;
+}
+
+// As many lengths as there are names, each with a unit behind it or not; an empty one isn't set.
+// next becomes the place of the word behind them.
+std::vector<double> EditSession::ReadLengths(const Words& words, std::size_t first,
+                                             const std::vector<const WChar*>& names,
+                                             std::size_t& next) const {
+  std::vector<double> lengths;
+  next = first;
+  for (const WChar* name : names) {
+    if (next >= words.size()) throw Failure({KTEXT("{1} is missing"), {name}});
+    const WString& text = words[next++];
+    const LengthUnit* unit = next < words.size() ? UnitNamed(words[next]) : nullptr;
+    if (unit != nullptr) ++next;
+    lengths.push_back(text.empty()
+                          ? kelp::kNotSet
+                          : ReadNumbered(name, text, unit != nullptr ? *unit : m_list.Unit()));
+  }
+  return lengths;
+}
+
+const std::vector<const WChar*> kShiftNames = {KTEXT("dE"), KTEXT("dN"), KTEXT("dH")};
+
+void EditSession::RequireWithinReach(const Point& point) const {
+  for (const double value : {point.easting, point.northing, point.elevation}) {
+    if (value < kelp::kNotSetThreshold && !IsWithinReach(value, m_list.Unit())) {
+      throw Failure(OutOfRange());
+    }
+  }
+}
+
+void EditSession::RequireNewName(const WString& name) const {
+  if (name.empty()) throw Failure({KTEXT("a point can't be without a name"), {}});
+  if (!m_list.HasPoint(name)) return;
+  throw Failure({KTEXT("there is a point \"{1}\" already"), {Quoted(name)}});
+}
+
+void EditSession::Add(const Words& words) {
+  Point point{ToWString(Trimmed(ViewOf(words[0]))), 0, 0, kelp::kNotSet, WString(), 0, {}};
+  RequireNewName(point.name);
+  std::size_t next = 1;
+  const std::vector<double> plane = ReadLengths(words, next, {KTEXT("E"), KTEXT("N")}, next);
+  point.easting = plane[0];
+  point.northing = plane[1];
+  if (std::max(point.easting, point.northing) > kelp::kNotSetThreshold) {
+    throw Failure(
+        {KTEXT("{1} is missing"), {point.easting > point.northing ? KTEXT("E") : KTEXT("N")}});
+  }
+  if (next < words.size()) point.elevation = ReadLengths(words, next, {KTEXT("H")}, next)[0];
+  if (next < words.size()) point.description = words[next++];
+  if (next < words.size())
+    throw Failure({KTEXT("{1} takes {2}"), {KTEXT("add"), KTEXT("P E N [H [CODE]]")}});
+  RequireWithinReach(point);
+  m_list.Add(point, m_step);
 }
 
 void EditSession::Move(const Words& words) {
-  const std::size_t row = m_list.RequirePoint(words[0]);
+  std::size_t next = 0;
+  const std::vector<double> shift = ReadLengths(words, 1, kShiftNames, next);
+  if (next < words.size())
+    throw Failure({KTEXT("{1} takes {2}"), {KTEXT("move"), KTEXT("P dE dN dH")}});
+  MoveRow(m_list.RequirePoint(words[0]), shift);
+}
+
+// All or none: what moves out of reach is found before anything moves.
+void EditSession::Shift(const Words& words) {
+  std::size_t next = 0;
+  const std::vector<double> shift = ReadLengths(words, 0, kShiftNames, next);
+  if (next < words.size())
+    throw Failure({KTEXT("{1} takes {2}"), {KTEXT("shift"), KTEXT("dE dN dH")}});
+  const kelp::CSourceEventScope transaction(&m_list);
+  for (const std::size_t row : m_list.RowsOfPoints()) RequireWithinReach(Moved(row, shift));
+  for (const std::size_t row : m_list.RowsOfPoints())
+    m_list.Replace(row, Moved(row, shift), m_step);
+}
+
+Point EditSession::Moved(std::size_t row, const std::vector<double>& shift) const {
   Point point = m_list.PointIn(row);
-  point.easting += ReadShift(KTEXT("dE"), words[1]);
-  point.northing += ReadShift(KTEXT("dN"), words[2]);
-  const double up = ReadShift(KTEXT("dH"), words[3]);
-  const bool hasElevation = point.elevation < kelp::kNotSetThreshold;
-  if (hasElevation) {
-    point.elevation += up;
-  } else if (up != 0) {
+  point.easting += shift[0];
+  point.northing += shift[1];
+  if (point.elevation < kelp::kNotSetThreshold) point.elevation += shift[2];
+  return point;
+}
+
+void EditSession::MoveRow(std::size_t row, const std::vector<double>& shift) {
+  const Point& point = m_list.PointIn(row);
+  if (point.elevation > kelp::kNotSetThreshold && shift[2] != 0) {
     throw Failure({KTEXT("the point \"{1}\" has no elevation"), {Quoted(point.name)}});
   }
-  for (const double value : {point.easting, point.northing, hasElevation ? point.elevation : 0}) {
-    if (!IsWithinReach(value, m_list.Unit())) throw Failure(OutOfRange());
+  const Point moved = Moved(row, shift);
+  RequireWithinReach(moved);
+  m_list.Replace(row, moved, m_step);
+}
+
+void EditSession::Set(const Words& words) {
+  const std::size_t row = m_list.RequirePoint(words[0]);
+  const WString& what = words[1];
+  Point point = m_list.PointIn(row);
+  const auto length = [&](bool isRequired) {
+    std::size_t next = 0;
+    const double value = ReadLengths(words, 2, {what.c_str()}, next)[0];
+    if (isRequired && value > kelp::kNotSetThreshold) {
+      throw Failure({KTEXT("{1} is missing"), {what}});
+    }
+    return value;
+  };
+  if (what == KTEXT("east")) {
+    point.easting = length(true);
+  } else if (what == KTEXT("north")) {
+    point.northing = length(true);
+  } else if (what == KTEXT("up")) {
+    point.elevation = length(false);
+  } else if (what == KTEXT("code")) {
+    point.description = words[2];
+  } else if (what == KTEXT("name")) {
+    return Rename({words[0], words[2]});
+  } else {
+    throw Failure({KTEXT("set: \"{1}\" isn't one of {2}"),
+                   {Quoted(what), KTEXT("east, north, up, name, code")}});
   }
+  RequireWithinReach(point);
   m_list.Replace(row, point, m_step);
 }
 
@@ -279,10 +452,7 @@ void EditSession::Rename(const Words& words) {
   const std::size_t row = m_list.RequirePoint(words[0]);
   Point point = m_list.PointIn(row);
   point.name = ToWString(Trimmed(ViewOf(words[1])));
-  if (point.name.empty()) throw Failure({KTEXT("a point can't be without a name"), {}});
-  if (m_list.HasPoint(point.name)) {
-    throw Failure({KTEXT("there is a point \"{1}\" already"), {Quoted(point.name)}});
-  }
+  RequireNewName(point.name);
   m_list.Replace(row, point, m_step);
 }
 
@@ -307,11 +477,16 @@ void EditSession::RequireNoGroup() const {
 }
 
 // The transaction around it makes one event of all changes of the step.
-void EditSession::Undo(const Words&) {
+void EditSession::Undo(const Words& words) {
   RequireNoGroup();
+  const bool isAll = !words.empty();
+  if (isAll && words[0] != KTEXT("all"))
+    throw Failure({KTEXT("{1} takes {2}"), {KTEXT("undo"), KTEXT("[all]")}});
   if (!m_manager.CanUndo()) throw Failure({KTEXT("there is nothing to undo"), {}});
-  const kelp::CSourceEventScope transaction(&m_list);
-  m_manager.Undo();
+  do {
+    const kelp::CSourceEventScope transaction(&m_list);
+    m_manager.Undo();
+  } while (isAll && m_manager.CanUndo());
 }
 
 void EditSession::Redo(const Words&) {
@@ -322,8 +497,19 @@ void EditSession::Redo(const Words&) {
 }
 
 void EditSession::List(const Words&) {
-  const Table table = MakePointTable(m_list.Points(), m_list.Unit(), m_style);
-  m_console.Print(table.Aligned(m_console.HasColour()));
+  Table table = MakePointTable(m_style);
+  CoordinateWriter writer(m_list.Unit(), m_style);
+  for (const std::size_t row : m_list.RowsOfPoints()) {
+    const Point& point = m_list.PointIn(row);
+    std::string name, description;
+    AppendUtf8(name, point.name);
+    AppendUtf8(description, point.description);
+    table.AddCell(name);
+    for (const std::string& text : writer.Write(point)) table.AddCell(text);
+    table.AddCell(description);
+  }
+  table.WriteAligned(m_console.HasColour(),
+                     [this](std::string_view piece) { m_console.Print(piece); });
 }
 
 void EditSession::Save(const Words& words) {
@@ -346,9 +532,26 @@ void EditSession::SaveOwn() {
                    {Shown(m_file.text)}});
   }
   RequireUntouched();
-  const std::string bytes = m_list.Bytes();
+  std::string bytes = m_list.Bytes();
+  KeepBackup();
   WriteAll(m_file, bytes);
-  m_bytes = bytes;
+  m_bytes = std::move(bytes);
+  if (m_list.Layout().separator != ',' && !m_saysCommas) {
+    m_console.PrintLine(kelp::Xlate(KTEXT("the fields are separated by commas now")));
+    m_saysCommas = true;
+  }
+}
+
+// The file as it was before this run, once a run.
+void EditSession::KeepBackup() {
+  if (!m_keepsBackup) return;
+  m_keepsBackup = false;
+  std::error_code ignored;
+  if (!fs::exists(m_file.path, ignored)) return;
+  Argument backup = m_file;
+  backup.text += KTEXT(".bak");
+  backup.path += ".bak";
+  WriteAll(backup, m_bytes);
 }
 
 void EditSession::RequireUntouched() const {

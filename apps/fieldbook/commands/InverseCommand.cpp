@@ -1,118 +1,143 @@
-// fieldbook inverse: what lies between two points of a file.
+// fieldbook inverse: what lies between the points of a file.
 #include <algorithm>
+#include <cmath>
 
 #include "fieldbook/commands/Commands.h"
+#include "fieldbook/commands/Direction.h"
+#include "fieldbook/commands/Settings.h"
 #include "fieldbook/console/Table.h"
-#include "fieldbook/points/PointReading.h"
-#include "fieldbook/values/AngleText.h"
+#include "fieldbook/points/NamedPoints.h"
 #include "kelp0lang/LegacyGeometry.h"
 #include "kelp0lang/Translate.h"
 
 namespace fieldbook {
 
 const WChar* const kInverseHelp = KTEXT(
-    "Usage: fieldbook inverse FILE FROM TO [--from UNIT] [--to UNIT] [--decimals N]\n"
-    "                         [--denominator N] [--progress] [--verbose]\n"
+    "Usage: fieldbook inverse FILE FROM TO... [--from UNIT] [--columns P,E,N,Z,D]\n"
+    "                         [--to UNIT] [--decimals N] [--denominator N]\n"
+    "                         [--progress] [--verbose]\n"
     "\n"
-    "Shows horizontal distance, difference of height and direction from one point\n"
-    "of a file to another. The direction counts clockwise from north, in gon and in\n"
-    "degrees, minutes and seconds.\n"
+    "Shows horizontal distance, slope distance, difference of height, grade and\n"
+    "direction from one point of a file to another, or along a chain of points.\n"
     "\n"
     "  FILE      a points file, see fieldbook show --help; - reads standard input\n"
-    "  FROM, TO  names of two points; each stands for one place in the file\n"
+    "  FROM, TO  names of points; each stands for one place in the file. With more\n"
+    "            than two each leg of the chain has a row, and the last is the sum\n"
     "\n"
-    "The options are those of fieldbook show; they concern the lengths. Without --to\n"
-    "these are in metres.\n");
+    "The options are those of fieldbook show; they concern the lengths. Without\n"
+    "them the lengths are in the distance unit of the settings. So are directions in\n"
+    "the angle unit, start and sense of the settings. Rows of other points aren't\n"
+    "looked at.\n");
 
 namespace {
 
-constexpr int kGonDecimals = 4;
-constexpr int kSecondDecimals = 1;
+// What lies between two points, in the unit of the file. What isn't known is kelp::kNotSet.
+struct Leg {
+  double distance;
+  double slopeDistance;
+  double height;
+  double grade;      // per cent
+  double direction;  // gon
+};
 
-bool SamePlace(const Point& a, const Point& b) {
-  return a.northing == b.northing && a.easting == b.easting && a.elevation == b.elevation;
+Leg LegBetween(const Point& from, const Point& to) {
+  Leg leg{Distanza2pt(from.easting, from.northing, to.easting, to.northing), kelp::kNotSet,
+          kelp::kNotSet, kelp::kNotSet, kelp::kNotSet};
+  if (leg.distance > 0) leg.direction = DirectionGon(from, to);
+  if (std::max(from.elevation, to.elevation) > kelp::kNotSetThreshold) return leg;
+  leg.height = to.elevation - from.elevation;
+  leg.slopeDistance = std::hypot(leg.distance, leg.height);
+  if (leg.distance > 0) leg.grade = 100 * leg.height / leg.distance;
+  return leg;
 }
 
-// The point of this name. A name that stands for several places is a failure, since either could be
-// meant.
-const Point& FindPoint(const PointFile& file, const Argument& source, const WString& name) {
-  const Point* found = nullptr;
-  for (const Point& point : file.points) {
-    if (point.name != name) continue;
-    if (found != nullptr && !SamePlace(*found, point)) {
-      throw Failure({KTEXT("{1}: there are several points \"{2}\", in lines {3} and {4}"),
-                     {Shown(source.text), Quoted(name), WString::ValueOf(found->line),
-                      WString::ValueOf(point.line)}});
+class InverseTexts {
+ public:
+  InverseTexts(const LengthUnit& unit, const LengthStyle& style, const CMeasUnitSystem& settings)
+      : m_unit(unit), m_style(style), m_settings(settings) {}
+
+  std::vector<WString> Heads() const {
+    return {WithUnit(KTEXT("Distance"), *m_style.unit),
+            WithUnit(KTEXT("Slope distance"), *m_style.unit),
+            WithUnit(KTEXT("Difference of height"), *m_style.unit), kelp::Xlate(KTEXT("Grade (%)")),
+            DirectionHead(m_settings)};
+  }
+
+  std::vector<WString> Texts(const Leg& leg) const {
+    constexpr int kGradeDecimals = 2;
+    std::vector<WString> texts = {Length(leg.distance), Length(leg.slopeDistance),
+                                  Length(leg.height), WriteNumber(leg.grade, kGradeDecimals),
+                                  WString()};
+    if (leg.direction < kelp::kNotSetThreshold) texts[4] = DirectionText(leg.direction, m_settings);
+    for (WString& text : texts) {
+      if (text.empty()) text = kelp::Xlate(KTEXT("not known"));
     }
-    if (found == nullptr) found = &point;
+    return texts;
   }
-  if (found == nullptr) {
-    throw Failure({KTEXT("{1}: there is no point \"{2}\""), {Shown(source.text), Quoted(name)}});
+
+ private:
+  WString Length(double value) const { return WriteLength(value, m_unit, m_style); }
+
+  const LengthUnit& m_unit;
+  const LengthStyle& m_style;
+  const CMeasUnitSystem& m_settings;
+};
+
+Table TableOfOne(const Point& from, const Point& to, const InverseTexts& texts) {
+  Table table({{kelp::Xlate(KTEXT("From")), Align::Left}, {from.name, Align::Right}});
+  table.AddRow({kelp::Xlate(KTEXT("To")), to.name});
+  const std::vector<WString> heads = texts.Heads();
+  const std::vector<WString> values = texts.Texts(LegBetween(from, to));
+  for (std::size_t i = 0; i < heads.size(); ++i) table.AddRow({heads[i], values[i]});
+  return table;
+}
+
+// A sum with something that isn't known isn't known either.
+double Plus(double sum, double value) {
+  return std::max(sum, value) > kelp::kNotSetThreshold ? kelp::kNotSet : sum + value;
+}
+
+Table TableOfChain(const std::vector<Point>& points, const InverseTexts& texts) {
+  std::vector<Table::Column> columns = {{kelp::Xlate(KTEXT("From")), Align::Left},
+                                        {kelp::Xlate(KTEXT("To")), Align::Left}};
+  for (const WString& head : texts.Heads()) columns.push_back({head, Align::Right});
+  Table table(columns);
+  const auto addRow = [&table](const WString& from, const WString& to, std::vector<WString> row) {
+    row.insert(row.begin(), {from, to});
+    table.AddRow(row);
+  };
+  Leg sum = LegBetween(points.front(), points.back());
+  sum.distance = sum.slopeDistance = 0;
+  for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+    const Leg leg = LegBetween(points[i], points[i + 1]);
+    sum.distance += leg.distance;
+    sum.slopeDistance = Plus(sum.slopeDistance, leg.slopeDistance);
+    addRow(points[i].name, points[i + 1].name, texts.Texts(leg));
   }
-  return *found;
-}
-
-double HeightDifference(const Point& from, const Point& to) {
-  const bool isKnown = std::max(from.elevation, to.elevation) < kelp::kNotSetThreshold;
-  return isKnown ? to.elevation - from.elevation : kelp::kNotSet;
-}
-
-// AngoloDaAsseRifer leaves directions just below a full turn negative. The two texts are made of
-// one value in [0, 400), and one that rounds to the full turn is shown as 0.
-WString GonText(double gon) {
-  const WString text = WriteNumber(gon, kGonDecimals);
-  return text == WriteNumber(400, kGonDecimals) ? WriteNumber(0, kGonDecimals) : text;
-}
-
-WString DMSText(double gon) {
-  const double degrees = AngSesdFromCent(gon);
-  const bool isFullTurn = DegToTDMS(degrees, kSecondDecimals).degrees == 360;
-  return DegToDMS(isFullTurn ? 0 : degrees, enumDisplayAngleUnits::DMSSymbols, enumLatLonType::None,
-                  kSecondDecimals);
-}
-
-PointFile ReadOneFile(const CommandLine& line, const LengthUnit& unit, Console& console) {
-  Progress progress(line, console);
-  const Progress::Task reading(progress, KTEXT("reading"), 1);
-  ReadFile file = ReadPointFiles({line.Operands()[0]}, unit, progress).front();
-  if (!file.failure.empty()) throw Failure(file.failure);
-  return std::move(file.points);
+  std::vector<WString> last = texts.Texts(sum);
+  last[3] = last[4] = WString();  // grade and direction of a sum of legs mean nothing
+  addRow(kelp::Xlate(KTEXT("Sum")), WString(), last);
+  return table;
 }
 
 }  // namespace
 
 Status InverseCommand(const CommandLine& line, Console& console) {
   const std::vector<Argument>& operands = line.Operands();
-  if (operands.size() != 3) {
+  if (operands.size() < 3) {
     throw UsageFailure({KTEXT("inverse takes FILE, FROM and TO, {1} given"),
                         {WString::ValueOf(static_cast<int>(operands.size()))}});
   }
-  const LengthUnit& unit = ChooseFileUnit(line);
-  const LengthStyle style = ChooseLengthStyle(line);
-  const PointFile file = ReadOneFile(line, unit, console);
-  ComplainOfRows(file, operands[0], console);
-  const Point& from = FindPoint(file, operands[0], operands[1].text);
-  const Point& to = FindPoint(file, operands[0], operands[2].text);
-
-  const double distance = Distanza2pt(from.easting, from.northing, to.easting, to.northing);
-  const double direction =
-      AngoloDaAsseRifer(to.easting - from.easting, to.northing - from.northing);
-  const double gon = direction < 0 ? direction + 400 : direction;
-  const bool hasDirection = distance > 0;
-  const double height = HeightDifference(from, to);
-
-  const WString none = kelp::Xlate(KTEXT("not known"));
-  const auto orNone = [&none](bool isKnown, const WString& text) { return isKnown ? text : none; };
-  const bool hasHeight = height < kelp::kNotSetThreshold;
-  Table table({{kelp::Xlate(KTEXT("From")), Align::Left}, {from.name, Align::Right}});
-  table.AddRow({kelp::Xlate(KTEXT("To")), to.name});
-  table.AddRow({WithUnit(KTEXT("Distance"), *style.unit), WriteLength(distance, unit, style)});
-  table.AddRow({WithUnit(KTEXT("Difference of height"), *style.unit),
-                orNone(hasHeight, WriteLength(height, unit, style))});
-  table.AddRow({kelp::Xlate(KTEXT("Direction (gon)")), orNone(hasDirection, GonText(gon))});
-  table.AddRow({kelp::Xlate(KTEXT("Direction (DMS)")), orNone(hasDirection, DMSText(gon))});
+  const CMeasUnitSystem& settings = OpenSettings(line, console);
+  const LengthStyle style = ChooseDistanceStyle(settings, line);
+  const NamedPoints found = FindPoints(operands[0], NamesBehind(operands, 1),
+                                       ChooseLayout(line, settings), line, console);
+  const InverseTexts texts(*found.layout.unit, style, settings);
+  console.PrintLine(LayoutText(found.layout));
+  const Table table = found.points.size() == 2 ? TableOfOne(found.points[0], found.points[1], texts)
+                                               : TableOfChain(found.points, texts);
   console.Print(table.Aligned(false));
-  return file.faults.empty() ? kDone : kPartly;
+  return kDone;
 }
 
 }  // namespace fieldbook

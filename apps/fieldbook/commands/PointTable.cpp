@@ -2,66 +2,56 @@
 
 #include <utility>
 
-#include "kelp0lang/MeasUnitLabel.h"
 #include "kelp0lang/Translate.h"
 
 namespace fieldbook {
-namespace {
 
-WString WithCurrentUnit(const WString& head) {
-  return GetDistLabel(head, enumMeasUnitSize::Normal, true);
-}
-
-}  // namespace
-
-PointStyle StyleOfOptions(const CommandLine& line) {
-  const LengthStyle style = ChooseLengthStyle(line);
-  return {style,
-          style,
-          false,
-          {WithUnit(KTEXT("Northing"), *style.unit), WithUnit(KTEXT("Easting"), *style.unit),
-           WithUnit(KTEXT("Elevation"), *style.unit)}};
-}
-
-PointStyle StyleOfSettings(const CMeasUnitSystem& settings, const CommandLine& line) {
-  const LengthUnit& unit = kLengthUnits[static_cast<int>(settings.GetDistUnits())];
-  constexpr auto kWord = enumCoordLabelMode::Word;
-  return {{&unit, ChooseDecimals(line, settings.GetNumCoordDec()),
-           ChooseFraction(line, settings.GetCoordInchDecPrec())},
-          {&unit, ChooseDecimals(line, settings.GetNumQuoteDec()),
-           ChooseFraction(line, settings.GetQuoteInchDecPrec())},
-          settings.GetCoordDisplayMode() == enumCoordDisplayMode::EastNorth,
-          {WithCurrentUnit(GetCoord1Label(WString(), kWord)),
-           WithCurrentUnit(GetCoord2Label(WString(), kWord)),
-           WithCurrentUnit(kelp::Xlate(KTEXT("Elevation")))}};
-}
-
-std::vector<WString> CoordinateTexts(const Point& point, const LengthUnit& unit,
-                                     const PointStyle& style) {
-  std::vector<WString> texts = {WriteLength(point.northing, unit, style.plane),
-                                WriteLength(point.easting, unit, style.plane),
-                                WriteLength(point.elevation, unit, style.height)};
-  if (style.isEastFirst) std::swap(texts[0], texts[1]);
-  return texts;
-}
-
-Table MakePointTable(const std::vector<Point>& points, const LengthUnit& unit,
-                     const PointStyle& style, const Watch& watch) {
-  Table table({{kelp::Xlate(KTEXT("Point")), Align::Left},
-               {style.heads[0], Align::Right},
-               {style.heads[1], Align::Right},
-               {style.heads[2], Align::Right},
-               {kelp::Xlate(KTEXT("Description")), Align::Left}});
-  std::size_t row = 0;
-  for (const Point& point : points) {
-    if (watch && row % kWatchedRows == 0) {
-      watch(static_cast<double>(row) / static_cast<double>(points.size()));
-    }
-    ++row;
-    const std::vector<WString> texts = CoordinateTexts(point, unit, style);
-    table.AddRow({point.name, texts[0], texts[1], texts[2], point.description});
+PointStyle ChoosePointStyle(const CMeasUnitSystem& settings, const CommandLine& line) {
+  PointStyle style;
+  style.isEastFirst = settings.GetCoordDisplayMode() == enumCoordDisplayMode::EastNorth;
+  if (line.Has(Option::To)) {
+    style.plane = style.height = ChooseLengthStyle(line);
+    return style;
   }
-  return table;
+  const LengthUnit& unit = kLengthUnits[static_cast<int>(settings.GetDistUnits())];
+  style.plane = {&unit, ChooseDecimals(line, settings.GetNumCoordDec()),
+                 ChooseFraction(line, settings.GetCoordInchDecPrec())};
+  style.height = {&unit, ChooseDecimals(line, settings.GetNumQuoteDec()),
+                  ChooseFraction(line, settings.GetQuoteInchDecPrec())};
+  return style;
+}
+
+std::vector<WString> PointHeads(const PointStyle& style) {
+  std::vector<WString> heads = {
+      kelp::Xlate(KTEXT("Point")), WithUnit(KTEXT("Easting"), *style.plane.unit),
+      WithUnit(KTEXT("Northing"), *style.plane.unit),
+      WithUnit(KTEXT("Elevation"), *style.height.unit), kelp::Xlate(KTEXT("Description"))};
+  if (!style.isEastFirst) std::swap(heads[1], heads[2]);
+  return heads;
+}
+
+Table MakePointTable(const PointStyle& style) {
+  const std::vector<WString> heads = PointHeads(style);
+  return Table({{heads[0], Align::Left},
+                {heads[1], Align::Right},
+                {heads[2], Align::Right},
+                {heads[3], Align::Right},
+                {heads[4], Align::Left}});
+}
+
+CoordinateWriter::CoordinateWriter(const LengthUnit& unit, const PointStyle& style)
+    : m_unit(unit), m_style(style) {}
+
+const std::string (&CoordinateWriter::Write(double easting, double northing, double elevation))[3] {
+  WriteOne(easting, m_style.plane, m_texts[m_style.isEastFirst ? 0 : 1]);
+  WriteOne(northing, m_style.plane, m_texts[m_style.isEastFirst ? 1 : 0]);
+  WriteOne(elevation, m_style.height, m_texts[2]);
+  return m_texts;
+}
+
+void CoordinateWriter::WriteOne(double value, const LengthStyle& style, std::string& text) const {
+  text.clear();
+  AppendLength(text, value, m_unit, style);
 }
 
 }  // namespace fieldbook

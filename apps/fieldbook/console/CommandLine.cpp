@@ -15,10 +15,16 @@ struct OptionRule {
 
 constexpr OptionRule kOptions[] = {
     {Option::From, KTEXT("--from"), true},
+    {Option::Columns, KTEXT("--columns"), true},
     {Option::To, KTEXT("--to"), true},
     {Option::Decimals, KTEXT("--decimals"), true},
     {Option::Denominator, KTEXT("--denominator"), true},
     {Option::Csv, KTEXT("--csv"), false},
+    {Option::Points, KTEXT("--points"), true},
+    {Option::Sort, KTEXT("--sort"), true},
+    {Option::Within, KTEXT("--within"), true},
+    {Option::Limit, KTEXT("--limit"), true},
+    {Option::NoBackup, KTEXT("--no-backup"), false},
     {Option::Lat, KTEXT("--lat"), false},
     {Option::Lon, KTEXT("--lon"), false},
     {Option::Progress, KTEXT("--progress"), false},
@@ -28,8 +34,9 @@ constexpr OptionRule kOptions[] = {
     {Option::Help, KTEXT("--help"), false},
     {Option::Version, KTEXT("--version"), false},
     {Option::Help, KTEXT("-h"), false},
+    {Option::Version, KTEXT("-v"), false},
 };
-static_assert(std::size(kOptions) == kOptionCount + 1);
+static_assert(std::size(kOptions) == kOptionCount + 2);
 
 const OptionRule* FindOption(WideView name) {
   const auto* rule = std::find_if(std::begin(kOptions), std::end(kOptions),

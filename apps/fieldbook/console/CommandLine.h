@@ -24,10 +24,16 @@ struct Argument {
 
 enum class Option {
   From,
+  Columns,
   To,
   Decimals,
   Denominator,
   Csv,
+  Points,
+  Sort,
+  Within,
+  Limit,
+  NoBackup,
   Lat,
   Lon,
   Progress,
@@ -37,7 +43,7 @@ enum class Option {
   Help,
   Version
 };
-inline constexpr int kOptionCount = 13;
+inline constexpr int kOptionCount = 19;
 
 class CommandLine {
  public:

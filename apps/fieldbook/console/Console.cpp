@@ -4,7 +4,6 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <system_error>
 
@@ -161,15 +160,6 @@ WString WordsFor(int error) {
   FailOn(file, error.default_error_condition().value());
 }
 
-std::ifstream Open(const Argument& file) {
-  std::error_code ignored;
-  if (fs::is_directory(file.path, ignored)) FailOn(file, EISDIR);
-  errno = 0;
-  std::ifstream stream(file.path, std::ios::binary);
-  if (!stream) FailOn(file, errno != 0 ? errno : ENOENT);
-  return stream;
-}
-
 std::string ReadStream(std::istream& stream, const Argument& file, std::uintmax_t size,
                        const Watch& watch) {
   std::string content;
@@ -256,7 +246,37 @@ std::vector<Argument> Console::Arguments(int, char**) {
   return arguments;
 }
 
+std::filesystem::path Console::ProgramFolder() {
+  std::wstring path(MAX_PATH, L'\0');
+  DWORD size = 0;
+  while ((size = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()))) ==
+         path.size()) {
+    path.resize(2 * path.size());
+  }
+  path.resize(size);
+  return fs::path(path).parent_path();
+}
+
+WString Console::EnvironmentLanguage() {
+  wchar_t name[LOCALE_NAME_MAX_LENGTH];
+  return GetUserDefaultLocaleName(name, LOCALE_NAME_MAX_LENGTH) > 0 ? WString(name) : WString();
+}
+
 #else
+
+std::filesystem::path Console::ProgramFolder() {
+  std::error_code ignored;
+  return fs::read_symlink("/proc/self/exe", ignored).parent_path();
+}
+
+// As gettext looks for it.
+WString Console::EnvironmentLanguage() {
+  for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    const char* value = std::getenv(variable);
+    if (value != nullptr && *value != 0) return Decode(value);
+  }
+  return WString();
+}
 
 std::vector<Argument> Console::Arguments(int argc, char** argv) {
   std::vector<Argument> arguments;
@@ -345,13 +365,26 @@ bool InterruptScope::IsInterrupted() const {
   return g_isInterrupted;
 }
 
+std::ifstream OpenFile(const Argument& file) {
+  std::error_code ignored;
+  if (fs::is_directory(file.path, ignored)) FailOn(file, EISDIR);
+  errno = 0;
+  std::ifstream stream(file.path, std::ios::binary);
+  if (!stream) FailOn(file, errno != 0 ? errno : ENOENT);
+  return stream;
+}
+
+void FailOnFile(const Argument& file, int error) {
+  FailOn(file, error != 0 ? error : EIO);
+}
+
 std::string ReadAll(const Argument& file, const Watch& watch) {
   if (file.text == WString(KTEXT("-"))) {
     std::string content = ReadStream(std::cin, file, 0, watch);
     RequireInputRead();
     return content;
   }
-  std::ifstream stream = Open(file);
+  std::ifstream stream = OpenFile(file);
   std::error_code unknown;
   const std::uintmax_t size = fs::file_size(file.path, unknown);
   return ReadStream(stream, file, unknown ? 0 : size, watch);
@@ -360,12 +393,18 @@ std::string ReadAll(const Argument& file, const Watch& watch) {
 bool ReadInputLine(std::string& line) {
   errno = 0;
   if (std::getline(std::cin, line)) return true;
+  if (g_isInterrupted) {
+    // What comes behind can still be read.
+    std::clearerr(stdin);
+    std::cin.clear();
+    return false;
+  }
   RequireInputRead();
   return false;
 }
 
 void RequireReadable(const Argument& file) {
-  Open(file);
+  OpenFile(file);
 }
 
 void WriteAll(const Argument& file, const std::string& bytes) {

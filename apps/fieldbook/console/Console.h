@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdio>
+#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +37,11 @@ class Console {
 
   // The arguments behind the program's name.
   static std::vector<Argument> Arguments(int argc, char** argv);
+
+  // Where the program's file stands, and the files that come with it.
+  static std::filesystem::path ProgramFolder();
+  // The language of the user's surroundings, such as "it_IT.UTF-8" or "it"; empty if unknown.
+  static WString EnvironmentLanguage();
 
   void Print(std::string_view utf8);
   void PrintText(const WString& text);
@@ -85,8 +91,13 @@ class InterruptScope {
 // The content of a file, or of standard input for "-". The watch hears how far a file
 // is; of what has no size it hears 0. Throws Failure.
 std::string ReadAll(const Argument& file, const Watch& watch = {});
-// One line of standard input without its line feed; false at the end. Throws Failure.
+// One line of standard input without its line feed; false at the end, and where an InterruptScope
+// hears of Ctrl-C. Throws Failure.
 bool ReadInputLine(std::string& line);
+// A file opened for reading its bytes. Throws Failure.
+std::ifstream OpenFile(const Argument& file);
+// Throws what went wrong with a file, by its errno; 0 counts as a fault of the device.
+[[noreturn]] void FailOnFile(const Argument& file, int error);
 // Throws Failure if a file can't be opened for reading.
 void RequireReadable(const Argument& file);
 // Makes the file hold these bytes. They are written beside it and then put in its place, so that

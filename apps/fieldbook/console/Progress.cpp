@@ -23,7 +23,7 @@ WString BarText(int percent, const WString& task) {
 }  // namespace
 
 Message Stopped() {
-  return {KTEXT("stopped by Ctrl-C; nothing is shown"), {}};
+  return {KTEXT("stopped by Ctrl-C"), {}};
 }
 
 Progress::Bar::Bar(bool isAsked, Console& console) : m_console(console), m_isAsked(isAsked) {}

@@ -1,8 +1,7 @@
 #include "fieldbook/points/PointList.h"
 
 #include <algorithm>
-#include <iterator>
-#include <memory>
+#include <functional>
 #include <utility>
 
 #include "fieldbook/console/Console.h"
@@ -31,64 +30,104 @@ class PointList::RowChange final : public kelp::ICmdExecuted {
   WString m_step;
 };
 
-PointList::PointList(kelp::CChangeTransactionManager* manager, const std::string& bytes,
-                     const LengthUnit& unit)
-    : CSourceEvent(manager), m_unit(unit) {
-  const PointFile file = ReadPoints(bytes, unit);
-  m_rows = RowsOf(file);
-  m_saved = m_rows;
-  m_faults = file.faults;
-  // Zero bytes come as other characters out of the reading.
-  m_isWhole = m_faults.empty() && bytes.find('\0') == std::string::npos;
-  m_hasMark = WithoutMark(bytes).size() != bytes.size();
-  const std::size_t lineEnd = bytes.find('\n');
-  m_hasCrLf = lineEnd != std::string::npos && lineEnd > 0 && bytes[lineEnd - 1] == '\r';
+namespace {
+
+std::size_t HashOf(const WString& name) {
+  return std::hash<WideView>()(ViewOf(name));
 }
 
-std::vector<PointList::Row> PointList::RowsOf(const PointFile& file) {
+}  // namespace
+
+PointList::PointList(kelp::CChangeTransactionManager* manager, std::string_view bytes,
+                     const LayoutWishes& wishes, const Watch& watch)
+    : CSourceEvent(manager) {
+  const auto source = BytesOf(bytes);
+  PointFile file = ReadPoints(*source, wishes, watch);
+  m_layout = file.layout;
+  m_faults = file.faults;
+  m_rows = RowsOf(std::move(file));
+  m_named.reserve(m_rows.size());
+  for (std::size_t row = 0; row < m_rows.size(); ++row) Enlist(row);
+  const TextSource text(*source);
+  // Zero characters come as other ones out of the reading.
+  m_isWhole = m_faults.IsEmpty() && !text.HoldsZeros();
+  m_hasMark = text.Encoding() == TextEncoding::Utf8WithMark;
+  m_hasCrLf = text.EndsLinesInCrLf();
+}
+
+std::vector<PointList::Row> PointList::RowsOf(PointFile file) {
   std::vector<Row> rows;
   rows.reserve(file.points.size() + file.others.size());
   auto other = file.others.begin();
   const auto takeOthers = [&](auto isWanted) {
     for (; other != file.others.end() && isWanted(other->line); ++other) {
-      rows.push_back({false, false, other->text, {}});
+      rows.push_back({false, false, std::move(other->text), {}});
     }
   };
-  for (const Point& point : file.points) {
+  for (Point& point : file.points) {
     takeOthers([&point](int line) { return line < point.line; });
-    rows.push_back({true, false, WString(), point});
+    rows.push_back({true, false, WString(), std::move(point)});
   }
   takeOthers([](int) { return true; });
   return rows;
 }
 
+void PointList::Enlist(std::size_t row) {
+  if (!IsThere(m_rows[row])) return;
+  m_named.emplace(HashOf(m_rows[row].point.name), row);
+  ++m_countPoints;
+}
+
+void PointList::Delist(std::size_t row) {
+  if (!IsThere(m_rows[row])) return;
+  const auto [begin, end] = m_named.equal_range(HashOf(m_rows[row].point.name));
+  m_named.erase(std::find_if(begin, end, [row](const auto& entry) { return entry.second == row; }));
+  --m_countPoints;
+}
+
 std::vector<Point> PointList::Points() const {
   std::vector<Point> points;
+  points.reserve(m_countPoints);
   for (const Row& row : m_rows) {
-    if (row.isPoint && !row.isRemoved) points.push_back(row.point);
+    if (IsThere(row)) points.push_back(row.point);
   }
   return points;
 }
 
+std::vector<std::size_t> PointList::RowsOfPoints() const {
+  std::vector<std::size_t> rows;
+  rows.reserve(m_countPoints);
+  for (std::size_t row = 0; row < m_rows.size(); ++row) {
+    if (IsThere(m_rows[row])) rows.push_back(row);
+  }
+  return rows;
+}
+
 bool PointList::HasPoint(const WString& name) const {
-  return std::any_of(m_rows.begin(), m_rows.end(), [&name](const Row& row) {
-    return row.isPoint && !row.isRemoved && row.point.name == name;
+  const auto [begin, end] = m_named.equal_range(HashOf(name));
+  return std::any_of(begin, end, [this, &name](const auto& entry) {
+    return m_rows[entry.second].point.name == name;
   });
 }
 
 std::size_t PointList::RequirePoint(const WString& name) const {
-  const Row* found = nullptr;
-  for (const Row& row : m_rows) {
-    if (!row.isPoint || row.isRemoved || row.point.name != name) continue;
-    if (found != nullptr) {
-      throw Failure(
-          {KTEXT("there are several points \"{1}\", in lines {2} and {3}"),
-           {Quoted(name), WString::ValueOf(found->point.line), WString::ValueOf(row.point.line)}});
-    }
-    found = &row;
+  std::vector<std::size_t> found;
+  const auto [begin, end] = m_named.equal_range(HashOf(name));
+  for (auto entry = begin; entry != end; ++entry) {
+    if (m_rows[entry->second].point.name == name) found.push_back(entry->second);
   }
-  if (found == nullptr) throw Failure({KTEXT("there is no point \"{1}\""), {Quoted(name)}});
-  return static_cast<std::size_t>(found - m_rows.data());
+  if (found.empty()) throw Failure({KTEXT("there is no point \"{1}\""), {Quoted(name)}});
+  if (found.size() == 1) return found.front();
+  std::sort(found.begin(), found.end());
+  throw Failure({KTEXT("there are several points \"{1}\", in lines {2} and {3}"),
+                 {Quoted(name), WString::ValueOf(m_rows[found[0]].point.line),
+                  WString::ValueOf(m_rows[found[1]].point.line)}});
+}
+
+// A new row is one that has been removed up to now, so that undoing it takes no row away.
+void PointList::Add(const Point& point, const WString& step) {
+  m_rows.push_back({true, true, WString(), point});
+  Change(m_rows.size() - 1, {true, false, WString(), point}, step);
 }
 
 void PointList::Replace(std::size_t row, const Point& point, const WString& step) {
@@ -108,15 +147,24 @@ void PointList::Change(std::size_t row, const Row& state, const WString& step) {
   if (m_changedRows.insert(row).second) {
     GetChangeTransactionManager()->Add(new RowChange(*this, row, step));
   }
-  m_rows[row] = state;
+  SetRow(row, state);
   m_step = step;
 }
 
 void PointList::Exchange(std::size_t row, Row& state, const WString& step) {
   const kelp::CSourceEventScope transaction(this);
   m_changedRows.insert(row);
-  std::swap(m_rows[row], state);
+  const Row before = m_rows[row];
+  SetRow(row, state);
+  state = before;
   m_step = step;
+}
+
+void PointList::SetRow(std::size_t row, const Row& state) {
+  m_unsaved.emplace(row, m_rows[row]);
+  Delist(row);
+  m_rows[row] = state;
+  Enlist(row);
 }
 
 std::string PointList::Bytes() const {
@@ -124,12 +172,9 @@ std::string PointList::Bytes() const {
   for (const Row& row : m_rows) {
     if (row.isRemoved) continue;
     if (row.isPoint) {
-      const Point& point = row.point;
-      bytes += CsvLine({point.name, WriteExactly(point.northing, m_unit.decimals),
-                        WriteExactly(point.easting, m_unit.decimals),
-                        WriteExactly(point.elevation, m_unit.decimals), point.description});
+      AppendPoint(bytes, row.point);
     } else {
-      bytes += row.text.ToUtf8().c_str();
+      AppendUtf8(bytes, row.text);
     }
     bytes += m_hasCrLf ? "\r\n" : "\n";
   }
@@ -137,15 +182,68 @@ std::string PointList::Bytes() const {
   throw Failure({KTEXT("the points can't be written so that they are read back the same"), {}});
 }
 
+void PointList::AppendPoint(std::string& bytes, const Point& point) const {
+  bool isFirst = true;
+  auto other = point.others.begin();
+  const auto appendOther = [&] {
+    if (other != point.others.end()) AppendCsvField(bytes, *other++, isFirst);
+  };
+  for (const Column column : m_layout.columns) {
+    if (!isFirst) bytes += ',';
+    switch (column) {
+      case Column::Point:
+        AppendCsvField(bytes, point.name, isFirst);
+        break;
+      case Column::Easting:
+        AppendExactly(bytes, point.easting, Unit().decimals);
+        break;
+      case Column::Northing:
+        AppendExactly(bytes, point.northing, Unit().decimals);
+        break;
+      case Column::Elevation:
+        AppendExactly(bytes, point.elevation, Unit().decimals);
+        break;
+      case Column::Description:
+        AppendCsvField(bytes, point.description, isFirst);
+        break;
+      case Column::Other:
+        appendOther();
+        break;
+    }
+    isFirst = false;
+  }
+  while (other != point.others.end()) {
+    bytes += ',';
+    appendOther();
+  }
+}
+
+// As the file was read, whatever its heads say.
+LayoutWishes PointList::OwnWishes() const {
+  return {m_layout.columns, m_layout.unit, true, m_layout.unit};
+}
+
 // A description can look like the row of another separator, and then the reading takes that one.
 bool PointList::ReadsBack(const std::string& bytes) const {
-  std::vector<Row> kept;
-  std::copy_if(m_rows.begin(), m_rows.end(), std::back_inserter(kept),
-               [](const Row& row) { return !row.isRemoved; });
-  const PointFile file = ReadPoints(bytes, m_unit);
-  const std::vector<Row> read = RowsOf(file);
-  return file.faults.empty() &&
-         std::equal(read.begin(), read.end(), kept.begin(), kept.end(), AreEqual);
+  const auto source = BytesOf(bytes);
+  TextSource text(*source);
+  PointScan scan(text, OwnWishes());
+  std::size_t row = 0;
+  const auto skipRemoved = [&] {
+    while (row < m_rows.size() && m_rows[row].isRemoved) ++row;
+  };
+  for (skipRemoved(); const auto kind = scan.Next(); skipRemoved()) {
+    if (*kind == LineKind::Fault || row == m_rows.size()) return false;
+    Row read;
+    read.isPoint = *kind == LineKind::Point;
+    if (read.isPoint) {
+      read.point = ToPoint(scan);
+    } else {
+      read.text = Decode(scan.Line(), true);
+    }
+    if (!AreEqual(read, m_rows[row++])) return false;
+  }
+  return row == m_rows.size();
 }
 
 bool PointList::AreEqual(const Row& a, const Row& b) {
@@ -154,11 +252,15 @@ bool PointList::AreEqual(const Row& a, const Row& b) {
   if (a.isPoint != b.isPoint || a.isRemoved != b.isRemoved) return false;
   if (!a.isPoint) return a.text == b.text;
   return p.name == q.name && p.northing == q.northing && p.easting == q.easting &&
-         p.elevation == q.elevation && p.description == q.description;
+         p.elevation == q.elevation && p.description == q.description && p.others == q.others;
 }
 
 bool PointList::IsChanged() const {
-  return !std::equal(m_rows.begin(), m_rows.end(), m_saved.begin(), m_saved.end(), AreEqual);
+  return std::any_of(m_unsaved.begin(), m_unsaved.end(), [this](const auto& entry) {
+    const Row& now = m_rows[entry.first];
+    const bool wasAndIsGone = entry.second.isRemoved && now.isRemoved;
+    return !wasAndIsGone && !AreEqual(entry.second, now);
+  });
 }
 
 }  // namespace fieldbook

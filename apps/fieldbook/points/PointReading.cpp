@@ -14,39 +14,43 @@
 namespace fieldbook {
 namespace {
 
-constexpr double kBytesShare = 0.2;      // of the work on a file; the rows are the rest
 constexpr unsigned long kGlance = 50;    // ms between two looks at the readers
 constexpr std::size_t kMostReaders = 8;  // also where the processors are more
+
+bool IsInput(const Argument& file) {
+  return file.text == WString(KTEXT("-"));
+}
 
 // The files and what becomes of them. Each reader takes the next that nobody has taken.
 class Work {
  public:
-  Work(const std::vector<Argument>& files, const LengthUnit& unit, Progress& progress)
-      : m_unit(unit), m_progress(progress), m_fractions(files.size()) {
-    for (const Argument& file : files) m_files.push_back({file, {}, {}});
-  }
+  Work(const std::vector<Argument>& files, const FileWork& work, Progress& progress)
+      : m_files(files),
+        m_work(work),
+        m_progress(progress),
+        m_failures(files.size()),
+        m_fractions(files.size()) {}
 
   // Standard input can keep its reader waiting for ever. It is read by the main thread, where
   // Ctrl-C breaks the wait.
   void ReadInput() {
-    for (ReadFile& file : m_files) {
-      if (IsInput(file)) ReadInput(file);
+    for (std::size_t at = 0; at < m_files.size(); ++at) {
+      if (IsInput(m_files[at])) ReadInput(at);
     }
   }
 
-  void ReadRest() {
+  void DoRest() {
     for (;;) {
       const std::size_t at = m_next++;
       if (at >= m_files.size()) return;
       try {
-        Read(at);
+        Do(at);
+      } catch (const LayoutFailure& failure) {
+        m_failures[at] = InFile(m_files[at], failure.GetMsg());
       } catch (const Failure& failure) {
-        m_files[at].failure = failure.GetMsg();
+        m_failures[at] = failure.GetMsg();
       } catch (const std::bad_alloc&) {
-        m_files[at].failure = Message{KTEXT("{1}: {2}"),
-                                      {Shown(m_files[at].source.text),
-                                       kelp::Xlate(KTEXT("there isn't enough memory"))}}
-                                  .Text();
+        m_failures[at] = InFile(m_files[at], kelp::Xlate(KTEXT("there isn't enough memory")));
       }
     }
   }
@@ -55,39 +59,34 @@ class Work {
     return std::accumulate(m_fractions.begin(), m_fractions.end(), 0.0) /
            static_cast<double>(m_fractions.size());
   }
-  std::vector<ReadFile> Take() { return std::move(m_files); }
+  std::vector<WString> TakeFailures() { return std::move(m_failures); }
 
  private:
-  static bool IsInput(const ReadFile& file) { return file.source.text == WString(KTEXT("-")); }
-
-  void ReadInput(ReadFile& file) {
+  void ReadInput(std::size_t at) {
     try {
-      m_input = ReadAll(file.source, [this](double) { m_progress.RequireGoingOn(); });
+      m_input = ReadAll(m_files[at], [this](double) { m_progress.RequireGoingOn(); });
     } catch (const Failure& failure) {
       m_progress.RequireGoingOn();
-      file.failure = failure.GetMsg();
+      m_failures[at] = failure.GetMsg();
     }
     m_progress.RequireGoingOn();
   }
 
-  void Read(std::size_t at) {
-    ReadFile& file = m_files[at];
-    if (!file.failure.empty()) return;
-    const auto watch = [this, at](double begin, double share) {
-      return [this, at, begin, share](double fraction) {
-        m_fractions[at] = begin + share * fraction;
-        if (m_progress.IsAborted()) throw Failure(Stopped());
-      };
+  void Do(std::size_t at) {
+    if (!m_failures[at].empty()) return;
+    const Watch watch = [this, at](double fraction) {
+      m_fractions[at] = fraction;
+      if (m_progress.IsAborted()) throw Failure(Stopped());
     };
-    const std::string bytes =
-        IsInput(file) ? std::move(m_input) : ReadAll(file.source, watch(0, kBytesShare));
-    file.points = ReadPoints(bytes, m_unit, watch(kBytesShare, 1 - kBytesShare));
+    const auto bytes = IsInput(m_files[at]) ? BytesOf(m_input) : OpenBytes(m_files[at]);
+    m_work(at, *bytes, watch);
     m_fractions[at] = 1;
   }
 
-  const LengthUnit& m_unit;
+  const std::vector<Argument>& m_files;
+  const FileWork& m_work;
   Progress& m_progress;
-  std::vector<ReadFile> m_files;
+  std::vector<WString> m_failures;
   std::string m_input;  // of standard input
   std::vector<std::atomic<double>> m_fractions;
   std::atomic<std::size_t> m_next{0};
@@ -98,7 +97,7 @@ class Reader : public kelp::CThreadFactory::ITask {
  public:
   explicit Reader(Work& work) : m_work(work) {
     // Without a thread for it the work is done at once.
-    if (!m_pool->CreateThreadForTask(this, false, &m_run)) m_work.ReadRest();
+    if (!m_pool->CreateThreadForTask(this, false, &m_run)) m_work.DoRest();
   }
   ~Reader() override {
     if (m_run == nullptr) return;
@@ -109,7 +108,7 @@ class Reader : public kelp::CThreadFactory::ITask {
   Reader& operator=(const Reader&) = delete;
 
   unsigned long Run() override {
-    m_work.ReadRest();
+    m_work.DoRest();
     return 0;
   }
 
@@ -136,10 +135,10 @@ std::size_t CountReaders(std::size_t files) {
 
 }  // namespace
 
-std::vector<ReadFile> ReadPointFiles(const std::vector<Argument>& files, const LengthUnit& unit,
-                                     Progress& progress) {
+std::vector<WString> ForEachFile(const std::vector<Argument>& files, const FileWork& fileWork,
+                                 Progress& progress) {
   progress.Set(0);
-  Work work(files, unit, progress);
+  Work work(files, fileWork, progress);
   work.ReadInput();
   std::list<Reader> readers;  // whatever happens, they end before the work goes
   for (std::size_t count = CountReaders(files.size()); count > 0; --count) {
@@ -150,7 +149,27 @@ std::vector<ReadFile> ReadPointFiles(const std::vector<Argument>& files, const L
   }
   progress.Set(1);
   readers.clear();
-  return work.Take();
+  return work.TakeFailures();
+}
+
+void WithFile(const Argument& file, const std::function<void(ByteSource&, const Watch&)>& work,
+              Progress& progress) {
+  const FileWork onFile = [&work](std::size_t, ByteSource& bytes, const Watch& watch) {
+    work(bytes, watch);
+  };
+  const WString failure = ForEachFile({file}, onFile, progress).front();
+  if (!failure.empty()) throw Failure(failure);
+}
+
+WString InFile(const Argument& file, const WString& what) {
+  return Message{KTEXT("{1}: {2}"), {Shown(file.text), what}}.Text();
+}
+
+void RequirePoints(const Argument& file, std::size_t points, const FaultList& faults) {
+  if (points > 0 || faults.IsEmpty()) return;
+  const RowFault first = faults.Told().front();
+  throw Failure({KTEXT("{1}: this isn't a points file: line {2}: {3}"),
+                 {Shown(file.text), WString::ValueOf(first.line), first.message.Text()}});
 }
 
 }  // namespace fieldbook

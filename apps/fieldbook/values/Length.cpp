@@ -89,10 +89,18 @@ Reading ReadLength(const WString& text, const LengthUnit& unit, DecimalMark mark
 }
 
 WString WriteLength(double value, const LengthUnit& from, const LengthStyle& style) {
+  std::string bytes;
+  AppendLength(bytes, value, from, style);
+  return Decode(bytes, true);
+}
+
+void AppendLength(std::string& bytes, double value, const LengthUnit& from,
+                  const LengthStyle& style) {
+  if (value > kelp::kNotSetThreshold) return;
   const double length = ConvertDist(value, from.unit, style.unit->unit);
-  if (!style.unit->inches) return WriteNumber(length, style.decimals);
+  if (!style.unit->inches) return AppendNumber(bytes, length, style.decimals);
   const bool isZero = IsZero(FeetToTFeetInch(length, style.fraction));
-  return FeetToFeetInch(isZero && length < 0 ? 0.0 : length, style.fraction);
+  AppendUtf8(bytes, FeetToFeetInch(isZero && length < 0 ? 0.0 : length, style.fraction));
 }
 
 }  // namespace fieldbook

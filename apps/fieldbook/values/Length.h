@@ -2,6 +2,8 @@
 // read and written in one.
 #pragma once
 
+#include <string>
+
 #include "fieldbook/values/Number.h"
 #include "kelp0lang/MeasUnit.h"
 
@@ -54,5 +56,8 @@ struct LengthStyle {
 
 // A length that is reckoned in one unit, shown in another; no text for a value that isn't set.
 WString WriteLength(double value, const LengthUnit& from, const LengthStyle& style);
+// The same in UTF-8.
+void AppendLength(std::string& bytes, double value, const LengthUnit& from,
+                  const LengthStyle& style);
 
 }  // namespace fieldbook

@@ -1,11 +1,11 @@
 #include "fieldbook/values/Number.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <iterator>
 
 #include "fieldbook/values/Scanner.h"
-#include "kelp0lang/LegacyNumber.h"
 #include "kelp0lang/LocaleFree.h"
 
 namespace fieldbook {
@@ -43,21 +43,39 @@ Reading ReadNumber(const WString& text, DecimalMark mark) {
 }
 
 WString WriteExactly(double value, int leastDecimals) {
-  if (value > kelp::kNotSetThreshold) return WString();
-  char digits[400];  // the smallest double has 324 decimals
-  const auto written =
-      std::to_chars(std::begin(digits), std::end(digits), value, std::chars_format::fixed);
-  std::string text(digits, written.ptr);
-  if (text.find('.') == std::string::npos) text += '.';
-  const std::size_t least = text.find('.') + 1 + static_cast<std::size_t>(leastDecimals);
-  if (text.size() < least) text.append(least - text.size(), '0');
+  std::string text;
+  AppendExactly(text, value, leastDecimals);
   return Decode(text, true);
 }
 
+void AppendExactly(std::string& bytes, double value, int leastDecimals) {
+  if (value > kelp::kNotSetThreshold) return;
+  char digits[400];  // the smallest double has 324 decimals
+  const auto written =
+      std::to_chars(std::begin(digits), std::end(digits), value, std::chars_format::fixed);
+  const char* const point = std::find(std::begin(digits), written.ptr, '.');
+  bytes.append(digits, written.ptr);
+  if (point == written.ptr) bytes += '.';
+  const auto decimals = std::max<std::ptrdiff_t>(written.ptr - point - 1, 0);
+  if (decimals < leastDecimals)
+    bytes.append(static_cast<std::size_t>(leastDecimals - decimals), '0');
+}
+
 WString WriteNumber(double value, int decimals) {
-  const WString text = StringDaDouble(value, 0, decimals);
-  const bool isZero = ViewOf(text).find_first_of(KTEXT("123456789")) == WideView::npos;
-  return isZero ? text.TrimLeft(KTEXT('-')) : text;
+  std::string bytes;
+  AppendNumber(bytes, value, decimals);
+  return Decode(bytes, true);
+}
+
+void AppendNumber(std::string& bytes, double value, int decimals) {
+  if (value > kelp::kNotSetThreshold) return;
+  char digits[350];  // the greatest double has 309 of them before the point
+  const auto written = std::to_chars(std::begin(digits), std::end(digits), value,
+                                     std::chars_format::fixed, decimals);
+  std::string_view text(digits, static_cast<std::size_t>(written.ptr - digits));
+  const bool isZero = text.find_first_of("123456789") == text.npos;
+  if (isZero && text.starts_with('-')) text.remove_prefix(1);
+  bytes += text;
 }
 
 }  // namespace fieldbook

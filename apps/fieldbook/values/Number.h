@@ -20,10 +20,12 @@ Reading ReadNumber(const WString& text, DecimalMark mark);
 
 // As many decimals as it takes to read the same value back, and no fewer than asked for.
 WString WriteExactly(double value, int leastDecimals);
+void AppendExactly(std::string& bytes, double value, int leastDecimals);
 
 // With decimals, and without the sign of a value that is shown as zero; no text for a value that
 // isn't set.
 WString WriteNumber(double value, int decimals);
+void AppendNumber(std::string& bytes, double value, int decimals);
 
 Message NotANumber();
 Message OutOfRange();

@@ -109,6 +109,11 @@ WString ToWString(WideView text) {
   return result;
 }
 
+void AppendUtf8(std::string& bytes, const WString& text) {
+  const kelp::String utf8 = text.ToUtf8();
+  bytes.append(utf8.c_str(), utf8.length());
+}
+
 WString Message::Text() const {
   const WString text = Filled(kelp::Xlate(source), values);
   return text.empty() ? Filled(source, values) : text;
@@ -120,12 +125,22 @@ std::string_view WithoutMark(std::string_view bytes) {
 }
 
 bool IsUtf8(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const std::size_t length = SequenceLength(bytes);
-    if (length == 0) return false;
-    bytes.remove_prefix(length);
+  return WholeUtf8(bytes) == bytes.size();
+}
+
+std::size_t WholeUtf8(std::string_view bytes) {
+  std::size_t at = 0;
+  for (;;) {
+    // Eight ASCII bytes at a time.
+    for (std::uint64_t word; bytes.size() - at >= sizeof word; at += sizeof word) {
+      std::memcpy(&word, bytes.data() + at, sizeof word);
+      if ((word & 0x8080808080808080) != 0) break;
+    }
+    if (at == bytes.size()) return at;
+    const std::size_t length = SequenceLength(bytes.substr(at));
+    if (length == 0) return at;
+    at += length;
   }
-  return true;
 }
 
 WString Decode(std::string_view bytes, bool utf8) {

@@ -18,6 +18,7 @@ inline WideView ViewOf(const WString& text) {
   return {text.c_str(), text.length()};
 }
 WString ToWString(WideView text);
+void AppendUtf8(std::string& bytes, const WString& text);
 
 // A sentence of the program with the values that stand in it. It is translated when it is shown, so
 // that one made before the language is loaded is shown in it too.
@@ -42,6 +43,8 @@ inline constexpr std::size_t kLongestLine = 1 << 20;
 std::string_view WithoutMark(std::string_view bytes);
 // Whether the bytes are UTF-8 through and through: no stray bytes, overlong forms or surrogates.
 bool IsUtf8(std::string_view bytes);
+// How many bytes at the front are.
+std::size_t WholeUtf8(std::string_view bytes);
 // UTF-8 or Latin-1 into UTF-16. Zero bytes become replacement characters, since a zero ends a text
 // for the library's searches.
 WString Decode(std::string_view bytes, bool utf8);
