@@ -15,8 +15,8 @@ namespace {
 constexpr unsigned kEverywhere = Bit(Option::Data) | Bit(Option::Lang) | Bit(Option::Help) |
                                  Bit(Option::Version) | Bit(Option::Verbose);
 constexpr unsigned kFileOptions = Bit(Option::From) | Bit(Option::Columns) | Bit(Option::Progress);
-constexpr unsigned kLengthOptions =
-    kFileOptions | Bit(Option::To) | Bit(Option::Decimals) | Bit(Option::Denominator);
+constexpr unsigned kLengthOptions = kFileOptions | Bit(Option::To) | Bit(Option::Decimals) |
+                                    Bit(Option::Denominator) | Bit(Option::Reduced);
 
 const Command kCommands[] = {
     {KTEXT("show"), ShowCommand, kShowHelp,
@@ -28,6 +28,7 @@ const Command kCommands[] = {
     {KTEXT("inverse"), InverseCommand, kInverseHelp, kEverywhere | kLengthOptions},
     {KTEXT("polar"), PolarCommand, kPolarHelp, kEverywhere | kLengthOptions | Bit(Option::Csv)},
     {KTEXT("area"), AreaCommand, kAreaHelp, kEverywhere | kLengthOptions},
+    {KTEXT("plot"), PlotCommand, kPlotHelp, kEverywhere | kFileOptions | Bit(Option::Output)},
     {KTEXT("units"), UnitsCommand, kUnitsHelp, kEverywhere},
     {KTEXT("edit"), EditCommand, kEditHelp, kEverywhere | kFileOptions | Bit(Option::NoBackup)},
 };
@@ -44,6 +45,7 @@ const WChar* const kGeneralHelp = KTEXT(
     "  fieldbook polar FILE FROM DIRECTION DISTANCE\n"
     "                                  the point that lies there\n"
     "  fieldbook area FILE P1 P2 P3... the area within points\n"
+    "  fieldbook plot FILE -o MAP.svg  the points as a drawing\n"
     "  fieldbook units                 the settings of units\n"
     "  fieldbook units set KEY VALUE   changes one, for good\n"
     "  fieldbook edit FILE             changes a file by commands, with undo\n"

@@ -40,9 +40,11 @@ TEST(Program, ShowConvertsBetweenAllUnits) {
       {"us-ft-in", "\"3280'10\"\"0/64\""},
   };
   for (const auto& [unit, northing] : cases) {
-    const ProgramResult there =
-        RunFieldbook({"show", "-", "--csv", "--to", unit, "--decimals", "6", "--denominator", "64"},
-                     "P,1000,0,0,x");
+    std::vector<std::string> options = {"show", "-", "--csv", "--to", unit};
+    const bool isInches = std::string(unit).ends_with("-in");
+    options.insert(options.end(),
+                   {isInches ? "--denominator" : "--decimals", isInches ? "64" : "6"});
+    const ProgramResult there = RunFieldbook(options, "P,1000,0,0,x");
     EXPECT_NE(there.out.find(std::string("\nP,") + northing + ","), std::string::npos) << there.out;
     // The output with its heads is a points file again.
     const ProgramResult back =
@@ -67,7 +69,7 @@ TEST(Program, RowsThatCannotBeReadAreReportedAndTheOthersShown) {
 
 TEST(Program, WhatCannotBeDoneIsOneClearLine) {
   const std::string hint =
-      "\nTry: fieldbook( show| angle| inverse| polar| area| units| edit)? --help\n";
+      "\nTry: fieldbook( show| angle| inverse| polar| area| plot| units| edit)? --help\n";
   const std::pair<std::vector<std::string>, std::string> cases[] = {
       {{"show", "none.csv"}, "fieldbook: none.csv: there is no such file\n"},
       {{"edit", "none.csv"}, "fieldbook: none.csv: there is no such file\n"},
@@ -77,17 +79,26 @@ TEST(Program, WhatCannotBeDoneIsOneClearLine) {
       {{"inverse", kPoints, "T1", "nowhere"}, "fieldbook: .*: there is no point \"nowhere\"\n"},
       {{"--lang", kPoints, "--version"}, "fieldbook: --lang: .*points\\.csv.*\n"},
       {{},
-       "fieldbook: a command is missing: one of show, angle, inverse, polar, area, units, edit$"},
+       "fieldbook: a command is missing: one of show, angle, inverse, polar, area, plot, units, "
+       "edit$"},
       {{"list"},
-       "fieldbook: there is no command \"list\", only show, angle, inverse, polar, area, units, "
+       "fieldbook: there is no command \"list\", only show, angle, inverse, polar, area, plot, "
+       "units, "
        "edit$"},
       {{"show"}, "fieldbook: show takes at least one FILE$"},
       {{"show", "-", "a", "-"}, "fieldbook: standard input can be one FILE only$"},
       {{"show", "a", "--lat"}, "fieldbook: show takes no --lat$"},
       {{"show", "a", "--to", "yd"},
        "fieldbook: --to: \"yd\" isn't one of m, ft, us-ft, ft-in, us-ft-in, ch, us-ch$"},
-      {{"show", "a", "--denominator", "3"},
+      {{"show", "a", "--to", "ft-in", "--denominator", "3"},
        "fieldbook: --denominator: \"3\" isn't one of 4, 8, 16, 32, 64$"},
+      {{"show", "a", "--denominator", "8"},
+       "fieldbook: --denominator acts on feet and inches alone, and the lengths are in m$"},
+      {{"show", "a", "--reduced"},
+       "fieldbook: --reduced acts on feet and inches alone, and the lengths are in m$"},
+      {{"show", "a", "--to", "ft-in", "--decimals", "2"},
+       "fieldbook: --decimals doesn't act on feet and inches; --denominator does$"},
+      {{"plot", "a"}, "fieldbook: plot takes one FILE, and -o with the drawing$"},
       {{"show", "a", "--decimals", "-1"},
        "fieldbook: --decimals: \"-1\" isn't a whole number from 0 to 9$"},
       {{"angle", "1", "--from", "deg"},
@@ -186,6 +197,35 @@ TEST(Program, PolarAndAreaReckonOnThePoints) {
             "fieldbook: the boundary crosses itself: A to C meets B to D\n");
 }
 
+TEST(Program, FeetAndInchesCanBeReduced) {
+  EXPECT_EQ(RunFieldbook({"show", "-", "--from", "ft", "--to", "ft-in", "--reduced", "--csv"},
+                         "A,12.5416666667,-0.5,3\nB,-0.01,0,\n")
+                .out,
+            "Point,Easting (ft-in),Northing (ft-in),Elevation (ft-in),Description\n"
+            "A,\"12'6 1/2\"\"\",\"-0'6\"\"\",\"3'0\"\"\",\n"
+            "B,\"-0'0 1/8\"\"\",\"0'0\"\"\",,\n");
+}
+
+TEST(Program, PlotDrawsPointsLinesAndScale) {
+  const DataFolder folder;
+  const std::string map = folder.PathOf("map.svg").string();
+  const ProgramResult result =
+      RunFieldbook({"plot", "-", "-o", map},
+                   "A<1>,0,0,,fence\nB,100,0,,fence\nC,100,50,,tree\nD,0,50,,\nE,1,1,,\n");
+  EXPECT_EQ(result.status, 0) << result.err;
+  const std::string svg = folder.Read("map.svg");
+  for (const char* piece : {"viewBox=\"0 0 1160.00 660.00\"", "<circle cx=\"80.00\" cy=\"580.00\"",
+                            ">A&lt;1&gt;</text>",
+                            "<polyline points=\"80.00,580.00 1080.00,580.00\"><title>fence</title>",
+                            "H280.00 v-6", ">20 m</text>"}) {
+    EXPECT_NE(svg.find(piece), std::string::npos) << piece << svg;
+  }
+  EXPECT_EQ(svg.find("polyline"), svg.rfind("<polyline") + 1) << "one line alone";
+  EXPECT_EQ(RunFieldbook({"plot", "-", "-o", map}, "A,5,5\n").status, 0);
+  EXPECT_EQ(RunFieldbook({"plot", "-", "-o", map}, "").err, "fieldbook: -: there are no points\n");
+  EXPECT_NE(folder.Read("map.svg").find(">A</text>"), std::string::npos) << "the drawing stays";
+}
+
 TEST(Program, ShowPicksAndSortsPoints) {
   const std::string file = "P10,1,9,3,x\nP2,2,8,1,y\nQ1,3,7,,x\np1,4,6,2,x10\n";
   const auto names = [&file](std::vector<std::string> options) {
@@ -236,7 +276,8 @@ TEST(Program, SpeaksItalian) {
   EXPECT_EQ(RunFieldbook({"--lang", "it", "help", "area"}).out.find("Uso: fieldbook area"), 0u);
   EXPECT_EQ(RunFieldbook({"--nope", "--lang", kItalian}).err,
             "fieldbook: l'opzione --nope non esiste\nVedi: fieldbook --help\n");
-  for (const char* command : {"show", "angle", "inverse", "polar", "area", "units", "edit"}) {
+  for (const char* command :
+       {"show", "angle", "inverse", "polar", "area", "plot", "units", "edit"}) {
     const std::string help = RunFieldbook({command, "--help", "--lang", kItalian}).out;
     EXPECT_EQ(help.find(std::string("Uso: fieldbook ") + command), 0u) << help;
   }
@@ -248,7 +289,8 @@ TEST(Program, HelpAndVersionAreOnStandardOutput) {
   EXPECT_EQ(general.status, 0);
   EXPECT_EQ(RunFieldbook({"help"}).out, general.out);
   EXPECT_EQ(RunFieldbook({"-v"}).out, RunFieldbook({"--version"}).out);
-  for (const char* command : {"show", "angle", "inverse", "polar", "area", "units", "edit"}) {
+  for (const char* command :
+       {"show", "angle", "inverse", "polar", "area", "plot", "units", "edit"}) {
     const ProgramResult help = RunFieldbook({"-h", command});
     EXPECT_EQ(help.out.find(std::string("Usage: fieldbook ") + command), 0u) << help.out;
     EXPECT_EQ(help.status, 0);

@@ -43,15 +43,28 @@ LayoutWishes ChooseLayout(const CommandLine& line, const CMeasUnitSystem& settin
 
 LengthStyle ChooseLengthStyle(const CommandLine& line) {
   const LengthUnit& unit = Choose(line, Option::To, kLengthUnits, kLengthUnits[0]);
-  return {&unit, ChooseDecimals(line, unit.decimals),
-          ChooseFraction(line, enumInchDecPrec::Sixteenths)};
+  return StyleIn(unit, line, unit.decimals, enumInchDecPrec::Sixteenths);
+}
+
+LengthStyle StyleIn(const LengthUnit& unit, const CommandLine& line, int decimals,
+                    enumInchDecPrec fraction) {
+  for (const Option option : {Option::Denominator, Option::Reduced}) {
+    if (unit.inches || !line.Has(option)) continue;
+    throw UsageFailure({KTEXT("{1} acts on feet and inches alone, and the lengths are in {2}"),
+                        {NameOf(option), unit.name}});
+  }
+  if (unit.inches && line.Has(Option::Decimals)) {
+    throw UsageFailure({KTEXT("{1} doesn't act on feet and inches; {2} does"),
+                        {NameOf(Option::Decimals), NameOf(Option::Denominator)}});
+  }
+  return {&unit, ChooseDecimals(line, decimals), ChooseFraction(line, fraction),
+          line.Has(Option::Reduced)};
 }
 
 LengthStyle ChooseDistanceStyle(const CMeasUnitSystem& settings, const CommandLine& line) {
   if (line.Has(Option::To)) return ChooseLengthStyle(line);
-  return {&kLengthUnits[static_cast<int>(settings.GetDistUnits())],
-          ChooseDecimals(line, settings.GetNumDistDec()),
-          ChooseFraction(line, settings.GetDistInchDecPrec())};
+  return StyleIn(kLengthUnits[static_cast<int>(settings.GetDistUnits())], line,
+                 settings.GetNumDistDec(), settings.GetDistInchDecPrec());
 }
 
 void ComplainOfRows(const FaultList& faults, const Argument& file, Console& console) {

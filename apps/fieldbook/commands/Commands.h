@@ -31,6 +31,7 @@ Status AngleCommand(const CommandLine& line, Console& console);
 Status InverseCommand(const CommandLine& line, Console& console);
 Status PolarCommand(const CommandLine& line, Console& console);
 Status AreaCommand(const CommandLine& line, Console& console);
+Status PlotCommand(const CommandLine& line, Console& console);
 
 Status UnitsCommand(const CommandLine& line, Console& console);
 Status EditCommand(const CommandLine& line, Console& console);
@@ -40,6 +41,7 @@ extern const WChar* const kAngleHelp;
 extern const WChar* const kInverseHelp;
 extern const WChar* const kPolarHelp;
 extern const WChar* const kAreaHelp;
+extern const WChar* const kPlotHelp;
 
 extern const WChar* const kUnitsHelp;
 extern const WChar* const kEditHelp;
@@ -89,6 +91,10 @@ int ReadDecimals(const WChar* name, const WString& text);
 // How many decimals --decimals asks for, and which fraction --denominator.
 int ChooseDecimals(const CommandLine& line, int preset);
 enumInchDecPrec ChooseFraction(const CommandLine& line, enumInchDecPrec preset);
+// A style by --decimals, --denominator and --reduced. Throws UsageFailure where one of these can't
+// act on the unit.
+LengthStyle StyleIn(const LengthUnit& unit, const CommandLine& line, int decimals,
+                    enumInchDecPrec fraction);
 // How points files are laid out where their heads don't say it: by --columns and --from, else by
 // the settings.
 LayoutWishes ChooseLayout(const CommandLine& line, const CMeasUnitSystem& settings);

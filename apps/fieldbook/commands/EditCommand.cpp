@@ -143,9 +143,10 @@ class EditSession {
         m_file(line.Operands()[0]),
         m_keepsBackup(!line.Has(Option::NoBackup)),
         m_bytes(ReadAll(m_file)),
-        m_list(&m_manager, m_bytes, ChooseLayout(line, OpenSettings(line, console)),
+        m_settings(OpenSettings(line, console)),
+        m_list(&m_manager, m_bytes, ChooseLayout(line, m_settings),
                ReadingBar(line, console).GetWatch()),
-        m_style(StyleInUnit(ChoosePointStyle(OpenSettings(line, console), line), m_list.Unit())),
+        m_style(StyleInUnit(ChoosePointStyle(m_settings, line), m_list.Unit())),
         m_reporter(m_list, m_style, console) {}
 
   Status Run();
@@ -201,6 +202,7 @@ class EditSession {
   std::string m_bytes;              // of the file, as it was read or written last
   std::vector<fs::path> m_written;  // other files that this run has made
   kelp::CChangeTransactionManager m_manager;
+  const CMeasUnitSystem& m_settings;
   PointList m_list;
   const PointStyle m_style;
   EditReporter m_reporter;

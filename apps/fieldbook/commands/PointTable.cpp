@@ -14,10 +14,8 @@ PointStyle ChoosePointStyle(const CMeasUnitSystem& settings, const CommandLine& 
     return style;
   }
   const LengthUnit& unit = kLengthUnits[static_cast<int>(settings.GetDistUnits())];
-  style.plane = {&unit, ChooseDecimals(line, settings.GetNumCoordDec()),
-                 ChooseFraction(line, settings.GetCoordInchDecPrec())};
-  style.height = {&unit, ChooseDecimals(line, settings.GetNumQuoteDec()),
-                  ChooseFraction(line, settings.GetQuoteInchDecPrec())};
+  style.plane = StyleIn(unit, line, settings.GetNumCoordDec(), settings.GetCoordInchDecPrec());
+  style.height = StyleIn(unit, line, settings.GetNumQuoteDec(), settings.GetQuoteInchDecPrec());
   return style;
 }
 

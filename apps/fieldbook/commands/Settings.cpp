@@ -131,6 +131,30 @@ WString ReplaceUnknown(CMeasUnitSystem& settings) {
   return unknown;
 }
 
+// What is wrong with the settings file as a whole. One that isn't there is none.
+Message DamageOfFile() {
+  const WString shown =
+      SystemPath(kelp::GetProgramDataSupportFolderPath(KTEXT("config_measunit.dat")));
+  Argument file;
+  file.text = shown;
+  file.path = std::filesystem::path(shown.c_str());
+  std::error_code error;
+  if (std::filesystem::status(file.path, error).type() == std::filesystem::file_type::not_found) {
+    return {};
+  }
+  std::string bytes;
+  try {
+    bytes = ReadAll(file);
+  } catch (const Failure& failure) {
+    return {KTEXT("{1}; the defaults stand for all settings"), {failure.GetMsg()}};
+  }
+  constexpr std::size_t kSize = 135;
+  constexpr std::string_view kHeader("\x3A\0\1\0\0", 5);
+  if (bytes.size() == kSize && bytes.starts_with(kHeader)) return {};
+  return {KTEXT("{1} isn't a whole settings file; the defaults stand for all settings"),
+          {Shown(shown)}};
+}
+
 }  // namespace
 
 const std::vector<Setting>& AllSettings() {
@@ -237,6 +261,11 @@ WString SettingText(const Setting& setting, const CMeasUnitSystem& system) {
 CMeasUnitSystem& OpenSettings(const CommandLine& line, Console& console) {
   SetUpFolder(line);
   CMeasUnitSystem& settings = *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
+  if (const Message damage = DamageOfFile()) {
+    settings.CopyFrom(CMeasUnitSystem(), false);
+    settings.ResetNotify();
+    console.Complain(damage.Text());
+  }
   const WString unknown = ReplaceUnknown(settings);
   if (!unknown.empty()) {
     console.Complain(Message{

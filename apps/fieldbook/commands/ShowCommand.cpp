@@ -14,7 +14,8 @@ namespace fieldbook {
 
 const WChar* const kShowHelp = KTEXT(
     "Usage: fieldbook show FILE... [--from UNIT] [--columns P,E,N,Z,D] [--to UNIT]\n"
-    "                      [--decimals N] [--denominator N] [--csv] [--points NAMES]\n"
+    "                      [--decimals N] [--denominator N] [--reduced] [--csv]\n"
+    "                      [--points NAMES]\n"
     "                      [--sort KEY] [--within E1,N1,E2,N2] [--limit N]\n"
     "                      [--progress] [--verbose]\n"
     "\n"
@@ -31,6 +32,7 @@ const WChar* const kShowHelp = KTEXT(
     "  --to UNIT        unit to show them in, instead of that of the settings\n"
     "  --decimals N     decimals, 0 to 9 (with --to 3; of chains 5)\n"
     "  --denominator N  of fractions of an inch: 4, 8, 16, 32 or 64 (with --to 16)\n"
+    "  --reduced        feet and inches as 12'6 1/2\", not 12'6\"4/8\n"
     "  --csv            comma-separated values instead of a table: a points file\n"
     "                   again. Several files make one list\n"
     "  --points NAMES   these points alone; commas between the names\n"

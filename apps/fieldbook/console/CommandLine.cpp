@@ -19,11 +19,13 @@ constexpr OptionRule kOptions[] = {
     {Option::To, KTEXT("--to"), true},
     {Option::Decimals, KTEXT("--decimals"), true},
     {Option::Denominator, KTEXT("--denominator"), true},
+    {Option::Reduced, KTEXT("--reduced"), false},
     {Option::Csv, KTEXT("--csv"), false},
     {Option::Points, KTEXT("--points"), true},
     {Option::Sort, KTEXT("--sort"), true},
     {Option::Within, KTEXT("--within"), true},
     {Option::Limit, KTEXT("--limit"), true},
+    {Option::Output, KTEXT("--output"), true},
     {Option::NoBackup, KTEXT("--no-backup"), false},
     {Option::Lat, KTEXT("--lat"), false},
     {Option::Lon, KTEXT("--lon"), false},
@@ -35,8 +37,9 @@ constexpr OptionRule kOptions[] = {
     {Option::Version, KTEXT("--version"), false},
     {Option::Help, KTEXT("-h"), false},
     {Option::Version, KTEXT("-v"), false},
+    {Option::Output, KTEXT("-o"), true},
 };
-static_assert(std::size(kOptions) == kOptionCount + 2);
+static_assert(std::size(kOptions) == kOptionCount + 3);
 
 const OptionRule* FindOption(WideView name) {
   const auto* rule = std::find_if(std::begin(kOptions), std::end(kOptions),

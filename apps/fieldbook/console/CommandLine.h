@@ -28,11 +28,13 @@ enum class Option {
   To,
   Decimals,
   Denominator,
+  Reduced,
   Csv,
   Points,
   Sort,
   Within,
   Limit,
+  Output,
   NoBackup,
   Lat,
   Lon,
@@ -43,7 +45,7 @@ enum class Option {
   Help,
   Version
 };
-inline constexpr int kOptionCount = 19;
+inline constexpr int kOptionCount = 21;
 
 class CommandLine {
  public:

@@ -17,6 +17,7 @@
 #include <shellapi.h>
 #else
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 #endif
 
@@ -87,6 +88,25 @@ bool IsQuiet(int error) {
   return error == EPIPE || error == EBADF || error == EINVAL;
 }
 
+BOOL WINAPI TakeNoNotice(DWORD) {
+  return TRUE;
+}
+
+// While the object lives no Ctrl-C ends the program.
+class SignalsHeld {
+ public:
+  SignalsHeld() { SetConsoleCtrlHandler(TakeNoNotice, TRUE); }
+  ~SignalsHeld() { SetConsoleCtrlHandler(TakeNoNotice, FALSE); }
+  SignalsHeld(const SignalsHeld&) = delete;
+  SignalsHeld& operator=(const SignalsHeld&) = delete;
+};
+
+int StatusColumns() {
+  CONSOLE_SCREEN_BUFFER_INFO info;
+  if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &info)) return 0;
+  return info.srWindow.Right - info.srWindow.Left + 1;
+}
+
 #else
 
 void SetUpStreams() {}
@@ -127,6 +147,28 @@ void ReleaseInterrupts() {
 
 bool IsQuiet(int error) {
   return error == EPIPE || error == EBADF;
+}
+
+// While the object lives the signals that end a program wait.
+class SignalsHeld {
+ public:
+  SignalsHeld() {
+    sigset_t held;
+    sigemptyset(&held);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) sigaddset(&held, signal);
+    pthread_sigmask(SIG_BLOCK, &held, &m_former);
+  }
+  ~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &m_former, nullptr); }
+  SignalsHeld(const SignalsHeld&) = delete;
+  SignalsHeld& operator=(const SignalsHeld&) = delete;
+
+ private:
+  sigset_t m_former;
+};
+
+int StatusColumns() {
+  winsize size = {};
+  return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 #endif
@@ -329,8 +371,13 @@ void Console::Complain(const WString& text) {
   std::fwrite(utf8.c_str(), 1, utf8.length(), stderr);
 }
 
-void Console::PrintStatus(const WString& text) {
-  if (!m_isStatusTerminal) return Complain(text);
+// A line that reached the terminal's edge would go on in the next one, and stay there.
+void Console::PrintStatus(const WString& whole) {
+  if (!m_isStatusTerminal) return Complain(whole);
+  WString text = whole;
+  const int most = StatusColumns() - 1;
+  while (most > 0 && DisplayColumns(text) > most) text = text.Substring(0, text.Length() - 1);
+  m_statusColumns = most > 0 ? std::min(m_statusColumns, most) : m_statusColumns;
   const int columns = DisplayColumns(text);
   const auto rest = static_cast<std::size_t>(std::max(0, m_statusColumns - columns));
   m_statusColumns = columns;
@@ -415,6 +462,7 @@ void WriteAll(const Argument& file, const std::string& bytes) {
   const fs::file_status status = fs::status(target, error);
   if (fs::exists(status)) RequireReplaceable(file, status);
 
+  const SignalsHeld held;  // so that none leaves the new file beside the old one
   const fs::path written = NameBeside(target);
   WriteNew(file, written, status, bytes);
   fs::rename(written, target, error);

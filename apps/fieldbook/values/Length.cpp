@@ -1,6 +1,7 @@
 #include "fieldbook/values/Length.h"
 
 #include <cmath>
+#include <numeric>
 
 #include "fieldbook/values/Scanner.h"
 #include "kelp0lang/FeetInch.h"
@@ -74,6 +75,19 @@ bool IsZero(const TFeetInch& length) {
   return length.feet == 0 && length.inches == 0 && length.numerator == 0;
 }
 
+// 12'6 1/2", with the fraction in its lowest terms, and without one that is zero.
+void AppendReduced(std::string& bytes, const TFeetInch& length) {
+  if (length.negative && !IsZero(length)) bytes += '-';
+  bytes += std::to_string(length.feet) + '\'' + std::to_string(length.inches);
+  if (length.numerator != 0) {
+    const int denominator = ConvertInchDecPrec(length.precision);
+    const int divisor = std::gcd(length.numerator, denominator);
+    bytes += ' ' + std::to_string(length.numerator / divisor) + '/' +
+             std::to_string(denominator / divisor);
+  }
+  bytes += '"';
+}
+
 }  // namespace
 
 bool IsWithinReach(double value, const LengthUnit& unit) {
@@ -99,6 +113,7 @@ void AppendLength(std::string& bytes, double value, const LengthUnit& from,
   if (value > kelp::kNotSetThreshold) return;
   const double length = ConvertDist(value, from.unit, style.unit->unit);
   if (!style.unit->inches) return AppendNumber(bytes, length, style.decimals);
+  if (style.isReduced) return AppendReduced(bytes, FeetToTFeetInch(length, style.fraction));
   const bool isZero = IsZero(FeetToTFeetInch(length, style.fraction));
   AppendUtf8(bytes, FeetToFeetInch(isZero && length < 0 ? 0.0 : length, style.fraction));
 }

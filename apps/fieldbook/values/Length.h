@@ -52,6 +52,7 @@ struct LengthStyle {
   const LengthUnit* unit;
   int decimals;
   enumInchDecPrec fraction;  // of an inch, for feet and inches
+  bool isReduced = false;    // 12'6 1/2" in place of 12'6"4/8
 };
 
 // A length that is reckoned in one unit, shown in another; no text for a value that isn't set.
