@@ -54,12 +54,6 @@ void CopyPadded(C* target, const C* source, std::size_t count) {
 }
 
 // The C library's routines under one name for both widths.
-std::size_t TerminatedLength(const char* text) {
-  return std::strlen(text);
-}
-std::size_t TerminatedLength(const WChar* text) {
-  return wcslen(text);
-}
 int CompareWithoutCase(const char* a, const char* b) {
   return _stricmp(a, b);
 }

@@ -1,14 +1,16 @@
-// Searches within wide and narrow text; internal to the library.
+// Lengths of wide and narrow text and searches within; internal to the library.
 //
-// Both stay between the given ends: the wide ones go sixteen units at a time where the processor
+// The searches stay between the given ends: the wide ones go sixteen units at a time where the processor
 // has SSE2, as every 64-bit x86 does.
 #pragma once
+
+#include <tchar.h>
 
 #include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstring>
-#include <string>
+#include <cwchar>
 
 #include "kelptext/WideChar.h"
 
@@ -17,6 +19,14 @@
 #endif
 
 namespace kelp::detail {
+
+// Units before the terminator.
+inline std::size_t TerminatedLength(const char* text) {
+  return std::strlen(text);
+}
+inline std::size_t TerminatedLength(const WChar* text) {
+  return wcslen(text);
+}
 
 #ifdef __SSE2__
 
@@ -69,7 +79,7 @@ inline const char* FindText(const char* begin, const char*, const char* wanted) 
 }
 
 inline const WChar* FindText(const WChar* begin, const WChar* end, const WChar* wanted) {
-  const auto size = static_cast<std::ptrdiff_t>(std::char_traits<WChar>::length(wanted));
+  const auto size = static_cast<std::ptrdiff_t>(TerminatedLength(wanted));
   if (size == 0) return begin;
 #ifdef __SSE2__
   // Sixteen places at a time, those where the first and the last unit of wanted both fit: in

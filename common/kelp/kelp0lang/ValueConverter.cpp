@@ -4,12 +4,11 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstring>
-#include <cwchar>
 #include <type_traits>
 
 #include "kelp0lang/Exception.h"
 #include "kelp0lang/LocaleFree.h"
+#include "kelp0lang/TextScan.h"
 
 namespace kelp {
 
@@ -26,13 +25,6 @@ struct WorkArea {
   static constexpr std::size_t kInteger = kIsWide ? 72 : 80;
   static constexpr std::size_t kPointer = kIsWide ? 40 : 48;
 };
-
-int TerminatedLength(const char* text) {
-  return static_cast<int>(std::strlen(text));
-}
-int TerminatedLength(const WChar* text) {
-  return static_cast<int>(wcslen(text));
-}
 
 bool Has(const CIOState& state, CIOState::EFmtFlags flag) {
   return (state.GetFlags() & flag) != 0;
@@ -207,7 +199,7 @@ S BasicValueConverter<S, C>::ToString(CIOState& state, long double value) {
 template <class S, class C>
 S BasicValueConverter<S, C>::ToString(CIOState& state, const C* value) {
   S result;
-  CreateString(state, value, TerminatedLength(value), result);
+  CreateString(state, value, static_cast<int>(TerminatedLength(value)), result);
   return result;
 }
 
