@@ -217,11 +217,6 @@ bool IsBlank(C unit) {
   return unit == ' ' || (unit >= '\t' && unit <= '\r');
 }
 
-template <class C>
-bool IsDigit(C unit) {
-  return unit >= '0' && unit <= '9';
-}
-
 // The parts of a number in text; where there is no exponent, it is 0.
 template <class C>
 struct Scan {

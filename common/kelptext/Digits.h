@@ -14,6 +14,11 @@ inline constexpr auto kPowersOf10 = [] {
   return powers;
 }();
 
+template <class C>
+constexpr bool IsDigit(C unit) {
+  return unit >= '0' && unit <= '9';
+}
+
 // "00", "01" to "99".
 template <class C>
 inline constexpr auto kDigitPairs = [] {

@@ -19,6 +19,7 @@
 
 #include "kelptext/Characters.h"
 #include "kelptext/DecimalText.h"
+#include "kelptext/Digits.h"
 #include "kelptext/WideChar.h"
 
 namespace kelp::detail {
@@ -140,7 +141,7 @@ class FormatEngine {
       return true;
     }
     std::int64_t value = count;
-    for (; *format >= '0' && *format <= '9'; ++format) {
+    for (; IsDigit(*format); ++format) {
       value = value * 10 + (*format - '0');
       if (value > INT_MAX) return false;
     }

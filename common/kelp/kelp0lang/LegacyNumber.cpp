@@ -10,6 +10,7 @@
 #include "kelp0lang/LocaleFree.h"
 #include "kelp0lang/MeasUnit.h"
 #include "kelptext/DecimalText.h"
+#include "kelptext/Digits.h"
 
 using kelp::IsNotSet;
 using kelp::WString;
@@ -114,8 +115,7 @@ double DoubleDaStringSoloNum(const WString& text) {
     const WChar unit = text.GetChar(i);
     if (unit == KTEXT(',')) {
       *out++ = KTEXT('.');
-    } else if (unit == KTEXT('.') || unit == KTEXT('-') ||
-               (unit >= KTEXT('0') && unit <= KTEXT('9'))) {
+    } else if (unit == KTEXT('.') || unit == KTEXT('-') || kelp::detail::IsDigit(unit)) {
       *out++ = unit;
     }
   }

@@ -9,14 +9,12 @@
 #include <cwctype>
 
 #include "kelp0lang/LegacyNumber.h"
+#include "kelptext/Digits.h"
 
 using kelp::WString;
+using kelp::detail::IsDigit;
 
 namespace {
-
-bool IsDigit(WChar unit) {
-  return unit >= KTEXT('0') && unit <= KTEXT('9');
-}
 
 // Rewrites each unit in place.
 template <class Map>

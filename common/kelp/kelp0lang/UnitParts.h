@@ -112,15 +112,13 @@ struct DigitRuns {
     const WChar* const end = unit + text.Length();
     minus = unit != end && *unit == KTEXT('-');
     while (count < kMost) {
-      unit = std::find_if(unit, end, IsDigit);
+      unit = std::find_if(unit, end, IsDigit<WChar>);
       if (unit == end) return;
-      const WChar* const behind = std::find_if_not(unit, end, IsDigit);
+      const WChar* const behind = std::find_if_not(unit, end, IsDigit<WChar>);
       runs[count++] = {unit, static_cast<int>(behind - unit)};
       unit = behind;
     }
   }
-
-  static bool IsDigit(WChar unit) { return unit >= KTEXT('0') && unit <= KTEXT('9'); }
 
   DigitRun runs[kMost];
   int count = 0;

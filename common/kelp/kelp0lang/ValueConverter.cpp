@@ -9,6 +9,7 @@
 #include "kelp0lang/Exception.h"
 #include "kelp0lang/LocaleFree.h"
 #include "kelp0lang/TextScan.h"
+#include "kelptext/Digits.h"
 
 namespace kelp {
 
@@ -307,7 +308,7 @@ std::int32_t ReadInteger(const char* text) {
   const bool negative = *text == '-';
   if (negative || *text == '+') ++text;
   std::uint32_t value = 0;
-  for (; *text >= '0' && *text <= '9'; ++text) {
+  for (; detail::IsDigit(*text); ++text) {
     value = value * 10 + static_cast<std::uint32_t>(*text - '0');
   }
   return static_cast<std::int32_t>(negative ? 0 - value : value);
