@@ -204,11 +204,7 @@ void SpellFloat(FloatText& out, double magnitude, char conversion, int precision
 
 namespace {
 
-// Powers of ten that a double holds exactly.
-constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-constexpr int kMaxExactPower = 22;
+constexpr int kMaxExactPower = std::size(kExactPowersOf10) - 1;
 // Digits that always fit into 64 bits.
 constexpr std::ptrdiff_t kMaxExactDigits = 19;
 
@@ -302,7 +298,8 @@ double Magnitude(const Scan<C>& scan) {
   }
   // Both operands are exact, so the one operation rounds correctly.
   const auto mantissa = static_cast<double>(scan.mantissa);
-  return exponent < 0 ? mantissa / kExactPowers[-exponent] : mantissa * kExactPowers[exponent];
+  return exponent < 0 ? mantissa / kExactPowersOf10[-exponent]
+                      : mantissa * kExactPowersOf10[exponent];
 }
 
 }  // namespace

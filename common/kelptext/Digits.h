@@ -1,4 +1,4 @@
-// The decimal digits of whole numbers; internal to the library.
+// The decimal digits of whole numbers and the powers of ten; internal to the library.
 #pragma once
 
 #include <array>
@@ -8,11 +8,16 @@
 
 namespace kelp::detail {
 
-inline constexpr auto kPowersOf10 = [] {
-  std::array<std::uint64_t, 20> powers{1};
-  for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
+template <class T, std::size_t kCount>
+constexpr std::array<T, kCount> PowersOf10() {
+  std::array<T, kCount> powers{1};
+  for (std::size_t i = 1; i < kCount; ++i) powers[i] = powers[i - 1] * 10;
   return powers;
-}();
+}
+
+// All that 64 bits hold, and all that a double holds exactly.
+inline constexpr auto kPowersOf10 = PowersOf10<std::uint64_t, 20>();
+inline constexpr auto kExactPowersOf10 = PowersOf10<double, 23>();
 
 template <class C>
 constexpr bool IsDigit(C unit) {

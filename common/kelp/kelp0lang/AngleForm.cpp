@@ -16,6 +16,8 @@ using kelp::WString;
 using kelp::detail::DigitRun;
 using kelp::detail::DigitRuns;
 using kelp::detail::Format;
+using kelp::detail::kExactPowersOf10;
+using kelp::detail::kPowersOf10;
 using kelp::detail::ProcessDecimalPoint;
 using kelp::detail::RoundToCount;
 using kelp::detail::TextWriter;
@@ -26,17 +28,16 @@ namespace {
 
 constexpr double kPi = 3.141592653589793;
 
-// Powers of ten, all exact in a double too.
+// The most decimals whose power of ten a count holds.
 constexpr int kMostPowers = 18;
-constexpr auto kPowers = [] {
-  std::array<std::int64_t, kMostPowers + 1> powers{1};
-  for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
-  return powers;
-}();
+
+std::int64_t WholePower(std::size_t exponent) {
+  return static_cast<std::int64_t>(kPowersOf10[exponent]);
+}
 
 double PowerOfTen(int exponent) {
-  if (exponent > kMostPowers) return std::pow(10.0, exponent);
-  return static_cast<double>(kPowers[static_cast<std::size_t>(exponent)]);
+  constexpr int kExact = std::size(kExactPowersOf10) - 1;
+  return exponent > kExact ? std::pow(10.0, exponent) : kExactPowersOf10[exponent];
 }
 
 double Scale(double value, double factor, double divisor) {
@@ -56,8 +57,8 @@ struct DecimalCut {
     constexpr double kLimit = 1e15;
     if (!(whole < kLimit)) return;
     std::size_t decimals = kMostPowers;
-    while (whole * static_cast<double>(kPowers[decimals]) >= kLimit) --decimals;
-    scale = kPowers[decimals];
+    while (whole * kExactPowersOf10[decimals] >= kLimit) --decimals;
+    scale = WholePower(decimals);
     const std::int64_t count = RoundToCount(whole * static_cast<double>(scale));
     whole = static_cast<double>(count / scale);
     rest = count % scale;
@@ -313,7 +314,7 @@ struct DMSCount {
     if (!(deg < kNotSetThreshold)) deg = 0.0;
     decimals = std::clamp(dec, 0, kMostRounded);
     while (decimals > 0 && std::fabs(deg) * 3600 * PowerOfTen(decimals) > kLimit) --decimals;
-    perSecond = kPowers[static_cast<std::size_t>(decimals)];
+    perSecond = WholePower(static_cast<std::size_t>(decimals));
     const std::int64_t perDegree = 3600 * perSecond;
     const std::int64_t count = std::abs(RoundToCount(static_cast<double>(perDegree) * deg));
     // The one division by a number that the compiler doesn't know.

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cwchar>
-#include <iterator>
 
 #include "kelp0lang/LocaleFree.h"
 #include "kelp0lang/MeasUnit.h"
@@ -14,17 +13,19 @@
 
 using kelp::IsNotSet;
 using kelp::WString;
+using kelp::detail::kExactPowersOf10;
 
 namespace {
 
-constexpr double kPowersOfTen[] = {1, 10, 100, 1000, 10000, 100000};
+// Numbers are rounded to at most so many decimals.
+constexpr int kMostDecimals = 5;
 constexpr int kShortLimit = 32750;
 constexpr long kLongLimit = 2100000000;
 // Units of a printed number, with the terminator.
 constexpr int kNumberRoom = 512;
 
-bool HasPower(int dec) {
-  return dec >= 0 && dec < static_cast<int>(std::size(kPowersOfTen));
+bool IsRounded(int dec) {
+  return dec >= 0 && dec <= kMostDecimals;
 }
 
 // Drops the fraction.
@@ -62,13 +63,13 @@ bool MinoreDi(double a, double b) {
 }
 
 double ArrotondatoAtDec(double v, int dec) {
-  if (!HasPower(dec)) return v;
-  return std::floor(v * kPowersOfTen[dec] + 0.5) / kPowersOfTen[dec];
+  if (!IsRounded(dec)) return v;
+  return std::floor(v * kExactPowersOf10[dec] + 0.5) / kExactPowersOf10[dec];
 }
 
 double TroncatoAtDec(double v, int dec) {
-  if (!HasPower(dec)) return v;
-  return std::floor(v * kPowersOfTen[dec]) / kPowersOfTen[dec];
+  if (!IsRounded(dec)) return v;
+  return std::floor(v * kExactPowersOf10[dec]) / kExactPowersOf10[dec];
 }
 
 double ArrotondatoAlVal(double v, double step) {
