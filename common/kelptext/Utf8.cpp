@@ -133,7 +133,8 @@ std::ptrdiff_t NarrowAsciiPairs(const WChar* units, char* out, std::ptrdiff_t pa
 // The places of the other units are taken from one mask, without a look at the text in between, so
 // that a step needn't wait for the one before it. The units behind each such place are narrowed
 // again to where they now belong; what is written too far is written over. At the worst a step
-// takes kPair + 1 units, three bytes each, and narrows kPair more.
+// takes kPair + 1 units, three bytes each but for a pair at the end, whose two take four, and
+// narrows kPair more: it reads 2 * kPair + 1 units and writes 4 * kPair + 1 bytes.
 void EncodeBlocks(const WChar*& unit, const WChar* end, char*& out, const char* outEnd) {
   constexpr std::ptrdiff_t kPair = 2 * kBlock;
   // Much text is ASCII to its end. Once other units have come, more of them will, and this look

@@ -1,7 +1,7 @@
 // Lengths of wide and narrow text and searches within; internal to the library.
 //
-// The searches stay between the given ends: the wide ones go sixteen units at a time where the processor
-// has SSE2, as every 64-bit x86 does.
+// The searches stay between the given ends: the wide ones go sixteen units at a time where the
+// processor has SSE2, as every 64-bit x86 does.
 #pragma once
 
 #include <tchar.h>
