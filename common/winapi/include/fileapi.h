@@ -25,6 +25,32 @@ WINAPI_EXPORT BOOL WINAPI CreateDirectoryW(LPCWSTR path, LPSECURITY_ATTRIBUTES s
 WINAPI_EXPORT BOOL WINAPI RemoveDirectoryW(LPCWSTR path);
 WINAPI_EXPORT BOOL WINAPI DeleteFileW(LPCWSTR path);
 
+// Opens or makes a file; a folder is opened only with BACKUP_SEMANTICS. Access is any of
+// GENERIC_READ and GENERIC_WRITE, or 0, which only asks about the file. A new file with READONLY
+// can be written by this handle alone. Others aren't kept off the file, whatever share says, and
+// the hints of flags make no difference; other flags are ERROR_INVALID_PARAMETER. CREATE_ALWAYS and
+// OPEN_ALWAYS leave ERROR_ALREADY_EXISTS where the file was there.
+#define CREATE_NEW 1
+#define CREATE_ALWAYS 2
+#define OPEN_EXISTING 3
+#define OPEN_ALWAYS 4
+#define TRUNCATE_EXISTING 5
+#define FILE_FLAG_WRITE_THROUGH 0x80000000
+#define FILE_FLAG_RANDOM_ACCESS 0x10000000
+#define FILE_FLAG_SEQUENTIAL_SCAN 0x08000000
+#define FILE_FLAG_BACKUP_SEMANTICS 0x02000000
+WINAPI_EXPORT HANDLE WINAPI CreateFileW(LPCWSTR path, DWORD access, DWORD share,
+                                        LPSECURITY_ATTRIBUTES security, DWORD disposition,
+                                        DWORD flags, HANDLE templateFile);
+// What was written to the file, by whatever handle, is on the disk. The handle needs GENERIC_WRITE.
+WINAPI_EXPORT BOOL WINAPI FlushFileBuffers(HANDLE file);
+// The path behind all symbolic links, "\\?\C:\folder\name"; a length or size as below. The flags
+// are 0: no other form of the name is known here (ERROR_INVALID_PARAMETER).
+#define FILE_NAME_NORMALIZED 0x0
+#define VOLUME_NAME_DOS 0x0
+WINAPI_EXPORT DWORD WINAPI GetFinalPathNameByHandleW(HANDLE file, LPWSTR buffer, DWORD size,
+                                                     DWORD flags);
+
 // Texts of the system. They give the length without the terminator, or, where size units don't
 // hold it, the size needed with it; 0 is a failure.
 WINAPI_EXPORT DWORD WINAPI GetCurrentDirectoryW(DWORD size, LPWSTR buffer);

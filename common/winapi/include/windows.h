@@ -6,6 +6,7 @@
 #include "handleapi.h"
 #include "libloaderapi.h"
 #include "processthreadsapi.h"
+#include "securitybaseapi.h"
 #include "stringapiset.h"
 #include "synchapi.h"
 #include "sysinfoapi.h"

@@ -51,7 +51,7 @@ struct PendingWait {
   DWORD result;
 };
 
-enum class KernelType { kEvent, kMutex, kSemaphore, kThread };
+enum class KernelType { kEvent, kMutex, kSemaphore, kThread, kFile };
 
 class KernelObject : public std::enable_shared_from_this<KernelObject> {
  public:
