@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <iterator>
 #include <random>
 #include <string>
 #include <thread>
@@ -33,6 +34,14 @@ std::string NumberedFile(int first) {
     bytes += std::string(3, '\0');
   }
   return bytes;
+}
+
+constexpr fs::perms kWriteAll =
+    fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+
+std::size_t CountEntries() {
+  return static_cast<std::size_t>(
+      std::distance(fs::directory_iterator(DataSupportFolder()), fs::directory_iterator()));
 }
 
 CMeasUnitSystem& Current() {
@@ -316,7 +325,9 @@ TEST(MeasUnitFile, RandomContentLeavesTheProgramUsable) {
         ASSERT_TRUE(system.FromValueToString(kelp::kNotSet, value, -1, unitSize, unitSize).empty());
       }
     }
-    ASSERT_TRUE(system.SaveConfig());
+    if (round % 20 == 0) {
+      ASSERT_TRUE(system.SaveConfig());
+    }
   }
   fs::remove(path);
 }
@@ -326,17 +337,74 @@ TEST(MeasUnitFile, AFailedSaveLeavesTheOldFile) {
   EXPECT_FALSE(missing.SaveConfig());
   EXPECT_FALSE(missing.LoadConfig());
 
-  // A folder stands where the new file would be written.
-  const fs::path path = DataSupportFolder() / "kept.dat";
-  Folders().Write(path, "old");
-  fs::create_directories(DataSupportFolder() / "kept.dat.new" / "x");
-  CMeasUnitSystem system(WString(), KTEXT("kept.dat"));
-  EXPECT_FALSE(system.SaveConfig());
-  EXPECT_EQ(Folders().Read(path), "old");
-  fs::remove_all(DataSupportFolder() / "kept.dat.new");
-  EXPECT_TRUE(system.SaveConfig());
-  EXPECT_FALSE(fs::exists(DataSupportFolder() / "kept.dat.new"));
-  fs::remove(path);
+  // What can't be replaced stays, and nothing is left beside it.
+  fs::create_directories(DataSupportFolder() / "folder.dat");
+  Folders().Write(DataSupportFolder() / "protected.dat", "old");
+  fs::permissions(DataSupportFolder() / "protected.dat", kWriteAll, fs::perm_options::remove);
+  const std::size_t entries = CountEntries();
+  for (const WChar* name : {KTEXT("folder.dat"), KTEXT("protected.dat")}) {
+    EXPECT_FALSE(CMeasUnitSystem(WString(), name).SaveConfig());
+  }
+  EXPECT_EQ(Folders().Read(DataSupportFolder() / "protected.dat"), "old");
+  EXPECT_EQ(CountEntries(), entries);
+  fs::permissions(DataSupportFolder() / "protected.dat", kWriteAll, fs::perm_options::add);
+  EXPECT_TRUE(CMeasUnitSystem(WString(), KTEXT("protected.dat")).SaveConfig());
+  EXPECT_EQ(CountEntries(), entries);
+  fs::remove(DataSupportFolder() / "folder.dat");
+  fs::remove(DataSupportFolder() / "protected.dat");
+}
+
+TEST(MeasUnitFile, ASaveKeepsPermissionsAndLinks) {
+  const fs::path file = DataSupportFolder() / "file.dat";
+  const fs::path link = DataSupportFolder() / "link.dat";
+  fs::create_directories(DataSupportFolder() / "elsewhere");
+  Folders().Write(DataSupportFolder() / "elsewhere" / "real.dat", "old");
+  std::error_code error;
+  fs::create_symlink(fs::path("elsewhere") / "real.dat", link, error);
+  if (!error) {
+    EXPECT_TRUE(CMeasUnitSystem(WString(), KTEXT("link.dat")).SaveConfig());
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(fs::file_size(DataSupportFolder() / "elsewhere" / "real.dat"), kFileSize);
+  }
+  Folders().Write(file, "old");
+  fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+  const fs::perms before = fs::status(file).permissions();
+  EXPECT_TRUE(CMeasUnitSystem(WString(), KTEXT("file.dat")).SaveConfig());
+  EXPECT_EQ(fs::status(file).permissions(), before);
+  EXPECT_EQ(fs::file_size(file), kFileSize);
+  fs::remove(link);
+  fs::remove(file);
+  fs::remove_all(DataSupportFolder() / "elsewhere");
+}
+
+// Every save ends well, and whoever looks finds one of them whole.
+TEST(MeasUnitFile, SeveralSaveAtOnce) {
+  const fs::path path = DataSupportFolder() / "shared.dat";
+  const std::string texts[] = {NumberedFile(1), NumberedFile(40)};
+  Folders().Write(path, texts[0]);
+  std::vector<std::thread> savers;
+  std::atomic<int> running{2};
+  for (const std::string& text : texts) {
+    const WString own = &text == texts ? KTEXT("own0.dat") : KTEXT("own1.dat");
+    Folders().Write(DataSupportFolder() / own.ToUtf8().c_str(), text);
+    savers.emplace_back([own, &running] {
+      CMeasUnitSystem filled(WString(), own);
+      filled.LoadConfig();
+      CMeasUnitSystem system(WString(), KTEXT("shared.dat"));
+      system.CopyFrom(filled, false);
+      for (int i = 0; i < 50; ++i) EXPECT_TRUE(system.SaveConfig());
+      --running;
+    });
+  }
+  while (running > 0) {
+    const std::string seen = Folders().Read(path);
+    EXPECT_TRUE(seen.empty() || seen.size() == kFileSize) << "empty: it couldn't be opened";
+  }
+  for (std::thread& saver : savers) saver.join();
+  EXPECT_EQ(Folders().Read(path).size(), kFileSize);
+  for (const char* name : {"own0.dat", "own1.dat", "shared.dat"}) {
+    fs::remove(DataSupportFolder() / name);
+  }
 }
 
 }  // namespace

@@ -1,13 +1,12 @@
 #include "kelp0lang/MeasUnitSystem.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <iterator>
 
 #include "kelp0lang/FileStream.h"
 #include "kelp0lang/MeasUnitChangeContext.h"
 #include "kelp0lang/SpecialFolder.h"
+#include "kelp0lang/WholeFile.h"
 
 using kelp::WString;
 
@@ -217,20 +216,14 @@ bool CMeasUnitSystem::Load(const WString& path) {
   return true;
 }
 
-// Into a file of another name, which then takes the place of the old one: a full disk or a crash
-// leaves the old settings.
 bool CMeasUnitSystem::Save(const WString& path) const {
-  const WString written = path + KTEXT(".new");
-  kelp::ofpstream file(written.c_str(), kFileVersion, WString(), 0, kelp::kWriteBinary);
+  kelp::detail::WholeFile whole(path);
+  if (whole.WrittenPath().empty()) return false;
+  kelp::ofpstream file(whole.WrittenPath().c_str(), kFileVersion, WString(), 0, kelp::kWriteBinary);
   if (file.GetState() != kelp::kStreamGood) return false;
   WriteToFile(file);
   file.Close();
-  if (file.GetState() == kelp::kStreamGood &&
-      MoveFileExW(written.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) {
-    return true;
-  }
-  DeleteFileW(written.c_str());
-  return false;
+  return file.GetState() == kelp::kStreamGood && whole.Commit();
 }
 
 // Every version so far has the same fields.
