@@ -57,8 +57,9 @@ void AddTimeWorks();
 void AddCellWorks();
 void AddChangeWorks();
 void AddThreadWorks();
-// The folder is where the unit settings are saved.
+// The folder is where the unit settings are saved, and the rows of text.
 void AddSettingsWorks(const std::filesystem::path& folder);
+void AddLineWorks(const std::filesystem::path& folder);
 
 // Prints, when all have run, one row for each work and peer: the medians of the repetitions, in
 // nanoseconds for one item, and their ratio.

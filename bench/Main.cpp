@@ -33,6 +33,7 @@ int main(int argc, char** argv) {
   bench::AddChangeWorks();
   bench::AddThreadWorks();
   bench::AddSettingsWorks(support);
+  bench::AddLineWorks(support);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   bench::TableReporter table;

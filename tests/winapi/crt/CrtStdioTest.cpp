@@ -3,12 +3,14 @@
 #include <tchar.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -57,6 +59,42 @@ TEST(CrtStdio, LeavesTheBufferAloneAtTheEnd) {
   EXPECT_EQ(fgetws(buffer, 4, file), nullptr);
   EXPECT_EQ(Wide(buffer), WTEXT("xyz"));
   std::fclose(file);
+}
+
+// Against the rules of text spelled out, in the "C" locale: lines and blocks of any length, and
+// bytes put back between.
+TEST(CrtStdio, ReadsTextOfAnyShape) {
+  const TempFolder folder;
+  std::mt19937 random(7);
+  for (int round = 0; round < 200; ++round) {
+    std::string bytes;
+    Wide text;
+    const std::size_t lineLength = random() % 40 + 1;
+    for (int i = 0; i < 300; ++i) {
+      const char unit = "\t\r\xE0\x7F\x1F"[random() % 5];
+      bytes += random() % lineLength == 0 ? '\n' : random() % 8 == 0 ? unit : 'a';
+    }
+    if (round % 4 == 0) bytes[random() % bytes.size()] = '\x1A';
+    for (std::size_t i = 0; i < bytes.size() && bytes[i] != '\x1A'; ++i) {
+      if (bytes.substr(i, 2) != "\r\n") text += static_cast<unsigned char>(bytes[i]);
+    }
+    folder.Write("any.txt", bytes);
+    FILE* const file = _wfopen(folder.Wide(WTEXT("any.txt")).c_str(), WTEXT("r"));
+    ASSERT_NE(file, nullptr);
+    while (!text.empty()) {
+      WCHAR buffer[64];
+      const std::size_t size = random() % 63 + 2;
+      const std::size_t length = std::min({size - 2, text.find('\n'), text.size() - 1}) + 1;
+      ASSERT_NE(fgetws(buffer, static_cast<int>(size), file), nullptr) << round;
+      ASSERT_EQ(Wide(buffer), text.substr(0, length)) << round;
+      text.erase(0, length);
+      if (random() % 4 != 0) continue;
+      std::ungetc('u', file);
+      text.insert(text.begin(), 'u');
+    }
+    EXPECT_EQ(std::getc(file), EOF);
+    std::fclose(file);
+  }
 }
 
 int Put(const std::string& text, FILE* file) {

@@ -2,11 +2,12 @@
 #include <langinfo.h>
 #include <tchar.h>
 
+#include <algorithm>
+#include <bit>
 #include <cerrno>
 #include <climits>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <cwchar>
 
@@ -32,9 +33,23 @@ class ByteSource {
 
   // The next byte or EOF, which the stream then knows too.
   int Get() {
-    if (m_text.inner == nullptr || IsAhead()) return getc_unlocked(m_file);
+    if (Beneath() == m_file) return getc_unlocked(m_file);
     const int byte = GetTextByte(m_text.inner);
     return byte != EOF ? byte : getc_unlocked(m_file);
+  }
+
+  // Takes ASCII without control characters, as far as it stands in the buffer and in whole blocks
+  // in target; gives the number of units.
+  int TakePrintable(char16_t* target, int room) {
+    std::FILE* const file = Beneath();
+    int count = 0;
+    for (int taken = kBlock; taken == kBlock; count += taken) {
+      if (file->_IO_read_end - file->_IO_read_ptr < kBlock || room - count < kBlock) break;
+      std::copy_n(file->_IO_read_ptr, kBlock, target + count);
+      taken = CountPrintable(file->_IO_read_ptr);
+      file->_IO_read_ptr += taken;
+    }
+    return count;
   }
 
   void PutBack(const char* bytes, int count) {
@@ -42,9 +57,24 @@ class ByteSource {
   }
 
  private:
-  // The stream itself holds something: bytes put back, or its end.
-  bool IsAhead() const {
-    return m_file->_IO_read_ptr != m_file->_IO_read_end || feof_unlocked(m_file) != 0;
+  static constexpr int kBlock = 8;
+
+  // Of a block, how many bytes stand before the first one that isn't ASCII from the blank on.
+  static int CountPrintable(const char* block) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101;
+    std::uint64_t bytes;
+    std::memcpy(&bytes, block, sizeof(bytes));
+    if constexpr (std::endian::native == std::endian::big) bytes = __builtin_bswap64(bytes);
+    // The top bit of each byte that ends it; above the first one a borrow may set more.
+    const std::uint64_t others = (bytes | (bytes - kOnes * ' ')) & (kOnes * 0x80);
+    return std::countr_zero(others) / 8;
+  }
+
+  // The stream that has the next byte: this one, if it holds bytes that were put back or has seen
+  // its end, or the one beneath it.
+  std::FILE* Beneath() const {
+    const bool holds = m_file->_IO_read_ptr != m_file->_IO_read_end || feof_unlocked(m_file) != 0;
+    return m_text.inner == nullptr || holds ? m_file : m_text.inner;
   }
 
   std::FILE* const m_file;
@@ -58,14 +88,13 @@ int LastPlainByte() {
   return std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0 ? 0x7F : 0;
 }
 
-// The bytes of the character that begins with first, terminated. Gives their number, or -1 for
-// bytes that are none.
-int GetCharacter(ByteSource& source, int first, char (&bytes)[MB_LEN_MAX + 1]) {
+// The character that begins with the byte first, and its bytes. Gives their number, or -1 for bytes
+// that are none.
+int GetCharacter(ByteSource& source, int first, char (&bytes)[MB_LEN_MAX], wchar_t& character) {
   std::mbstate_t state{};
   for (int count = 0; count < MB_LEN_MAX && first != EOF; first = source.Get()) {
     bytes[count++] = static_cast<char>(first);
-    bytes[count] = 0;
-    const std::size_t size = std::mbrlen(&bytes[count - 1], 1, &state);
+    const std::size_t size = std::mbrtowc(&character, &bytes[count - 1], 1, &state);
     if (size == static_cast<std::size_t>(-1)) return -1;
     if (size != static_cast<std::size_t>(-2)) return count;
   }
@@ -89,6 +118,8 @@ LineEnd ReadUnits(ByteSource& source, char16_t* buffer, int room, int& length) {
 LineEnd ReadMultibyte(ByteSource& source, char16_t* buffer, int room, int& length) {
   const int lastPlain = LastPlainByte();
   while (length < room) {
+    if (lastPlain > 0) length += source.TakePrintable(buffer + length, room - length);
+    if (length == room) break;
     const int first = source.Get();
     if (first == EOF) return LineEnd::kStreamEnd;
     if (first <= lastPlain) {
@@ -96,18 +127,17 @@ LineEnd ReadMultibyte(ByteSource& source, char16_t* buffer, int room, int& lengt
       if (first == '\n') break;
       continue;
     }
-    char bytes[MB_LEN_MAX + 1];
-    char16_t units[2] = {};
-    const int count = GetCharacter(source, first, bytes);
-    const std::size_t taken = count < 0 ? SIZE_MAX : mbstowcs(units, bytes, 2);
-    if (taken > 2) return LineEnd::kNoCharacter;
-    if (taken == 2 && length + 2 > room) {
+    char bytes[MB_LEN_MAX];
+    wchar_t character = 0;
+    const int count = GetCharacter(source, first, bytes, character);
+    if (count < 0) return LineEnd::kNoCharacter;
+    if (character >= 0x10000 && room - length < 2) {
       // A pair isn't torn apart: it stays for the next call.
       source.PutBack(bytes, count);
       return length > 0 ? LineEnd::kGood : LineEnd::kNoCharacter;
     }
-    for (std::size_t i = 0; i < taken; ++i) buffer[length++] = units[i];
-    if (units[0] == '\n') break;
+    length += PutUtf16(character, buffer + length);
+    if (character == '\n') break;
   }
   return LineEnd::kGood;
 }
