@@ -230,6 +230,9 @@ TEST_F(Translate, HonoursTheCharset) {
       {encoded("UTF-8", "\xE8"), nullptr},
       {encoded("ASCII", "\xC3\xA8"), nullptr},
       {encoded("KOI8-R", "z"), nullptr},
+      {encoded("ISO-8859-17", "z"), nullptr},
+      {encoded("cp437x", "z"), nullptr},
+      {encoded("windows-1249", "z"), nullptr},
       {encoded("", "z"), nullptr},
   };
   for (const auto& [entries, shown] : cases) {
@@ -237,6 +240,45 @@ TEST_F(Translate, HonoursTheCharset) {
     for (const std::string& bytes : {Po(entries), "#, fuzzy\n" + Po(entries), Mo(entries)}) {
       ASSERT_EQ(Load(bytes), shown != nullptr) << bytes;
       EXPECT_EQ(Xlate(KTEXT("a")), WString(shown != nullptr ? shown : KTEXT("a"))) << bytes;
+    }
+  }
+}
+
+// Each name with a text in it; in those of two bytes the second looks like a backslash.
+TEST_F(Translate, KnowsTheCodePagesOfTranslators) {
+  const struct {
+    UINT codePage;
+    std::vector<const char*> names;
+    const char* bytes;
+    const WChar* text;
+  } cases[] = {
+      {28592, {"ISO-8859-2", "latin2"}, "\xB1", KTEXT("\x0105")},
+      {28595, {"iso_8859-5"}, "\xB6", KTEXT("\x0416")},
+      {28599, {"ISO-8859-9", "Latin5"}, "\xFD", KTEXT("\x0131")},
+      {28605, {"ISO-8859-15", "latin-9"}, "\xA4", KTEXT("\x20AC")},
+      {1250, {"windows-1250", "CP1250"}, "\xB9", KTEXT("\x0105")},
+      {1251, {"windows-1251", "cp-1251"}, "\xC6", KTEXT("\x0416")},
+      {1252, {"CP1252"}, "\x80", KTEXT("\x20AC")},
+      {1253, {"windows-1253"}, "\xE1", KTEXT("\x03B1")},
+      {1258, {"windows-1258"}, "\xFE", KTEXT("\x20AB")},
+      {932, {"Shift_JIS", "SJIS", "CP932"}, "\x95\x5C\xB1\x83\x5C", KTEXT("\x8868\xFF71\x30BD")},
+      {936, {"GB2312", "GBK", "CP936", "EUC-CN"}, "\x81\x5C\xB5\xE3", KTEXT("\x4E57\x70B9")},
+      {949, {"EUC-KR", "UHC", "cp949"}, "\xC1\xA1", KTEXT("\xC810")},
+      {950, {"Big5", "cp950"}, "\xA5\x5C\xC2\x49", KTEXT("\x529F\x9EDE")},
+      {437, {"IBM437", "cp437"}, "\x82", KTEXT("\xE9")},
+      {850, {"IBM850", "CP850"}, "\xD5", KTEXT("\x0131")},
+  };
+  for (const auto& c : cases) {
+    const bool onMachine = MultiByteToWideChar(c.codePage, 0, "a", 1, nullptr, 0) != 0;
+    for (const std::string name : c.names) {
+      const std::string bytes = c.bytes;
+      const Entries entries = {{"", "Content-Type: text/plain; charset=" + name + "\n"},
+                               {"a", bytes}};
+      const std::string po = Po({entries[0]}) + "msgid \"a\"\nmsgstr \"" + bytes + "\"\n";
+      for (const std::string& file : {po, Mo(entries)}) {
+        ASSERT_EQ(Load(file), onMachine) << name << kelp::GetTranslateFileError().ToUtf8().c_str();
+        EXPECT_EQ(Xlate(KTEXT("a")), WString(onMachine ? c.text : KTEXT("a"))) << name;
+      }
     }
   }
 }
@@ -297,7 +339,7 @@ TEST_F(Translate, RefusesMalformedPoFiles) {
        KTEXT(":4: \"msgstr[1]\" expected")},
       {"msgid \"a\"\nmsgstr \"b\"\n\nmsgid \"c\"\nmsgstr \"\xC3\"\n",
        KTEXT(":4: a text isn't in the charset of the catalogue")},
-      {"\nmsgid \"\"\nmsgstr \"charset=UTF-7\"\n", KTEXT(":2: unknown charset \"utf-7\"")},
+      {"\nmsgid \"\"\nmsgstr \"charset=UTF-7\"\n", KTEXT(":2: unknown charset \"UTF-7\"")},
       {"msgid \"a\"\nmsgstr \"b\"\ndomain \"c\"\n", KTEXT(":3: \"msgid\" expected")},
   };
   for (const auto& [bytes, error] : cases) EXPECT_EQ(ErrorOf(bytes), WString(error)) << bytes;

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "sarnutils/Catalogue.h"
+#include "sarnutils/Charset.h"
 
 namespace xlate::detail {
 namespace {
@@ -20,6 +21,8 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kBlanks = " \t\r\n\v\f";
 constexpr std::string_view kKeywordUnits =
     "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
+// What can end a run of plain bytes in a text.
+constexpr std::string_view kTextEnds = "\"\\\n";
 constexpr unsigned kMaxByte = 0xFF;
 
 // The escapes of one letter.
@@ -55,6 +58,8 @@ class PoReader {
       const bool fuzzy = SkipComments();
       if (m_rest.empty()) break;
       CatalogueEntry entry = ReadEntry();
+      // From here on, what the texts behind the header are read by.
+      if (entry.key.empty()) m_charset = FindCharset(CharsetName(entry.text)).value_or(Charset());
       // The header entry of a fresh catalogue is fuzzy and counts all the same.
       if (!fuzzy || entry.key.empty()) entries.push_back(std::move(entry));
       m_anyEntry = true;
@@ -152,10 +157,26 @@ class PoReader {
     return text;
   }
 
+  // The bytes of the character at a place; what can't be the second of two stands alone.
+  std::size_t CharacterSize(std::size_t at) const {
+    constexpr unsigned char kFirstTrail = 0x40;
+    if (!m_charset.IsLead(m_rest[at]) || at + 1 == m_rest.size()) return 1;
+    return static_cast<unsigned char>(m_rest[at + 1]) >= kFirstTrail ? 2 : 1;
+  }
+
+  // How many bytes come before a quote, a backslash or the end of the line.
+  std::size_t PlainSize() const {
+    std::size_t at = 0;
+    while (at < m_rest.size() && kTextEnds.find(m_rest[at]) == std::string_view::npos) {
+      at += CharacterSize(at);
+    }
+    return at;
+  }
+
   // Appends a text up to its closing quote.
   void ReadText(std::string& text) {
     for (;;) {
-      const std::size_t plain = std::min(m_rest.find_first_of("\"\\\n"), m_rest.size());
+      const std::size_t plain = PlainSize();
       text += m_rest.substr(0, plain);
       if (text.find('\0', text.size() - plain) != std::string::npos) Fail("a zero byte in a text");
       m_rest.remove_prefix(plain);
@@ -190,6 +211,7 @@ class PoReader {
 
   std::string_view m_rest;
   std::size_t m_line = 1;
+  Charset m_charset;
   bool m_anyEntry = false;
 };
 

@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cwchar>
 #include <memory>
@@ -13,9 +12,11 @@
 #include <vector>
 
 #include "sarnutils/Catalogue.h"
+#include "sarnutils/Charset.h"
 
 namespace xlate {
 
+using detail::Charset;
 using sarn_text::CSarnStringT;
 using WideText = std::basic_string<WChar>;
 using WideView = std::basic_string_view<WChar>;
@@ -28,25 +29,6 @@ constinit CSarnStringT<WChar> loadError;
 constexpr std::size_t kMaxLength = UINT16_MAX;
 // No unit takes more bytes in any charset.
 constexpr std::size_t kMaxBytes = 3 * kMaxLength;
-
-struct Charset {
-  std::string_view name;  // in small letters
-  UINT codePage;
-  unsigned char lastByte;
-};
-
-// UTF-8 first: it counts where the header entry names none, or has what a fresh template says.
-constexpr std::array<Charset, 9> kCharsets = {{
-    {"utf-8", CP_UTF8, 0xFF},
-    {"utf8", CP_UTF8, 0xFF},
-    {"charset", CP_UTF8, 0xFF},
-    {"ascii", CP_UTF8, 0x7F},
-    {"us-ascii", CP_UTF8, 0x7F},
-    {"iso-8859-1", 28591, 0xFF},
-    {"iso8859-1", 28591, 0xFF},
-    {"iso_8859-1", 28591, 0xFF},
-    {"latin1", 28591, 0xFF},
-}};
 
 std::string ReadFile(const WChar* path) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(_wfopen(path, KTEXT("rb")),
@@ -61,24 +43,14 @@ std::string ReadFile(const WChar* path) {
   return bytes;
 }
 
-// The charset that the header entry names, behind "charset=".
-const Charset& CharsetOf(const std::vector<detail::CatalogueEntry>& entries) {
-  constexpr std::string_view kMark = "charset=";
+Charset CharsetOf(const std::vector<detail::CatalogueEntry>& entries) {
   const auto header = std::find_if(entries.begin(), entries.end(),
                                    [](const auto& entry) { return entry.key.empty(); });
-  if (header == entries.end()) return kCharsets[0];
-  const std::size_t mark = header->text.find(kMark);
-  if (mark == std::string::npos) return kCharsets[0];
-
-  std::string_view rest = std::string_view(header->text).substr(mark + kMark.size());
-  std::string name(rest.substr(0, rest.find_first_of(" \t\r\n;")));
-  _strlwr(name.data());
-  const auto* charset = std::find_if(kCharsets.begin(), kCharsets.end(),
-                                     [&name](const Charset& c) { return c.name == name; });
-  if (charset == kCharsets.end()) {
-    throw detail::CatalogueError{header->place, "unknown charset \"" + name + "\""};
-  }
-  return *charset;
+  if (header == entries.end()) return {};
+  const std::string_view name = detail::CharsetName(header->text);
+  if (const auto charset = detail::FindCharset(name)) return *charset;
+  throw detail::CatalogueError{header->place,
+                               std::string("unknown charset \"").append(name).append("\"")};
 }
 
 WideText Decode(std::string_view bytes, const Charset& charset, std::size_t place) {
@@ -89,9 +61,8 @@ WideText Decode(std::string_view bytes, const Charset& charset, std::size_t plac
   };
   WideText text(bytes.size(), 0);
   const int size = static_cast<int>(bytes.size());
-  const DWORD flags = charset.codePage == CP_UTF8 ? MB_ERR_INVALID_CHARS : 0;
-  const int count =
-      MultiByteToWideChar(charset.codePage, flags, bytes.data(), size, text.data(), size);
+  const int count = MultiByteToWideChar(charset.codePage, MB_ERR_INVALID_CHARS, bytes.data(), size,
+                                        text.data(), size);
   if (count == 0 || !std::all_of(bytes.begin(), bytes.end(), inCharset)) {
     throw detail::CatalogueError{place, "a text isn't in the charset of the catalogue"};
   }
@@ -129,7 +100,7 @@ class TableBuilder {
   explicit TableBuilder(EDetectErrorFlags flags) : m_flags(flags) {}
 
   void Add(const std::vector<CatalogueEntry>& entries) {
-    const Charset& charset = CharsetOf(entries);
+    const Charset charset = CharsetOf(entries);
     for (const CatalogueEntry& entry : entries) {
       if (entry.key.empty()) continue;
       const Part key = AddText(entry.key, charset, entry.place);

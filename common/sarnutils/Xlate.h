@@ -8,7 +8,9 @@
 // U+0004 and the source text, as gettext itself has it. Of plural forms the first is the
 // translation. Left out are the fuzzy and obsolete entries of a .po file, and the entries of a .mo
 // file whose text depends on the system ("%<PRIu64>"). The text is in the charset that the header
-// entry names, which is UTF-8 if it names none: UTF-8, ASCII and ISO-8859-1 are known.
+// entry names, which is UTF-8 if it names none: UTF-8, ASCII, ISO-8859-1 to -16, Windows-1250 to
+// -1258, Shift_JIS, GBK, UHC (EUC-KR), Big5, IBM437 and IBM850, as far as the system has their code
+// pages.
 //
 // A catalogue is taken whole or not at all. A file that breaks the rules of its form, holds text
 // that its charset doesn't have, or an entry of more than 65,535 units leaves the table empty.

@@ -29,6 +29,15 @@ namespace kelp {
 //
 // Texts may have any length and are stored whole. A question to the system whose answer is missing
 // or longer than 259 characters leaves the folders that hang on it as they were.
+//
+// No folder is made, and none of this library's saves makes one: a save into a folder that isn't
+// there fails. A host makes (CheckSeDirExist, LegacyPath.h), or its set-up, those into which it
+// saves:
+//   GetProgramDataSupportFolderPath("")  before CCurrMeasUnitInfo or CMeasUnitSystem::SaveConfig,
+//   the product's other data folders     before its own files there,
+//   GetProgramDataGlobalFolderPath("")   before files that the family's programs share,
+//   GetTempFolderPath("")                where tempFolder was given.
+// Folders below the program's are only read.
 KELP0LANG_API void FInitializeSpecialFolder(const WChar* programFolder, int folderId,
                                             const WChar* subFolder, const WChar* tempFolder);
 

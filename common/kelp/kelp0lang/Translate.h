@@ -27,6 +27,11 @@ namespace kelp {
 // Once a catalogue has been loaded the text to show is unescaped, be it translated or not: every
 // two backslashes become one, then a backslash and "r" a carriage return, then a backslash and "n"
 // a line feed. So a shown text can't have a backslash directly before an "r" or "n".
+//
+// Keys have up to 65,535 units, in which a backslash, a carriage return and a line feed count two.
+// Of a longer source text only that length less 65,536, 131,072... units are looked up: it is shown
+// as the translation of a text of just its beginning, if there is one. Such a text is shown in
+// parts.
 KELP0LANG_API WString Xlate(const WChar* text);
 
 // Takes the translations from a catalogue, in place of those before. False leaves none, and the
