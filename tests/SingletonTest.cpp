@@ -54,6 +54,36 @@ TEST(Singleton, OneGoesBehindAllOthers) {
   delete left;
 }
 
+class Failing : public Named {
+ public:
+  explicit Failing(char name) : Named(name) { throw name; }
+};
+
+class Owner : public Named {
+ public:
+  Owner(char name, Named* owned) : Named(name), m_owned(owned) {}
+  ~Owner() override { delete m_owned; }
+
+ private:
+  Named* m_owned;
+};
+
+TEST(Singleton, WhatIsGoneIsNotDeletedAgain) {
+  new Named('A');
+  EXPECT_THROW(new Failing('B'), char);
+  auto* gone = new Named('C');
+  new Named('D');
+  delete gone;
+  EXPECT_EQ(DeleteAll(), "DA");
+
+  auto* owned = new Named('A');
+  new Named('B');
+  auto* last = new Named('C', true);
+  new Owner('D', owned);
+  new Owner('E', last);
+  EXPECT_EQ(DeleteAll(), "CEADB") << "each once, what another owned with it";
+}
+
 TEST(Singleton, TheFoldersBeginAnewBehindTheDeletion) {
   using kelp::WString;
   for (int i = 0; i < 2; ++i) {

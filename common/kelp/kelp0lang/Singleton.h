@@ -21,9 +21,11 @@
 
 namespace kelp {
 
-// Base of every process-wide object. It is built with new, and only the list deletes it.
+// Base of every process-wide object. It is built with new, and the list deletes it.
 class KELP0LANG_API ISingleton {
  public:
+  // Takes the object out of the list. So one whose constructor throws leaves nothing there, and a
+  // host may delete one before its turn.
   virtual ~ISingleton();
   // For callers; the list doesn't ask.
   virtual bool CanDestroy();
