@@ -71,6 +71,19 @@ TEST(RefCounter, ThreadsReleaseOnce) {
   }
 }
 
+struct alignas(64) Aligned : IRefCounter {
+  double rows[8];
+};
+
+TEST(RefCounter, ObjectsKeepTheirAlignment) {
+  std::vector<Aligned*> objects;
+  for (int i = 0; i < 20; ++i) {
+    objects.push_back(new Aligned);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(objects.back()) % alignof(Aligned), 0u);
+  }
+  for (Aligned* object : objects) object->SubReference();
+}
+
 template <class E, class... Args>
 WString Message(Args... args) {
   try {

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
 
 #include "kelp0lang/Export.h"
 
@@ -40,10 +41,15 @@ class KELP0LANG_API IRefCounter : public Object {
   // From the allocator of sarnutils, whose blocks the global heap's release takes back.
   static void* operator new(std::size_t size);
   static void* operator new[](std::size_t size);
+  // For a class that asks for more alignment than every block has: from the global heap.
+  static void* operator new(std::size_t size, std::align_val_t alignment);
+  static void* operator new[](std::size_t size, std::align_val_t alignment);
   static void* operator new(std::size_t, void* place) noexcept { return place; }
   static void* operator new[](std::size_t, void* place) noexcept { return place; }
   static void operator delete(void* block) noexcept;
   static void operator delete[](void* block) noexcept;
+  static void operator delete(void* block, std::align_val_t alignment) noexcept;
+  static void operator delete[](void* block, std::align_val_t alignment) noexcept;
   static void operator delete(void*, void*) noexcept {}
   static void operator delete[](void*, void*) noexcept {}
 
