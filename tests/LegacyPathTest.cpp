@@ -1,6 +1,9 @@
 #include "kelp0lang/LegacyPath.h"
 
+#include <atomic>
 #include <filesystem>
+#include <thread>
+#include <vector>
 
 #include "tests/TempFolder.h"
 #include "tests/TestText.h"
@@ -75,12 +78,27 @@ TEST(LegacyPath, MakesAFolderWithItsParents) {
   EXPECT_TRUE(std::filesystem::is_directory(folder.Path() / "a" / "b" / "c"));
   EXPECT_TRUE(CheckSeDirExist(root + KTEXT("/new\\")));
   EXPECT_TRUE(std::filesystem::is_directory(folder.Path() / "new"));
-  EXPECT_FALSE(CheckSeDirExist(root + KTEXT("/new\\")));
+  EXPECT_TRUE(CheckSeDirExist(root + KTEXT("/new\\"))) << "it is there";
+  EXPECT_TRUE(CheckSeDirExist(root + KTEXT("/d\\e/"))) << "the parent's making made it";
 
   folder.Write("file", "");
+  EXPECT_FALSE(CheckSeDirExist(root + KTEXT("\\file\\")));
   EXPECT_FALSE(CheckSeDirExist(root + KTEXT("\\file\\a\\b")));
   EXPECT_FALSE(CheckSeDirExist(root + KTEXT("\\no|name\\a")));
   EXPECT_FALSE(CheckSeDirExist(KTEXT("")));
+}
+
+TEST(LegacyPath, ThreadsMakeTheSameFolders) {
+  const TempFolder folder;
+  for (int round = 0; round < 50; ++round) {
+    const WString path =
+        folder.Wide(KTEXT("r")).c_str() + WString::ValueOf(round) + KTEXT("/a/b/c/d");
+    std::atomic<int> made = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) threads.emplace_back([&] { made += CheckSeDirExist(path); });
+    for (std::thread& thread : threads) thread.join();
+    ASSERT_EQ(made, 4);
+  }
 }
 
 TEST(LegacyPath, ComposesFileFilters) {

@@ -28,6 +28,18 @@ bool IsFound(const WChar* path) {
   return true;
 }
 
+bool IsFolder(const WChar* path) {
+  const DWORD attributes = GetFileAttributesW(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool MakeWithParents(const WString& path) {
+  if (CreateDirectoryW(path.c_str(), nullptr)) return true;
+  const int slash = LastSlash(path);
+  return slash >= 0 && CheckSeDirExist(path.substr(0, slash)) &&
+         CreateDirectoryW(path.c_str(), nullptr);
+}
+
 }  // namespace
 
 void EstraiIlPathFile(WString& text) {
@@ -65,10 +77,9 @@ bool FEsisteIlDir(const WChar* path) {
 }
 
 bool CheckSeDirExist(const WString& path) {
-  if (IsFound(path.c_str()) || CreateDirectoryW(path.c_str(), nullptr)) return true;
-  const int slash = LastSlash(path);
-  if (slash < 0 || !CheckSeDirExist(path.substr(0, slash))) return false;
-  return CreateDirectoryW(path.c_str(), nullptr) != FALSE;
+  // The last look is for a folder that another thread has made meanwhile, and for the name that
+  // ends in a separator, which no search finds.
+  return IsFound(path.c_str()) || MakeWithParents(path) || IsFolder(path.c_str());
 }
 
 WString ComposeFileFilterFromNameAndExts(const WString& name, const WString& exts) {

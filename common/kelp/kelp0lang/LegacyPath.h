@@ -28,8 +28,8 @@ KELP0LANG_API bool FEsisteIlFile(const WChar* name);
 // Whether the system finds an entry of that path: a folder, but also a file. A path that ends in a
 // separator isn't found. An empty path, or null, gives false.
 KELP0LANG_API bool FEsisteIlDir(const WChar* path);
-// True if the system finds the path; else makes the folder, with all missing parents. False where
-// that fails, and for a folder that is there but is named with a separator at the end.
+// True if the system finds the path; else makes the folder, with all missing parents. Where that
+// fails, true if a folder stands there all the same, made by another meanwhile.
 KELP0LANG_API bool CheckSeDirExist(const kelp::WString& path);
 
 // "name (exts)", or name where exts is empty.
