@@ -2,9 +2,13 @@
 
 #include <algorithm>
 #include <climits>
+#include <functional>
+#include <new>
 #include <random>
 #include <string>
 #include <thread>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "tests/TestText.h"
@@ -120,6 +124,87 @@ TEST(StringConcat, AppendsInPlaceAlsoItself) {
   EXPECT_EQ(a.Length(), 1);
 }
 
+TEST(StringConcat, FillsItsReserve) {
+  String s("abc");
+  const char* const room = s.GetBufferAsCString(10);
+  s += "defg";
+  s += String("h");
+  s += s.c_str() + 7;
+  s += 'i';
+  EXPECT_EQ(s, "abcdefghhi");
+  EXPECT_EQ(s.c_str(), room);
+  EXPECT_EQ(s.Capacity(), 10);
+  const String full(s);
+  s += 'j';
+  EXPECT_EQ(s, "abcdefghhij");
+  EXPECT_EQ(s.Capacity(), 11);
+
+  s.GetBufferAsCString(22);
+  const String copy(s);
+  s += 'k';
+  EXPECT_NE(s.c_str(), copy.c_str());
+  EXPECT_EQ(copy, "abcdefghhij") << "room that another sees isn't written";
+  EXPECT_EQ(full, "abcdefghhi");
+}
+
+// The gigabyte is never touched.
+TEST(StringConcat, RefusesLengthsBeyondAnInt) {
+  WString text;
+  text.resize(70000, KTEXT('a'));
+  const WString replacement(text);
+  EXPECT_THROW(text.ReplaceInPlace(KTEXT("a"), replacement.c_str()), std::bad_alloc);
+  EXPECT_EQ(text.c_str(), replacement.c_str());
+
+  String half;
+  half.GetBufferSetLength(1 << 30);
+  const char* const buffer = half.c_str();
+  const std::function<void()> works[] = {
+      [&] { half += half; },
+      [&] { half.append(half); },
+      [&] { half.Concat(half); },
+      [&] { String("abc").Insert(1, "x", INT_MAX); },
+      [&] { half.assign(String("x"), 0, 1 << 30); },
+  };
+  for (const auto& work : works) EXPECT_THROW(work(), std::bad_alloc);
+  EXPECT_EQ(half.c_str(), buffer);
+  EXPECT_EQ(half.Length(), 1 << 30);
+}
+
+TEST(StringBuffer, MovesTakeTheBufferAlong) {
+  WString a(KTEXT("one"));
+  WString b(KTEXT("two"));
+  const WChar* const one = a.c_str();
+  const WChar* const two = b.c_str();
+  a = std::move(b);
+  EXPECT_EQ(a.c_str(), two);
+  EXPECT_EQ(b.c_str(), one) << "assignment swaps";
+  swap(a, b);
+  EXPECT_EQ(a.c_str(), one);
+  const WString c(std::move(a));
+  EXPECT_EQ(c.c_str(), one);
+  EXPECT_EQ(a.c_str(), WString().c_str());  // NOLINT: what a move leaves is told
+}
+
+TEST(StringSearch, EqualsAPointerAndHashesByItsUnits) {
+  String zero("ab?");
+  zero.SetChar(2, 0);
+  const struct {
+    String text;
+    const char* other;
+    bool equal;
+  } kRows[] = {
+      {"ab", "ab", true}, {"ab", "abc", false}, {"ab", "a", false},    {"ab", "aB", false},
+      {"", "", true},     {"", nullptr, true},  {"a", nullptr, false}, {zero, "ab", false},
+  };
+  for (const auto& row : kRows) EXPECT_EQ(row.text == row.other, row.equal) << row.text.c_str();
+  EXPECT_NE(zero, String("ab"));
+
+  const std::unordered_set<WString> names = {KTEXT("P1"), KTEXT("P2"), KTEXT("P1")};
+  EXPECT_EQ(names.size(), 2u);
+  EXPECT_TRUE(names.contains(WString(KTEXT("P2"))));
+  EXPECT_NE(std::hash<String>()(zero), std::hash<String>()("ab"));
+}
+
 TEST(StringConcat, JoinsIntoNewText) {
   const String a("ab");
   EXPECT_EQ(a + 'c', String("abc"));
@@ -165,6 +250,11 @@ TEST(StringSearch, AgreesWithAPlainSearchAtEveryLength) {
     text.resize(length, KTEXT('a'));
     for (int place = 0; place < length; ++place) {
       WString marked(text);
+      marked.SetChar(place, KTEXT('b'));
+      ASSERT_LT(text, marked);
+      ASSERT_GT(marked, text.Substring(0, place + 1));
+      marked.SetChar(place, 0xFFFF);
+      ASSERT_GT(marked, text) << "units are unsigned";
       marked.SetChar(place, KTEXT('b'));
       ASSERT_EQ(marked.IndexOf(KTEXT('b')), place);
       ASSERT_EQ(marked.IndexOf(KTEXT('b'), place + 1), -1);

@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <limits>
+#include <string>
 
 #include "kelp0lang/Exception.h"
 #include "kelp0lang/SafeFormat.h"
@@ -112,7 +113,9 @@ TEST(ValueConverter, PrintsNumbers) {
   EXPECT_EQ(text(F::hex, -1), String("ffffffff")) << "an int has 32 bits in every base";
   EXPECT_EQ(text(F::oct | F::showbase, 8u), String("010"));
   EXPECT_EQ(text(F::dec, UINT_MAX), String("4294967295"));
-  EXPECT_EQ(text(F::dec, INT64_MIN), String("-9223372036854775808"));
+  EXPECT_EQ(text(F::dec, LLONG_MIN), "-9223372036854775808");
+  EXPECT_EQ(text(F::hex, -1L), String().Insert(0, "ffffffffffffffff", 2 * sizeof(long)));
+  EXPECT_EQ(text(F::oct, 8UL), "10");
   EXPECT_EQ(text(F::hex | F::showbase | F::uppercase, std::uint64_t{0xABC}), String("0XABC"));
   EXPECT_EQ(text(F::hex | F::showpos, reinterpret_cast<const void*>(0x1234ABCD)),
             String("000000001234ABCD"));
@@ -171,8 +174,10 @@ TEST(ValueOf, IsPlainText) {
   ASSERT_TRUE(german.Ok());
   EXPECT_EQ(WString::ValueOf(-5), WString(KTEXT("-5")));
   EXPECT_EQ(WString::ValueOf(4000000000u), WString(KTEXT("4000000000")));
-  EXPECT_EQ(String::ValueOf(std::int64_t{-1} << 62), String("-4611686018427387904"));
-  EXPECT_EQ(String::ValueOf(UINT64_MAX), String("18446744073709551615"));
+  EXPECT_EQ(WString::ValueOf(LONG_MIN).ToUtf8(), std::to_string(LONG_MIN).c_str());
+  EXPECT_EQ(String::ValueOf(ULONG_MAX), std::to_string(ULONG_MAX).c_str());
+  EXPECT_EQ(String::ValueOf(-1LL << 62), "-4611686018427387904");
+  EXPECT_EQ(WString::ValueOf(ULLONG_MAX), KTEXT("18446744073709551615"));
   EXPECT_EQ(WString::ValueOf(1234.5, 2), WString(KTEXT("1234.50")));
   EXPECT_EQ(WString::ValueOf(1234.5, 0), WString(KTEXT("1234")));
   EXPECT_EQ(String::ValueOf(static_cast<const void*>(nullptr)), String("0000000000000000"));

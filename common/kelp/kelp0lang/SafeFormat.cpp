@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <cwchar>
 
+#include "kelp0lang/TextScan.h"
+
 namespace kelp::detail {
 
 namespace {
@@ -54,7 +56,7 @@ WString kelp_safefmt(const WChar* format, std::uint64_t count, ...) {
   const auto measure = [&length](const WChar*, std::size_t size) { length += size; };
   if (!ForEachPiece(format, arguments, count, measure)) return WString();
   WString result;
-  WChar* target = result.GetBufferSetLength(static_cast<int>(length));
+  WChar* target = result.GetBufferSetLength(FittingLength(length));
   ForEachPiece(format, arguments, count, [&target](const WChar* text, std::size_t size) {
     target = std::copy_n(text, size, target);
   });

@@ -31,12 +31,13 @@ namespace {
 
 // A block with room for capacity units, the length set to it and terminated.
 template <class C>
-C* NewText(int capacity) {
-  char* block = new char[sizeof(TextHeader) + (static_cast<std::size_t>(capacity) + 1) * sizeof(C)];
+C* NewText(std::int64_t capacity) {
+  const int units = FittingLength(static_cast<std::uint64_t>(capacity));
+  char* block = new char[sizeof(TextHeader) + (static_cast<std::size_t>(units) + 1) * sizeof(C)];
   auto* header = reinterpret_cast<TextHeader*>(block);
-  *header = {capacity, capacity, 1};
+  *header = {units, units, 1};
   C* text = reinterpret_cast<C*>(header + 1);
-  text[capacity] = 0;
+  text[units] = 0;
   return text;
 }
 
@@ -110,15 +111,16 @@ int CountTrailing(const C* text, int length, Test test) {
 template <class S, class C>
 FreshText<C> BasicText<S, C>::CopyOf(const C* text, std::int64_t length) {
   if (length < 1) return {static_cast<C*>(Share(EmptyBuffer<C>()))};
-  C* copy = NewText<C>(static_cast<int>(length));
+  C* copy = NewText<C>(length);
   CopyUnits(copy, text, static_cast<std::size_t>(length));
   return {copy};
 }
 
 template <class S, class C>
-FreshText<C> BasicText<S, C>::CopyOfRange(const C* text, int length, int start, int count) {
-  const int begin = std::clamp(start, 0, length);
-  return CopyOf(text + begin, std::min(count, length - begin));
+FreshText<C> BasicText<S, C>::CopyOfRange(const C* text, std::int64_t length, int start,
+                                          int count) {
+  const std::int64_t begin = std::clamp<std::int64_t>(start, 0, length);
+  return CopyOf(text + begin, std::min<std::int64_t>(count, length - begin));
 }
 
 template <class S, class C>
@@ -127,8 +129,8 @@ FreshText<C> BasicText<S, C>::CopyOfTerminated(const C* text) {
 }
 
 template <class S, class C>
-FreshText<C> BasicText<S, C>::Join(const C* first, int firstLength, const C* second,
-                                   int secondLength) {
+FreshText<C> BasicText<S, C>::Join(const C* first, std::int64_t firstLength, const C* second,
+                                   std::int64_t secondLength) {
   if (firstLength + secondLength < 1) return CopyOf(first, 0);
   C* text = NewText<C>(firstLength + secondLength);
   CopyUnits(text, first, static_cast<std::size_t>(firstLength));
@@ -196,14 +198,18 @@ void BasicText<S, C>::GetChars(int sourceBegin, int sourceEnd, C* target, int ta
             static_cast<std::size_t>(sourceEnd - sourceBegin));
 }
 
-// text may point into this string: a handle on the old buffer keeps it valid.
+// text may point into this string, whose buffer stays until the units are copied.
 template <class S, class C>
-void BasicText<S, C>::AppendUnits(const C* text, int count) {
+void BasicText<S, C>::AppendUnits(const C* text, std::int64_t count) {
   if (count < 1) return;
-  const BasicText old(*this);
-  const int oldLength = Length();
-  CopyUnits(GetBufferSetLength(oldLength + count) + oldLength, text,
-            static_cast<std::size_t>(count));
+  const std::int64_t newLength = Length() + count;
+  if (newLength > Capacity() || IsShared()) {
+    Reset(Join(Text(), Length(), text, count).text);
+    return;
+  }
+  std::memmove(Text() + Length(), text, static_cast<std::size_t>(count) * sizeof(C));
+  Header()->length = static_cast<int>(newLength);
+  Text()[newLength] = 0;
 }
 
 template <class S, class C>
@@ -213,14 +219,8 @@ S& BasicText<S, C>::operator+=(const S& text) {
 }
 
 template <class S, class C>
-S& BasicText<S, C>::operator+=(C unit) {
-  AppendUnits(&unit, 1);
-  return Self();
-}
-
-template <class S, class C>
 S& BasicText<S, C>::operator+=(const C* text) {
-  if (text != nullptr) AppendUnits(text, static_cast<int>(TerminatedLength(text)));
+  if (text != nullptr) AppendUnits(text, static_cast<std::int64_t>(TerminatedLength(text)));
   return Self();
 }
 
@@ -251,8 +251,7 @@ int BasicText<S, C>::Compare(const C* text) const {
 
 template <class S, class C>
 std::strong_ordering BasicText<S, C>::Order(const BasicText& other) const noexcept {
-  using Traits = std::char_traits<C>;
-  const int common = Traits::compare(Text(), other.Text(), std::min(length(), other.length()));
+  const int common = CompareUnits(Text(), other.Text(), std::min(length(), other.length()));
   if (common != 0) return common <=> 0;
   return length() <=> other.length();
 }
@@ -287,7 +286,7 @@ int BasicText<S, C>::LastIndexOf(const S& text, int from) const {
   const C* wanted = text.Text();
   for (; position >= 0; --position) {
     if (Text()[position + last] == wanted[last] &&
-        std::memcmp(Text() + position, wanted, last * sizeof(C)) == 0) {
+        std::memcmp(Text() + position, wanted, static_cast<std::size_t>(last) * sizeof(C)) == 0) {
       return position;
     }
   }
@@ -368,14 +367,14 @@ S BasicText<S, C>::Erase(int start, int count) const {
 
 template <class S, class C>
 S BasicText<S, C>::Insert(int position, const C* inserted, int count) const {
-  if (count == -1) count = static_cast<int>(TerminatedLength(inserted));
-  count = std::max(count, 0);
+  const std::int64_t gained =
+      count == -1 ? static_cast<std::int64_t>(TerminatedLength(inserted)) : std::max(count, 0);
   position = std::clamp(position, 0, Length());
-  if (Length() + count < 1) return S();
-  C* text = NewText<C>(Length() + count);
+  if (Length() + gained < 1) return S();
+  C* text = NewText<C>(Length() + gained);
   CopyUnits(text, Text(), static_cast<std::size_t>(position));
-  CopyPadded(text + position, inserted, static_cast<std::size_t>(count));
-  CopyPadded(text + position + count, Text() + position,
+  CopyPadded(text + position, inserted, static_cast<std::size_t>(gained));
+  CopyPadded(text + position + gained, Text() + position,
              static_cast<std::size_t>(Length() - position));
   return S(FreshText<C>{text});
 }
@@ -457,7 +456,7 @@ FreshText<WChar> Decode(const char* bytes, std::size_t size) {
   const bool small = size <= kStackUnits;
   const std::size_t length = small ? detail::DecodeUtf8(bytes, size, onStack, kStackUnits)
                                    : detail::DecodedUtf8Length(bytes, size);
-  FreshText<WChar> text{detail::NewText<WChar>(static_cast<int>(length))};
+  FreshText<WChar> text{detail::NewText<WChar>(static_cast<std::int64_t>(length))};
   if (small) {
     detail::CopyUnits(text.text, onStack, length);
   } else {
@@ -472,13 +471,18 @@ FreshText<char> Encode(const WChar* units, std::size_t size) {
   const bool small = size <= kStackUnits;
   const std::size_t length = small ? detail::EncodeUtf8(units, size, onStack, sizeof(onStack))
                                    : detail::EncodedUtf8Length(units, size);
-  FreshText<char> text{detail::NewText<char>(static_cast<int>(length))};
+  FreshText<char> text{detail::NewText<char>(static_cast<std::int64_t>(length))};
   if (small) {
     detail::CopyUnits(text.text, onStack, length);
   } else {
     detail::EncodeUtf8(units, size, text.text, length);
   }
   return text;
+}
+
+template <class C>
+std::int64_t UnitsOf(const C* text) {
+  return static_cast<std::int64_t>(detail::TerminatedLength(text));
 }
 
 // Both directions of ConvertString; convert is wcstombs or mbstowcs.
@@ -489,7 +493,7 @@ S ConvertByLocale(const Source* text, std::size_t (*convert)(Target*, const Sour
   const std::size_t size = convert(nullptr, text, 0);
   if (size == kFailed || size == 0) return S();
   S result;
-  Target* buffer = result.GetBufferSetLength(static_cast<int>(size));
+  Target* buffer = result.GetBufferSetLength(detail::FittingLength(size));
   // Room for the terminator too: the buffer holds one unit more than its length.
   if (convert(buffer, text, size + 1) == kFailed) return S();
   return result;
@@ -498,7 +502,7 @@ S ConvertByLocale(const Source* text, std::size_t (*convert)(Target*, const Sour
 }  // namespace
 
 String::String(const char* text, int start, int count)
-    : BasicText(CopyOfRange(text, static_cast<int>(std::strlen(text)), start, count)) {}
+    : BasicText(CopyOfRange(text, UnitsOf(text), start, count)) {}
 
 bool String::RegionMatches(int offset, const char* other, int otherOffset, int count,
                            bool ignoreCase) const {
@@ -528,7 +532,7 @@ WString String::FromUtf8() const {
 }
 
 WString::WString(const WChar* text, int start, int count)
-    : BasicText(CopyOfRange(text, static_cast<int>(wcslen(text)), start, count)) {}
+    : BasicText(CopyOfRange(text, UnitsOf(text), start, count)) {}
 
 WString WString::AcceptString(const char* text) {
   return ConvertString(text, 0);
@@ -570,16 +574,18 @@ void ForEachMatch(const WChar* begin, const WChar* end, const WChar* wanted, std
 int WString::ReplaceInPlace(const WChar* from, const WChar* to) {
   if (from == nullptr || *from == 0) return 0;
   if (to == nullptr) to = KTEXT("");
-  const std::size_t fromLength = wcslen(from);
-  const std::size_t toLength = wcslen(to);
+  const std::size_t fromLength = detail::TerminatedLength(from);
+  const std::size_t toLength = detail::TerminatedLength(to);
   const WChar* begin = c_str();
   const WChar* end = begin + Length();
   int count = 0;
   ForEachMatch(begin, end, from, fromLength, [&count](const WChar*) { ++count; });
   if (count == 0) return 0;
 
-  const int newLength =
-      Length() + count * (static_cast<int>(toLength) - static_cast<int>(fromLength));
+  // What is replaced lay within the text, so only the replacements can be too many or too long.
+  const std::int64_t rest = Length() - count * static_cast<std::int64_t>(fromLength);
+  const int newLength = detail::FittingLength(
+      static_cast<std::uint64_t>(rest + count * std::int64_t{detail::FittingLength(toLength)}));
   const int capacity = std::max({Length(), newLength, IsShared() ? 0 : Capacity()});
   WString result(FreshText<WChar>{detail::NewText<WChar>(capacity)});
   WChar* out = result.Text();
@@ -590,7 +596,7 @@ int WString::ReplaceInPlace(const WChar* from, const WChar* to) {
   });
   std::copy(begin, end, out);
   result.ReleaseBuffer(newLength);
-  *this = result;
+  *this = std::move(result);
   return count;
 }
 
@@ -603,8 +609,7 @@ String operator+(const String& text, char unit) {
 }
 
 String operator+(const String& text, const char* tail) {
-  return String(
-      String::Join(text.c_str(), text.Length(), tail, static_cast<int>(std::strlen(tail))));
+  return String(String::Join(text.c_str(), text.Length(), tail, UnitsOf(tail)));
 }
 
 String operator+(char unit, const String& text) {
@@ -612,8 +617,7 @@ String operator+(char unit, const String& text) {
 }
 
 String operator+(const char* head, const String& text) {
-  return String(
-      String::Join(head, static_cast<int>(std::strlen(head)), text.c_str(), text.Length()));
+  return String(String::Join(head, UnitsOf(head), text.c_str(), text.Length()));
 }
 
 WString operator+(const WString& text, WChar unit) {
@@ -621,7 +625,7 @@ WString operator+(const WString& text, WChar unit) {
 }
 
 WString operator+(const WString& text, const WChar* tail) {
-  return WString(WString::Join(text.c_str(), text.Length(), tail, static_cast<int>(wcslen(tail))));
+  return WString(WString::Join(text.c_str(), text.Length(), tail, UnitsOf(tail)));
 }
 
 WString operator+(WChar unit, const WString& text) {
@@ -629,7 +633,7 @@ WString operator+(WChar unit, const WString& text) {
 }
 
 WString operator+(const WChar* head, const WString& text) {
-  return WString(WString::Join(head, static_cast<int>(wcslen(head)), text.c_str(), text.Length()));
+  return WString(WString::Join(head, UnitsOf(head), text.c_str(), text.Length()));
 }
 
 String ConvertString(const WChar* text, int) {

@@ -6,14 +6,20 @@
 //   if (point.StartsWith(KTEXT("P1"))) save(point.ToUtf8());
 //
 // Both are handles of one pointer on a shared, copy-on-write buffer. Copying, assigning and passing
-// by value cost one atomic increment and no allocation; a write first gives the handle a buffer of
-// its own. The capacity is exact: text that grows step by step is best built through
-// GetBufferSetLength.
+// by value cost one atomic increment and no allocation, moving not even that much; a write first
+// gives the handle a buffer of its own. The capacity is exact: text that grows step by step first
+// gets its room, and then appends in place.
 //
-// Positions and counts are int, in units. Not found is -1. No operation reports an error: a
-// position outside the text is a breach of the caller's contract. Where an operation takes a range
-// that reaches outside the text (Substring, the constructors with a range, Insert), only the part
-// inside is used; GetChar, SetChar and their kin don't test.
+//   kelp::WString row;
+//   row.GetBufferAsCString(200);
+//   for (const kelp::WString& field : fields) row += field;
+//
+// Positions and counts are int, in units. Not found is -1. Text that would be longer than an int
+// can say is refused with std::bad_alloc, as one is that there is no memory for; what stood there
+// stays. No other error is reported: a position outside the text is a breach of the caller's
+// contract. Where an operation takes a range that reaches outside the text (Substring, the
+// constructors with a range, Insert), only the part inside is used; GetChar, SetChar and their kin
+// don't test.
 //
 // Text may hold zero units inside its length, but the searches for a text and the comparisons with
 // a pointer work on terminated text and stop there.
@@ -22,10 +28,14 @@
 // String object isn't safe for a write beside any other access to that object.
 #pragma once
 
+#include <atomic>
 #include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
+#include <string_view>
+#include <utility>
 
 #include "kelp0lang/Export.h"
 #include "kelptext/WideChar.h"
@@ -102,9 +112,7 @@ class TextHandle {
   }
 
   TextHeader* Header() const noexcept { return HeaderOf(m_text); }
-  bool IsShared() const noexcept {
-    return __atomic_load_n(&Header()->references, __ATOMIC_ACQUIRE) > 1;
-  }
+  bool IsShared() const noexcept { return References(m_text).load(std::memory_order_acquire) > 1; }
 
   // Leaves the present buffer and takes over one count of another.
   void Reset(void* text) noexcept {
@@ -114,7 +122,7 @@ class TextHandle {
 
   // Adds a handle to a buffer and gives it back.
   static void* Share(void* text) noexcept {
-    __atomic_fetch_add(&HeaderOf(text)->references, 1, __ATOMIC_RELAXED);
+    References(text).fetch_add(1, std::memory_order_relaxed);
     return text;
   }
 
@@ -122,8 +130,11 @@ class TextHandle {
 
  private:
   static TextHeader* HeaderOf(void* text) noexcept { return static_cast<TextHeader*>(text) - 1; }
+  static std::atomic_ref<std::int32_t> References(void* text) noexcept {
+    return std::atomic_ref(HeaderOf(text)->references);
+  }
   void DropHandle() noexcept {
-    if (__atomic_sub_fetch(&Header()->references, 1, __ATOMIC_ACQ_REL) == 0) FreeText(Header());
+    if (References(m_text).fetch_sub(1, std::memory_order_acq_rel) == 1) FreeText(Header());
   }
 };
 
@@ -161,10 +172,21 @@ class KELP0LANG_API BasicText : public TextHandle {
   // Units gained hold fill.
   void resize(int length, C fill);
 
-  // Appends in place. A null pointer adds nothing; operator+= of a unit adds even a 0, append of a
-  // 0 adds nothing.
+  // Appends, and writes into the present buffer where this handle is alone on it and there is room.
+  // The text may be this one or a part of it. A null pointer adds nothing; operator+= of a unit
+  // adds even a 0, append of a 0 adds nothing.
   S& operator+=(const S& text);
-  S& operator+=(C unit);
+  S& operator+=(C unit) {
+    const int length = Length();
+    if (length < Capacity() && !IsShared()) {
+      Text()[length] = unit;
+      Text()[length + 1] = 0;
+      Header()->length = length + 1;
+    } else {
+      AppendUnits(&unit, 1);
+    }
+    return Self();
+  }
   S& operator+=(const C* text);
   S append(const S& text);
   S append(C unit);
@@ -231,32 +253,49 @@ class KELP0LANG_API BasicText : public TextHandle {
   friend bool operator==(const S& a, const S& b) noexcept {
     return a.Length() == b.Length() && std::memcmp(a.m_text, b.m_text, a.sizeInBytes()) == 0;
   }
+  // The same as a terminated text; null counts as empty.
+  friend bool operator==(const S& a, const C* b) noexcept {
+    const C* own = a.Text();
+    if (b == nullptr) return a.empty();
+    for (const C* const end = own + a.Length(); own != end; ++own, ++b) {
+      if (*b != *own || *b == 0) return false;
+    }
+    return *b == 0;
+  }
   // The order of the units as unsigned values.
   friend std::strong_ordering operator<=>(const S& a, const S& b) noexcept { return a.Order(b); }
+  friend void swap(S& a, S& b) noexcept { std::swap(a.m_text, b.m_text); }
 
  protected:
   BasicText() noexcept : TextHandle(Share(EmptyBuffer<C>())) {}
   explicit BasicText(FreshText<C> fresh) noexcept : TextHandle(fresh.text) {}
   BasicText(const BasicText&) noexcept = default;
+  BasicText(BasicText&& other) noexcept
+      : TextHandle(std::exchange(other.m_text, Share(EmptyBuffer<C>()))) {}
   ~BasicText() = default;
   BasicText& operator=(const BasicText&) noexcept = default;
+  BasicText& operator=(BasicText&& other) noexcept {
+    std::swap(m_text, other.m_text);
+    return *this;
+  }
 
   C* Text() const noexcept { return static_cast<C*>(m_text); }
 
   // A copy of length units; a length below 1 gives the empty buffer.
   static FreshText<C> CopyOf(const C* text, std::int64_t length);
   // The units of [start, start + count) that lie within a text of the given length.
-  static FreshText<C> CopyOfRange(const C* text, int length, int start, int count);
+  static FreshText<C> CopyOfRange(const C* text, std::int64_t length, int start, int count);
   static FreshText<C> CopyOfTerminated(const C* text);
   // Two parts in a buffer of exact size.
-  static FreshText<C> Join(const C* first, int firstLength, const C* second, int secondLength);
+  static FreshText<C> Join(const C* first, std::int64_t firstLength, const C* second,
+                           std::int64_t secondLength);
   void AssignTerminated(const C* text) { Reset(CopyOfTerminated(text).text); }
   void AssignUnit(C unit) { Reset(CopyOf(&unit, 1).text); }
 
  private:
   S& Self() noexcept { return static_cast<S&>(*this); }
   const S& Self() const noexcept { return static_cast<const S&>(*this); }
-  void AppendUnits(const C* text, int count);
+  void AppendUnits(const C* text, std::int64_t count);
   // A buffer of this handle alone, with room for capacity units and for the text.
   void MoveToOwn(int capacity);
   void Unshare();
@@ -271,6 +310,8 @@ class KELP0LANG_API String : public detail::BasicText<String, char> {
   // Shares the empty buffer.
   String() noexcept = default;
   String(const String&) noexcept = default;
+  // Takes the text over and leaves the empty text.
+  String(String&&) noexcept = default;
   // count units of text from start.
   String(const String& text, int start, int count)
       : BasicText(CopyOfRange(text.c_str(), text.Length(), start, count)) {}
@@ -281,6 +322,8 @@ class KELP0LANG_API String : public detail::BasicText<String, char> {
   ~String() = default;
 
   String& operator=(const String&) noexcept = default;
+  // The two change their texts.
+  String& operator=(String&&) noexcept = default;
   // One unit, which may be 0.
   String& operator=(char unit) {
     AssignUnit(unit);
@@ -311,8 +354,10 @@ class KELP0LANG_API String : public detail::BasicText<String, char> {
   // pointers as 16 hexadecimal digits.
   static String ValueOf(int value);
   static String ValueOf(unsigned int value);
-  static String ValueOf(std::int64_t value);
-  static String ValueOf(std::uint64_t value);
+  static String ValueOf(long value);
+  static String ValueOf(unsigned long value);
+  static String ValueOf(long long value);
+  static String ValueOf(unsigned long long value);
   static String ValueOf(double value, unsigned int precision);
   static String ValueOf(const void* value);
   // "true" or "false".
@@ -336,6 +381,8 @@ class KELP0LANG_API WString : public detail::BasicText<WString, WChar> {
   // Shares the empty buffer.
   WString() noexcept = default;
   WString(const WString&) noexcept = default;
+  // Takes the text over and leaves the empty text.
+  WString(WString&&) noexcept = default;
   // count units of text from start.
   WString(const WString& text, int start, int count)
       : BasicText(CopyOfRange(text.c_str(), text.Length(), start, count)) {}
@@ -346,6 +393,8 @@ class KELP0LANG_API WString : public detail::BasicText<WString, WChar> {
   ~WString() = default;
 
   WString& operator=(const WString&) noexcept = default;
+  // The two change their texts.
+  WString& operator=(WString&&) noexcept = default;
   // One unit, which may be 0.
   WString& operator=(WChar unit) {
     AssignUnit(unit);
@@ -375,8 +424,10 @@ class KELP0LANG_API WString : public detail::BasicText<WString, WChar> {
   // Values as text, as String::ValueOf gives them.
   static WString ValueOf(int value);
   static WString ValueOf(unsigned int value);
-  static WString ValueOf(std::int64_t value);
-  static WString ValueOf(std::uint64_t value);
+  static WString ValueOf(long value);
+  static WString ValueOf(unsigned long value);
+  static WString ValueOf(long long value);
+  static WString ValueOf(unsigned long long value);
   static WString ValueOf(double value, unsigned int precision);
   static WString ValueOf(const void* value);
   static WString ValueOf(bool value);
@@ -411,3 +462,18 @@ KELP0LANG_API WString ConvertString(const char* text, int count);
 KELP0LANG_API WString ConvertString(const char* text, int start, int count);
 
 }  // namespace kelp
+
+// By the units, so that equal texts have equal hashes.
+template <>
+struct std::hash<kelp::String> {
+  std::size_t operator()(const kelp::String& text) const noexcept {
+    return std::hash<std::string_view>()({text.c_str(), text.length()});
+  }
+};
+template <>
+struct std::hash<kelp::WString> {
+  std::size_t operator()(const kelp::WString& text) const noexcept {
+    using View = std::basic_string_view<WChar>;
+    return std::hash<View>()(View(text.c_str(), text.length()));
+  }
+};

@@ -1,6 +1,6 @@
-// Lengths of wide and narrow text and searches within; internal to the library.
+// Lengths of wide and narrow text, comparison and searches within; internal to the library.
 //
-// The searches stay between the given ends: the wide ones go sixteen units at a time where the
+// All stay between the given ends: the wide ones go eight or sixteen units at a time where the
 // processor has SSE2, as every 64-bit x86 does.
 #pragma once
 
@@ -8,9 +8,12 @@
 
 #include <algorithm>
 #include <bit>
+#include <climits>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <cwchar>
+#include <new>
 
 #include "kelptext/WideChar.h"
 
@@ -28,6 +31,13 @@ inline std::size_t TerminatedLength(const WChar* text) {
   return wcslen(text);
 }
 
+// A length that has been reckoned in 64 bits as that of a text; one that no text can have is
+// refused as a block is that there is no memory for.
+inline int FittingLength(std::uint64_t length) {
+  if (length > INT_MAX) throw std::bad_alloc();
+  return static_cast<int>(length);
+}
+
 #ifdef __SSE2__
 
 // Lanes of all ones where eight units equal wanted.
@@ -42,6 +52,30 @@ inline unsigned LaneBits(__m128i low, __m128i high) {
 }
 
 #endif
+
+// Negative, 0 or positive: the order of count units as unsigned values.
+inline int CompareUnits(const char* a, const char* b, std::size_t count) {
+  return std::memcmp(a, b, count);
+}
+
+inline int CompareUnits(const WChar* a, const WChar* b, std::size_t count) {
+#ifdef __SSE2__
+  for (; count >= 8; a += 8, b += 8, count -= 8) {
+    const __m128i theirs = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b));
+    const __m128i equal =
+        _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(a)), theirs);
+    const auto other = static_cast<unsigned>(_mm_movemask_epi8(equal)) ^ 0xFFFFu;
+    if (other != 0) {
+      const int place = std::countr_zero(other) / 2;
+      return a[place] - b[place];
+    }
+  }
+#endif
+  for (; count > 0; ++a, ++b, --count) {
+    if (*a != *b) return *a - *b;
+  }
+  return 0;
+}
 
 // The first unit equal to wanted, or end.
 inline const char* FindUnit(const char* begin, const char* end, char wanted) {

@@ -176,15 +176,27 @@ S BasicValueConverter<S, C>::ToString(CIOState& state, unsigned int value) {
 }
 
 template <class S, class C>
-S BasicValueConverter<S, C>::ToString(CIOState& state, std::int64_t value) {
-  C format[WorkArea<C>::kFormat];
-  return FormatInteger(state, ComposeFormatInt64(state, format, 'd'), value);
+S BasicValueConverter<S, C>::ToString(CIOState& state, long value) {
+  using Same = std::conditional_t<sizeof(long) == sizeof(int), int, long long>;
+  return ToString(state, Same{value});
 }
 
 template <class S, class C>
-S BasicValueConverter<S, C>::ToString(CIOState& state, std::uint64_t value) {
+S BasicValueConverter<S, C>::ToString(CIOState& state, unsigned long value) {
+  using Same = std::conditional_t<sizeof(long) == sizeof(int), unsigned int, unsigned long long>;
+  return ToString(state, Same{value});
+}
+
+template <class S, class C>
+S BasicValueConverter<S, C>::ToString(CIOState& state, long long value) {
   C format[WorkArea<C>::kFormat];
-  return FormatInteger(state, ComposeFormatInt64(state, format, 'u'), value);
+  return FormatInteger(state, ComposeFormatInt64(state, format, 'd'), std::int64_t{value});
+}
+
+template <class S, class C>
+S BasicValueConverter<S, C>::ToString(CIOState& state, unsigned long long value) {
+  C format[WorkArea<C>::kFormat];
+  return FormatInteger(state, ComposeFormatInt64(state, format, 'u'), std::uint64_t{value});
 }
 
 template <class S, class C>
@@ -200,7 +212,7 @@ S BasicValueConverter<S, C>::ToString(CIOState& state, long double value) {
 template <class S, class C>
 S BasicValueConverter<S, C>::ToString(CIOState& state, const C* value) {
   S result;
-  CreateString(state, value, static_cast<int>(TerminatedLength(value)), result);
+  CreateString(state, value, FittingLength(TerminatedLength(value)), result);
   return result;
 }
 
@@ -246,10 +258,16 @@ String String::ValueOf(int value) {
 String String::ValueOf(unsigned int value) {
   return PlainText<CAValueConverter>(value);
 }
-String String::ValueOf(std::int64_t value) {
+String String::ValueOf(long value) {
   return PlainText<CAValueConverter>(value);
 }
-String String::ValueOf(std::uint64_t value) {
+String String::ValueOf(unsigned long value) {
+  return PlainText<CAValueConverter>(value);
+}
+String String::ValueOf(long long value) {
+  return PlainText<CAValueConverter>(value);
+}
+String String::ValueOf(unsigned long long value) {
   return PlainText<CAValueConverter>(value);
 }
 String String::ValueOf(double value, unsigned int precision) {
@@ -272,10 +290,16 @@ WString WString::ValueOf(int value) {
 WString WString::ValueOf(unsigned int value) {
   return PlainText<CWValueConverter>(value);
 }
-WString WString::ValueOf(std::int64_t value) {
+WString WString::ValueOf(long value) {
   return PlainText<CWValueConverter>(value);
 }
-WString WString::ValueOf(std::uint64_t value) {
+WString WString::ValueOf(unsigned long value) {
+  return PlainText<CWValueConverter>(value);
+}
+WString WString::ValueOf(long long value) {
+  return PlainText<CWValueConverter>(value);
+}
+WString WString::ValueOf(unsigned long long value) {
   return PlainText<CWValueConverter>(value);
 }
 WString WString::ValueOf(double value, unsigned int precision) {

@@ -98,8 +98,10 @@ class KELP0LANG_API BasicValueConverter {
   static S ToString(CIOState& state, C value);
   static S ToString(CIOState& state, int value);
   static S ToString(CIOState& state, unsigned int value);
-  static S ToString(CIOState& state, std::int64_t value);
-  static S ToString(CIOState& state, std::uint64_t value);
+  static S ToString(CIOState& state, long value);
+  static S ToString(CIOState& state, unsigned long value);
+  static S ToString(CIOState& state, long long value);
+  static S ToString(CIOState& state, unsigned long long value);
   // A precision below 1 means 6 unless the form is fixed, where 0 means no decimals. A text of more
   // than 527 units comes out empty.
   static S ToString(CIOState& state, double value);
