@@ -29,7 +29,3 @@ WINAPI_EXPORT HGLOBAL WINAPI LoadResource(HMODULE module, HRSRC resource);
 WINAPI_EXPORT LPVOID WINAPI LockResource(HGLOBAL loaded);
 // In bytes.
 WINAPI_EXPORT DWORD WINAPI SizeofResource(HMODULE module, HRSRC resource);
-// A string of a module's table, cut to size - 1 units and terminated; gives its length in the
-// buffer, 0 where there is none. With size 0 the buffer is a pointer's, which then points to the
-// string itself, and the call gives its length; that text has no terminator.
-WINAPI_EXPORT int WINAPI LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int size);

@@ -297,3 +297,8 @@ WINAPI_EXPORT int WINAPI GetMenuStringW(HMENU menu, UINT item, LPWSTR text, int 
 // there into cch; without a buffer cch becomes the whole length.
 WINAPI_EXPORT BOOL WINAPI GetMenuItemInfoW(HMENU menu, UINT item, BOOL byPosition,
                                            LPMENUITEMINFOW info);
+
+// A string of a module's table, cut to size - 1 units and terminated; gives its length in the
+// buffer, 0 where there is none. With size 0 the buffer is a pointer's, which then points to the
+// string itself, and the call gives its length; that text has no terminator.
+WINAPI_EXPORT int WINAPI LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int size);

@@ -3,16 +3,7 @@
 #include <clocale>
 #include <cstring>
 
-namespace {
-
-bool IsHighSurrogate(char16_t unit) {
-  return unit >= 0xD800 && unit <= 0xDBFF;
-}
-bool IsLowSurrogate(char16_t unit) {
-  return unit >= 0xDC00 && unit <= 0xDFFF;
-}
-
-}  // namespace
+#include "Utf16.h"
 
 bool IsCLocale() {
   const char* name = std::setlocale(LC_CTYPE, nullptr);
@@ -20,11 +11,9 @@ bool IsCLocale() {
 }
 
 std::wint_t NextCharacter(const char16_t*& text) {
-  const char16_t first = *text++;
-  if (IsHighSurrogate(first) && IsLowSurrogate(*text)) {
-    return 0x10000u + ((first - 0xD800u) << 10) + (*text++ - 0xDC00u);
-  }
-  return IsHighSurrogate(first) || IsLowSurrogate(first) ? WEOF : first;
+  // The terminator ends a pair, so that one unit more can be looked at.
+  const char32_t character = NextOfUtf16(text, text + 2);
+  return character == kIllFormed ? WEOF : static_cast<std::wint_t>(character);
 }
 
 int PutCharacter(std::wint_t character, char* bytes, bool cLocale) {

@@ -4,6 +4,9 @@
 #include <chrono>
 #include <ctime>
 
+#include "Fail.h"
+#include "FileTimes.h"
+
 using std::chrono::day;
 using std::chrono::days;
 using std::chrono::floor;
@@ -18,15 +21,14 @@ namespace {
 // 100 nanoseconds.
 using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
 
-constexpr Ticks kSecond{10'000'000};
+constexpr Ticks kSecond{kTicksPerSecond};
 constexpr Ticks kMillisecond{10'000};
 constexpr sys_days kEpoch = year(1601) / 1 / 1;
 constexpr int kFirstYear = 1601;
 constexpr int kLastYear = 30827;
 
 FILETIME ToFileTime(Ticks sinceEpoch) {
-  const auto count = static_cast<std::uint64_t>(sinceEpoch.count());
-  return {static_cast<DWORD>(count), static_cast<DWORD>(count >> 32)};
+  return ::ToFileTime(static_cast<std::uint64_t>(sinceEpoch.count()));
 }
 
 SYSTEMTIME ToSystemTime(Ticks sinceEpoch) {
@@ -58,12 +60,7 @@ timespec Now() {
 }
 
 Ticks SinceEpoch(const timespec& time) {
-  return time.tv_sec * kSecond + Ticks(time.tv_nsec / 100) - Ticks(kEpoch.time_since_epoch());
-}
-
-BOOL RefuseParameter() {
-  SetLastError(ERROR_INVALID_PARAMETER);
-  return FALSE;
+  return Ticks(ToTicks(time.tv_sec, time.tv_nsec));
 }
 
 }  // namespace
@@ -101,7 +98,7 @@ BOOL WINAPI SystemTimeToFileTime(const SYSTEMTIME* time, LPFILETIME fileTime) {
   // The calendar keeps a month or day in 8 bits.
   const bool isDate = time->wYear >= kFirstYear && time->wYear <= kLastYear && time->wMonth <= 12 &&
                       time->wDay <= 31 && date.ok();
-  if (!isDate || !IsTimeOfDay(*time)) return RefuseParameter();
+  if (!isDate || !IsTimeOfDay(*time)) return Fail(ERROR_INVALID_PARAMETER);
   const std::int64_t seconds = (time->wHour * 60 + time->wMinute) * 60 + time->wSecond;
   *fileTime = ToFileTime(Ticks(sys_days(date) - kEpoch) + seconds * kSecond +
                          time->wMilliseconds * kMillisecond);
@@ -109,9 +106,8 @@ BOOL WINAPI SystemTimeToFileTime(const SYSTEMTIME* time, LPFILETIME fileTime) {
 }
 
 BOOL WINAPI FileTimeToSystemTime(const FILETIME* fileTime, LPSYSTEMTIME time) {
-  const auto count = static_cast<std::int64_t>(std::uint64_t{fileTime->dwHighDateTime} << 32 |
-                                               fileTime->dwLowDateTime);
-  if (count < 0) return RefuseParameter();
+  const auto count = static_cast<std::int64_t>(ToTicks(*fileTime));
+  if (count < 0) return Fail(ERROR_INVALID_PARAMETER);
   *time = ToSystemTime(Ticks(count));
   return TRUE;
 }

@@ -1,20 +1,16 @@
-#include <tchar.h>
 #include <windows.h>
 
 #include <climits>
 #include <cstring>
+#include <string>
+
+#include "Fail.h"
+#include "Utf16.h"
 
 namespace {
 
 constexpr UINT kLatin1 = 28591;
 constexpr char32_t kReplacement = 0xFFFD;
-// No character; the decoders give it for an ill-formed piece.
-constexpr char32_t kIllFormed = 0xFFFFFFFF;
-
-int Fail(DWORD error) {
-  SetLastError(error);
-  return 0;
-}
 
 // Counts what is put, and stores it as long as there is room.
 template <class C>
@@ -57,17 +53,10 @@ char32_t NextOfUtf8(const unsigned char*& byte, const unsigned char* end) {
   return value;
 }
 
-char32_t NextOfUtf16(const WCHAR*& unit, const WCHAR* end) {
-  const char32_t first = *unit++;
-  if (first < 0xD800 || first > 0xDFFF) return first;
-  if (first > 0xDBFF || unit == end || *unit < 0xDC00 || *unit > 0xDFFF) return kIllFormed;
-  return 0x10000 + ((first - 0xD800) << 10) + (*unit++ - 0xDC00);
-}
-
 void PutUtf16(char32_t value, Target<WCHAR>& target) {
-  if (value < 0x10000) return target.Put(value);
-  target.Put(0xD7C0 + (value >> 10));
-  target.Put(0xDC00 + (value & 0x3FF));
+  char16_t units[2];
+  const int count = ToUtf16(value, units);
+  for (int i = 0; i < count; ++i) target.Put(units[i]);
 }
 
 void PutUtf8(char32_t value, Target<char>& target) {
@@ -157,8 +146,8 @@ int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR source, int s
   const DWORD allowed = (latin1 ? 0 : WC_ERR_INVALID_CHARS) |
                         (latin1 || IsOfSystem(codePage) ? WC_NO_BEST_FIT_CHARS : 0);
   if ((flags & ~allowed) != 0) return Fail(ERROR_INVALID_FLAGS);
-  const std::size_t size =
-      sourceSize == -1 ? wcslen(source) + 1 : static_cast<std::size_t>(sourceSize);
+  const std::size_t size = sourceSize == -1 ? std::char_traits<WCHAR>::length(source) + 1
+                                            : static_cast<std::size_t>(sourceSize);
   const Target<char> out(target, targetSize);
   if (!latin1) return WideToUtf8(source, size, (flags & WC_ERR_INVALID_CHARS) != 0, out);
   return WideToLatin1(source, size, defaultChar == nullptr ? '?' : *defaultChar, usedDefaultChar,

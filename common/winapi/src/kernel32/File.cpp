@@ -6,20 +6,17 @@
 #include <cerrno>
 #include <string>
 
+#include "Fail.h"
+#include "FileTimes.h"
 #include "kernel32/FileInfo.h"
 #include "kernel32/PathName.h"
 
 namespace {
 
-// Seconds from 1601 to 1970.
-constexpr std::int64_t kEpochSeconds = 11644473600;
-constexpr std::int64_t kTicksPerSecond = 10'000'000;
 constexpr mode_t kAnyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
 
 FILETIME ToFileTime(const statx_timestamp& time) {
-  const auto ticks = static_cast<std::uint64_t>((time.tv_sec + kEpochSeconds) * kTicksPerSecond +
-                                                time.tv_nsec / 100);
-  return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+  return ::ToFileTime(ToTicks(time.tv_sec, time.tv_nsec));
 }
 
 BOOL Finish(int result, const std::string& path) {
@@ -70,8 +67,7 @@ BOOL WINAPI RemoveDirectoryW(LPCWSTR path) {
   if (posix.empty()) return FALSE;
   FileInfo info;
   if (ReadFileInfo(posix, info) && (info.attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-    SetLastError(ERROR_DIRECTORY);
-    return FALSE;
+    return Fail(ERROR_DIRECTORY);
   }
   return Finish(rmdir(posix.c_str()), posix);
 }
@@ -82,8 +78,7 @@ BOOL WINAPI DeleteFileW(LPCWSTR path) {
   FileInfo info;
   if (ReadFileInfo(posix, info) &&
       (info.attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0) {
-    SetLastError(ERROR_ACCESS_DENIED);
-    return FALSE;
+    return Fail(ERROR_ACCESS_DENIED);
   }
   return Finish(unlink(posix.c_str()), posix);
 }

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "Fail.h"
 #include "kernel32/FileInfo.h"
 #include "kernel32/PathName.h"
 
@@ -124,11 +125,6 @@ struct Search {
   }
 };
 
-HANDLE Fail(DWORD error) {
-  SetLastError(error);
-  return INVALID_HANDLE_VALUE;
-}
-
 HANDLE FindOne(const std::string& posix, WIN32_FIND_DATAW& data) {
   const std::size_t name = posix.rfind('/') + 1;
   FileInfo info;
@@ -151,7 +147,7 @@ HANDLE FindMany(std::string folder, std::u16string_view mask, WIN32_FIND_DATAW& 
     return INVALID_HANDLE_VALUE;
   }
   search->folder = folder;
-  if (!search->Next(data)) return Fail(ERROR_FILE_NOT_FOUND);
+  if (!search->Next(data)) return Fail(ERROR_FILE_NOT_FOUND, INVALID_HANDLE_VALUE);
   return search.release();
 }
 
@@ -173,18 +169,15 @@ HANDLE WINAPI FindFirstFileW(LPCWSTR path, LPWIN32_FIND_DATAW data) {
 
 BOOL WINAPI FindNextFileW(HANDLE search, LPWIN32_FIND_DATAW data) {
   if (search == nullptr || search == INVALID_HANDLE_VALUE) {
-    SetLastError(ERROR_INVALID_HANDLE);
-    return FALSE;
+    return Fail(ERROR_INVALID_HANDLE);
   }
   if (static_cast<Search*>(search)->Next(*data)) return TRUE;
-  SetLastError(ERROR_NO_MORE_FILES);
-  return FALSE;
+  return Fail(ERROR_NO_MORE_FILES);
 }
 
 BOOL WINAPI FindClose(HANDLE search) {
   if (search == nullptr || search == INVALID_HANDLE_VALUE) {
-    SetLastError(ERROR_INVALID_HANDLE);
-    return FALSE;
+    return Fail(ERROR_INVALID_HANDLE);
   }
   delete static_cast<Search*>(search);
   return TRUE;

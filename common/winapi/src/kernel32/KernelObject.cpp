@@ -9,6 +9,8 @@
 #include <mutex>
 #include <utility>
 
+#include "Fail.h"
+
 namespace winapi {
 namespace {
 
@@ -92,8 +94,7 @@ HANDLE KernelLock::Add(std::shared_ptr<KernelObject> object) {
   HandleTable& table = Table();
   if (table.free.empty()) {
     if (table.entries.size() > kPlaceMask) {
-      SetLastError(ERROR_TOO_MANY_OPEN_FILES);
-      return nullptr;
+      return Fail<HANDLE>(ERROR_TOO_MANY_OPEN_FILES);
     }
     table.free.push_back(table.entries.size());
     table.entries.emplace_back();
@@ -105,26 +106,23 @@ HANDLE KernelLock::Add(std::shared_ptr<KernelObject> object) {
 }
 
 KernelObject* KernelLock::Find(HANDLE handle) const {
-  if (handle == GetCurrentThread()) return &Thread::Current();
+  if (handle == kCurrentThread) return currentThread;
   const Entry* const entry = Table().Find(handle);
   if (entry != nullptr) return entry->object.get();
-  SetLastError(ERROR_INVALID_HANDLE);
-  return nullptr;
+  return Fail<KernelObject*>(ERROR_INVALID_HANDLE);
 }
 
 KernelObject* KernelLock::FindOfType(HANDLE handle, KernelType type) const {
   KernelObject* const object = Find(handle);
   if (object == nullptr || object->m_type == type) return object;
-  SetLastError(ERROR_INVALID_HANDLE);
-  return nullptr;
+  return Fail<KernelObject*>(ERROR_INVALID_HANDLE);
 }
 
 bool KernelLock::Close(HANDLE handle) {
   if (IsPseudoHandle(handle)) return true;
   Entry* const entry = Table().Find(handle);
   if (entry == nullptr) {
-    SetLastError(ERROR_INVALID_HANDLE);
-    return false;
+    return Fail(ERROR_INVALID_HANDLE);
   }
   Table().free.push_back(static_cast<std::size_t>(entry - Table().entries.data()));
   ++entry->use;

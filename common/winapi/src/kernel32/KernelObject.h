@@ -17,7 +17,6 @@
 namespace winapi {
 
 class KernelObject;
-class Mutex;
 class Thread;
 
 // Where a thread sleeps until another lets it go on.
@@ -64,12 +63,18 @@ class KernelObject : public std::enable_shared_from_this<KernelObject> {
   virtual bool IsSignalled(const Thread& thread) const = 0;
   // What a wait that ends does to the object. Says whether it was an abandoned mutex.
   virtual bool Take(Thread& thread);
+  // What the end of a thread does to an object that it owns.
+  virtual void Abandon() {}
 
  private:
   friend class KernelLock;
   const KernelType m_type;
   std::vector<PendingWait*> m_waits;  // in the order in which they came
 };
+
+// The handle that stands for the thread that uses it, and that thread; null before it is known.
+inline const HANDLE kCurrentThread = reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-2));
+inline constinit thread_local Thread* currentThread = nullptr;
 
 // The lock. All that touches an object or the table is done under it.
 class KernelLock {
@@ -124,11 +129,8 @@ class Thread : public KernelObject {
   bool ended = false;
   DWORD exitCode = 0;
   Times times;  // those of the end, but for the creation
-  std::vector<Mutex*> owned;
+  std::vector<KernelObject*> owned;
   Parking parking;
 };
-
-// Takes its mutexes away from a thread that ends.
-void AbandonMutexes(KernelLock& lock, Thread& thread);
 
 }  // namespace winapi

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "CopyText.h"
+#include "Fail.h"
 #include "kernel32/PathName.h"
 
 namespace {
@@ -81,8 +82,7 @@ HMODULE WINAPI GetModuleHandleW(LPCWSTR name) {
   const auto found = std::find_if(modules.begin(), modules.end(),
                                   [name](const Module& module) { return HasName(module, name); });
   if (found != modules.end()) return HandleOf(*found);
-  SetLastError(ERROR_MOD_NOT_FOUND);
-  return nullptr;
+  return Fail<HMODULE>(ERROR_MOD_NOT_FOUND);
 }
 
 DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size) {
@@ -91,11 +91,9 @@ DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size) {
     return module == nullptr || HandleOf(m) == module;
   });
   if (found == modules.end()) {
-    SetLastError(ERROR_MOD_NOT_FOUND);
-    return 0;
+    return Fail(ERROR_MOD_NOT_FOUND, DWORD{0});
   }
   const int length = CopyText(found->path, path, static_cast<int>(size));
   if (static_cast<std::size_t>(length) == found->path.size()) return static_cast<DWORD>(length);
-  SetLastError(ERROR_INSUFFICIENT_BUFFER);
-  return size;
+  return Fail(ERROR_INSUFFICIENT_BUFFER, size);
 }

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "Fail.h"
 #include "kernel32/PathName.h"
 
 namespace {
@@ -29,11 +30,6 @@ void FlushFolderOf(const std::string& path) {
   if (folder < 0) return;
   fsync(folder);
   close(folder);
-}
-
-BOOL Fail(DWORD error) {
-  SetLastError(error);
-  return FALSE;
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "Fail.h"
 #include "kernel32/Drive.h"
 #include "kernel32/PathName.h"
 
@@ -33,8 +34,7 @@ BOOL WINAPI SetCurrentDirectoryW(LPCWSTR path) {
 
 DWORD WINAPI GetFullPathNameW(LPCWSTR path, DWORD size, LPWSTR buffer, LPWSTR* filePart) {
   if (path == nullptr || *path == 0) {
-    SetLastError(ERROR_INVALID_NAME);
-    return 0;
+    return Fail(ERROR_INVALID_NAME, DWORD{0});
   }
   const std::u16string full = FullPath(path);
   const DWORD result = GiveText(full, size, buffer);

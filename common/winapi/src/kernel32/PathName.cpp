@@ -15,6 +15,7 @@
 #include <memory>
 #include <utility>
 
+#include "Fail.h"
 #include "kernel32/Drive.h"
 
 std::string ToUtf8(std::u16string_view text) {
@@ -168,11 +169,6 @@ std::string OnDisk(const std::string& asGiven, std::size_t rootSize) {
   return path;
 }
 
-bool Refuse(DWORD error) {
-  SetLastError(error);
-  return false;
-}
-
 }  // namespace
 
 std::u16string CurrentFolder() {
@@ -227,16 +223,16 @@ struct GivenPath {
 };
 
 bool ReadPath(const char16_t* path, GivenPath& given) {
-  if (path == nullptr || *path == 0) return Refuse(ERROR_PATH_NOT_FOUND);
+  if (path == nullptr || *path == 0) return Fail(ERROR_PATH_NOT_FOUND);
   const std::u16string full = FullPath(path);
-  if (!StartsWithDrive(full)) return Refuse(ERROR_PATH_NOT_FOUND);
+  if (!StartsWithDrive(full)) return Fail(ERROR_PATH_NOT_FOUND);
   std::u16string_view names = std::u16string_view(full).substr(2);
   given.endsInSeparator = names.back() == '\\';
   names.remove_suffix(given.endsInSeparator);
   given.posix = ToUtf8(names);
-  if (!ToPosixBytes(given.posix)) return Refuse(ERROR_INVALID_NAME);
+  if (!ToPosixBytes(given.posix)) return Fail(ERROR_INVALID_NAME);
   std::string root;
-  if (!FindDrive(full[0], root)) return Refuse(ERROR_PATH_NOT_FOUND);
+  if (!FindDrive(full[0], root)) return Fail(ERROR_PATH_NOT_FOUND);
   given.rootSize = root.size();
   given.posix.insert(0, root);
   return true;

@@ -1,5 +1,4 @@
 // The resources of modules: string tables.
-#include <tchar.h>
 #include <windows.h>
 
 #include <algorithm>
@@ -10,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "CopyText.h"
+#include "Fail.h"
 #include "winapi_host.h"
 
 namespace {
@@ -60,12 +59,9 @@ Block MakeBlock(WORD name, const std::map<WORD, std::u16string_view>& strings) {
 std::optional<WORD> NumberOf(LPCWSTR name) {
   if (IS_INTRESOURCE(name)) return static_cast<WORD>(reinterpret_cast<ULONG_PTR>(name));
   if (name[0] != u'#') return std::nullopt;
-  return static_cast<WORD>(_wtoi(name + 1));
-}
-
-HRSRC NotFound(DWORD error) {
-  SetLastError(error);
-  return nullptr;
+  unsigned number = 0;
+  for (++name; *name >= u'0' && *name <= u'9'; ++name) number = number * 10 + (*name - u'0');
+  return static_cast<WORD>(number);
 }
 
 HRSRC HandleOf(const Block& block) {
@@ -103,14 +99,14 @@ HRSRC WINAPI FindResourceExW(HMODULE module, LPCWSTR type, LPCWSTR name, WORD la
   const HMODULE owner = ModuleOrProgram(module);
   const std::lock_guard lock(All().mutex);
   const auto blocks = All().modules.find(owner);
-  if (blocks == All().modules.end()) return NotFound(ERROR_RESOURCE_DATA_NOT_FOUND);
-  if (NumberOf(type) != kStringType) return NotFound(ERROR_RESOURCE_TYPE_NOT_FOUND);
+  if (blocks == All().modules.end()) return Fail<HRSRC>(ERROR_RESOURCE_DATA_NOT_FOUND);
+  if (NumberOf(type) != kStringType) return Fail<HRSRC>(ERROR_RESOURCE_TYPE_NOT_FOUND);
   const auto number = NumberOf(name);
   const auto languages = number ? blocks->second.find(*number) : blocks->second.end();
-  if (languages == blocks->second.end()) return NotFound(ERROR_RESOURCE_NAME_NOT_FOUND);
+  if (languages == blocks->second.end()) return Fail<HRSRC>(ERROR_RESOURCE_NAME_NOT_FOUND);
   if (language == 0) return HandleOf(languages->second.begin()->second);
   const auto block = languages->second.find(language);
-  if (block == languages->second.end()) return NotFound(ERROR_RESOURCE_LANG_NOT_FOUND);
+  if (block == languages->second.end()) return Fail<HRSRC>(ERROR_RESOURCE_LANG_NOT_FOUND);
   return HandleOf(block->second);
 }
 
@@ -126,16 +122,4 @@ LPVOID WINAPI LockResource(HGLOBAL loaded) {
 DWORD WINAPI SizeofResource(HMODULE, HRSRC resource) {
   if (resource == nullptr) return 0;
   return static_cast<DWORD>(BlockAt(resource)->size() * sizeof(WCHAR));
-}
-
-int WINAPI LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int size) {
-  if (buffer == nullptr || size < 0) return 0;
-  const HRSRC resource =
-      FindResourceW(module, MAKEINTRESOURCEW(BlockOf(id)), MAKEINTRESOURCEW(kStringType));
-  const auto* counted = static_cast<const WCHAR*>(LockResource(LoadResource(module, resource)));
-  if (counted == nullptr) return CopyText(u"", buffer, size);
-  for (UINT i = 0; i < id % kBlockSize; ++i) counted += 1 + *counted;
-  if (size > 0) return CopyText({counted + 1, *counted}, buffer, size);
-  *reinterpret_cast<LPCWSTR*>(buffer) = counted + 1;
-  return *counted;
 }

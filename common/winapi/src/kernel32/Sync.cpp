@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "Fail.h"
 #include "kernel32/KernelObject.h"
 
 namespace winapi {
@@ -37,7 +38,7 @@ class Mutex : public KernelObject {
   }
 
   // The caller takes it off the owner's list.
-  void Abandon() {
+  void Abandon() override {
     m_owner = nullptr;
     m_count = 0;
     m_abandoned = true;
@@ -48,15 +49,6 @@ class Mutex : public KernelObject {
   unsigned m_count = 0;
   bool m_abandoned = false;
 };
-
-void AbandonMutexes(KernelLock& lock, Thread& thread) {
-  while (!thread.owned.empty()) {
-    Mutex& mutex = *thread.owned.back();
-    thread.owned.pop_back();
-    mutex.Abandon();
-    lock.EndWaits(mutex);
-  }
-}
 
 namespace {
 
@@ -99,15 +91,9 @@ class Semaphore : public KernelObject {
   const LONG m_maximum;
 };
 
-bool Refuse(DWORD error) {
-  SetLastError(error);
-  return false;
-}
-
 HANDLE Add(std::shared_ptr<KernelObject> object, LPCWSTR name) {
   if (name == nullptr) return KernelLock().Add(std::move(object));
-  SetLastError(ERROR_NOT_SUPPORTED);
-  return nullptr;
+  return Fail<HANDLE>(ERROR_NOT_SUPPORTED);
 }
 
 }  // namespace
@@ -183,7 +169,7 @@ BOOL WINAPI ReleaseMutex(HANDLE mutex) {
   KernelLock lock;
   auto* const object = lock.Find<winapi::Mutex>(mutex);
   if (object == nullptr) return FALSE;
-  if (!object->Release(winapi::Thread::Current())) return winapi::Refuse(ERROR_NOT_OWNER);
+  if (!object->Release(winapi::Thread::Current())) return Fail(ERROR_NOT_OWNER);
   if (object->IsFree()) lock.EndWaits(*object);
   return TRUE;
 }
@@ -191,8 +177,7 @@ BOOL WINAPI ReleaseMutex(HANDLE mutex) {
 HANDLE WINAPI CreateSemaphoreW(LPSECURITY_ATTRIBUTES, LONG initialCount, LONG maximumCount,
                                LPCWSTR name) {
   if (maximumCount < 1 || initialCount < 0 || initialCount > maximumCount) {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return nullptr;
+    return Fail<HANDLE>(ERROR_INVALID_PARAMETER);
   }
   return winapi::Add(std::make_shared<winapi::Semaphore>(initialCount, maximumCount), name);
 }
@@ -201,9 +186,9 @@ BOOL WINAPI ReleaseSemaphore(HANDLE semaphore, LONG count, LPLONG previousCount)
   KernelLock lock;
   auto* const object = lock.Find<winapi::Semaphore>(semaphore);
   if (object == nullptr) return FALSE;
-  if (count < 1) return winapi::Refuse(ERROR_INVALID_PARAMETER);
+  if (count < 1) return Fail(ERROR_INVALID_PARAMETER);
   const LONG previous = object->Count();
-  if (!object->Release(count)) return winapi::Refuse(ERROR_TOO_MANY_POSTS);
+  if (!object->Release(count)) return Fail(ERROR_TOO_MANY_POSTS);
   if (previousCount != nullptr) *previousCount = previous;
   lock.EndWaits(*object);
   return TRUE;

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <string>
 
+#include "Fail.h"
 #include "kernel32/PathName.h"
 #include "kernel32/UserFolders.h"
 
@@ -13,8 +14,7 @@ UINT WINAPI GetWindowsDirectoryW(LPWSTR buffer, UINT size) {
 
 DWORD WINAPI GetShortPathNameW(LPCWSTR path, LPWSTR shortPath, DWORD size) {
   if (path == nullptr) {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return 0;
+    return Fail(ERROR_INVALID_PARAMETER, DWORD{0});
   }
   const std::string file = ToPosixPath(path);
   if (file.empty()) return 0;

@@ -10,34 +10,31 @@
 #include <string_view>
 #include <utility>
 
+#include "Fail.h"
+#include "FileTimes.h"
 #include "kernel32/KernelObject.h"
 
 namespace winapi {
 namespace {
 
-using Ticks = std::uint64_t;  // of 100 nanoseconds
-constexpr Ticks kTicksPerSecond = 10'000'000;
-constexpr Ticks kUnixEpoch = 11644473600 * kTicksPerSecond;  // 1970, from 1601
+using Ticks = std::uint64_t;
 
 constinit thread_local DWORD threadId = 0;
-constinit thread_local Thread* currentThread = nullptr;
 
-Ticks Clock(clockid_t clock) {
+Ticks SinceBoot() {
   std::timespec time;
-  clock_gettime(clock, &time);
-  return static_cast<Ticks>(time.tv_sec) * kTicksPerSecond + static_cast<Ticks>(time.tv_nsec) / 100;
+  clock_gettime(CLOCK_BOOTTIME, &time);
+  return static_cast<Ticks>(time.tv_sec * kTicksPerSecond + time.tv_nsec / 100);
 }
 
 Ticks Now() {
-  return kUnixEpoch + Clock(CLOCK_REALTIME);
+  std::timespec time;
+  clock_gettime(CLOCK_REALTIME, &time);
+  return ToTicks(time.tv_sec, time.tv_nsec);
 }
 
 Ticks ToTicks(const timeval& time) {
-  return static_cast<Ticks>(time.tv_sec) * kTicksPerSecond + static_cast<Ticks>(time.tv_usec) * 10;
-}
-
-FILETIME ToFileTime(Ticks ticks) {
-  return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+  return static_cast<Ticks>(time.tv_sec * kTicksPerSecond + time.tv_usec * 10);
 }
 
 // The processor's times of the calling thread.
@@ -65,10 +62,10 @@ void ReadShownTimes(DWORD id, Thread::Times& times) {
   constexpr const char* kFields =
       ") %*c %*d %*d %*d %*d %*d %*u %*u %*u %*u %*u %lu %lu %*d %*d %*d %*d %*d %*d %llu";
   if (std::sscanf(line + name, kFields, &user, &kernel, &start) != 3) return;
-  const Ticks unit = kTicksPerSecond / static_cast<Ticks>(sysconf(_SC_CLK_TCK));
+  const Ticks unit = static_cast<Ticks>(kTicksPerSecond / sysconf(_SC_CLK_TCK));
   times.user = user * unit;
   times.kernel = kernel * unit;
-  times.creation = Now() - Clock(CLOCK_BOOTTIME) + start * unit;
+  times.creation = Now() - SinceBoot() + start * unit;
 }
 
 // A thread keeps its record to its end.
@@ -80,7 +77,12 @@ void EndThread(void* pointer) {
   currentThread = nullptr;
 
   KernelLock lock;
-  AbandonMutexes(lock, thread);
+  while (!thread.owned.empty()) {
+    KernelObject& object = *thread.owned.back();
+    thread.owned.pop_back();
+    object.Abandon();
+    lock.EndWaits(object);
+  }
   ReadOwnTimes(thread.times);
   thread.times.exit = Now();
   thread.ended = true;
@@ -155,8 +157,7 @@ using winapi::Thread;
 HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES, SIZE_T stackSize, LPTHREAD_START_ROUTINE start,
                            LPVOID parameter, DWORD flags, LPDWORD newThreadId) {
   if (flags != 0) {
-    SetLastError(ERROR_NOT_SUPPORTED);
-    return nullptr;
+    return Fail<HANDLE>(ERROR_NOT_SUPPORTED);
   }
   const auto thread = std::make_shared<Thread>();
   thread->times.creation = winapi::Now();
@@ -167,8 +168,7 @@ HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES, SIZE_T stackSize, LPTHREAD_STA
   if (winapi::StartThread(stackSize, std::make_unique<winapi::Start>(
                                          winapi::Start{thread, start, parameter, wanted})) != 0) {
     CloseHandle(handle);
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return nullptr;
+    return Fail<HANDLE>(ERROR_NOT_ENOUGH_MEMORY);
   }
   if (newThreadId != nullptr) {
     hasId.Sleep(nullptr);
@@ -200,15 +200,15 @@ BOOL WINAPI GetThreadTimes(HANDLE thread, LPFILETIME creation, LPFILETIME exit, 
     object->times.creation = times.creation;
   }
   if (object == current) winapi::ReadOwnTimes(times);
-  *creation = winapi::ToFileTime(times.creation);
-  *exit = winapi::ToFileTime(times.exit);
-  *kernel = winapi::ToFileTime(times.kernel);
-  *user = winapi::ToFileTime(times.user);
+  *creation = ToFileTime(times.creation);
+  *exit = ToFileTime(times.exit);
+  *kernel = ToFileTime(times.kernel);
+  *user = ToFileTime(times.user);
   return TRUE;
 }
 
 HANDLE WINAPI GetCurrentThread() {
-  return reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-2));
+  return winapi::kCurrentThread;
 }
 
 DWORD WINAPI GetCurrentThreadId() {

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <ctime>
 
+#include "Fail.h"
 #include "kernel32/KernelObject.h"
 
 namespace winapi {
@@ -22,11 +23,6 @@ std::timespec After(DWORD milliseconds) {
     time.tv_nsec -= kSecond;
   }
   return time;
-}
-
-DWORD Refuse(DWORD error) {
-  SetLastError(error);
-  return WAIT_FAILED;
 }
 
 // Sleeps until the wait, now enlisted, has ended or its time has run out.
@@ -55,7 +51,7 @@ DWORD WaitFor(DWORD count, const HANDLE* handles, bool all, DWORD milliseconds) 
       objects[i] = lock.Find(handles[i]);
       if (objects[i] == nullptr) return WAIT_FAILED;
       if (all && std::find(objects, objects + i, objects[i]) != objects + i) {
-        return Refuse(ERROR_INVALID_PARAMETER);
+        return Fail(ERROR_INVALID_PARAMETER, WAIT_FAILED);
       }
     }
     if (lock.TryTake(thread, objects, count, all, wait.result)) return wait.result;
@@ -75,7 +71,7 @@ DWORD WINAPI WaitForSingleObject(HANDLE object, DWORD milliseconds) {
 
 DWORD WINAPI WaitForMultipleObjects(DWORD count, const HANDLE* objects, BOOL waitAll,
                                     DWORD milliseconds) {
-  if (count == 0 || count > MAXIMUM_WAIT_OBJECTS) return winapi::Refuse(ERROR_INVALID_PARAMETER);
+  if (count == 0 || count > MAXIMUM_WAIT_OBJECTS) return Fail(ERROR_INVALID_PARAMETER, WAIT_FAILED);
   return winapi::WaitFor(count, objects, waitAll != FALSE, milliseconds);
 }
 

@@ -9,6 +9,7 @@
 #include <windows.h>
 
 #include "CopyText.h"
+#include "Fail.h"
 
 namespace {
 
@@ -40,17 +41,11 @@ Menus& All() {
   return *menus;
 }
 
-int Fail(DWORD error) {
-  SetLastError(error);
-  return 0;
-}
-
 // With the lock held, as all below. Null with the last error.
 Items* ItemsOf(HMENU menu) {
   const auto found = All().menus.find(menu);
   if (found != All().menus.end()) return &found->second;
-  SetLastError(ERROR_INVALID_MENU_HANDLE);
-  return nullptr;
+  return Fail<Items*>(ERROR_INVALID_MENU_HANDLE);
 }
 
 struct Place {
@@ -100,8 +95,7 @@ bool CanOpen(HMENU menu, UINT flags, UINT_PTR id) {
   if ((flags & MF_POPUP) == 0) return true;
   const auto subMenu = reinterpret_cast<HMENU>(id);
   if (All().menus.contains(subMenu) && !Holds(subMenu, menu)) return true;
-  SetLastError(ERROR_INVALID_PARAMETER);
-  return false;
+  return Fail(ERROR_INVALID_PARAMETER);
 }
 
 Item MakeItem(UINT flags, UINT_PTR id, LPCWSTR content) {

@@ -2,45 +2,12 @@
 #include <algorithm>
 #include <chrono>
 
+#include "Fail.h"
 #include "user32/WindowTable.h"
 
 namespace winapi {
 
-void SentMessage::Answer(LRESULT answer) {
-  result = answer;
-  answered = true;
-  sender->wake.notify_one();
-}
-
-void SentMessage::Fail() {
-  failed = true;
-  Answer(0);
-}
-
 namespace {
-
-// The thread's hold on its queue.
-class QueueOwner {
- public:
-  QueueOwner() {
-    const std::lock_guard lock(Table().mutex);
-    Table().queues[m_queue->threadId] = m_queue;
-  }
-  ~QueueOwner() {
-    WindowTable& table = Table();
-    const std::lock_guard lock(table.mutex);
-    std::vector<HWND> windows;
-    for (const auto& [handle, window] : table.windows) {
-      if (window->queue == m_queue) windows.push_back(handle);
-    }
-    for (const HWND window : windows) table.Erase(window);
-    table.queues.erase(m_queue->threadId);
-  }
-  const std::shared_ptr<MessageQueue>& Queue() const { return m_queue; }
-
- private:
-  std::shared_ptr<MessageQueue> m_queue = std::make_shared<MessageQueue>();
-};
 
 constexpr std::size_t kMaxPosted = 10000;
 const HWND kNoWindow = reinterpret_cast<HWND>(static_cast<std::intptr_t>(-1));
@@ -74,8 +41,7 @@ bool AnswerOne(std::unique_lock<std::mutex>& lock, MessageQueue& queue) {
 
 bool Post(MessageQueue& queue, const MSG& message) {
   if (queue.posted.size() >= kMaxPosted) {
-    SetLastError(ERROR_NOT_ENOUGH_QUOTA);
-    return false;
+    return Fail(ERROR_NOT_ENOUGH_QUOTA);
   }
   queue.posted.push_back(message);
   queue.wake.notify_one();
@@ -135,7 +101,7 @@ int Retrieve(MSG* message, const Filter& filter, bool remove, Wait wait) {
     if (filter.HasWindow()) {
       // Looked up each time: the window may go while the loop waits for its messages.
       const auto window = Table().Find(filter.window);
-      if (window == nullptr || window->queue != queue) return InvalidWindow() - 1;
+      if (window == nullptr || window->queue != queue) return Fail(ERROR_INVALID_WINDOW_HANDLE, -1);
     }
     if (NextMessage(*queue, filter, remove, message)) return 1;
     if (wait == Wait::kNo) return 0;
@@ -145,11 +111,6 @@ int Retrieve(MSG* message, const Filter& filter, bool remove, Wait wait) {
 
 }  // namespace
 
-std::shared_ptr<MessageQueue> ThreadQueue() {
-  thread_local const QueueOwner owner;
-  return owner.Queue();
-}
-
 }  // namespace winapi
 
 using winapi::Table;
@@ -158,7 +119,7 @@ LRESULT WINAPI SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lPa
   const auto queue = winapi::ThreadQueue();
   std::unique_lock lock(Table().mutex);
   const auto record = Table().Find(window);
-  if (record == nullptr) return winapi::InvalidWindow();
+  if (record == nullptr) return Fail(ERROR_INVALID_WINDOW_HANDLE);
   if (record->queue == queue) {
     const WNDPROC procedure = record->procedure;
     lock.unlock();
@@ -172,7 +133,7 @@ LRESULT WINAPI SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lPa
   while (!sent->answered) {
     if (!winapi::AnswerOne(lock, *queue)) queue->wake.wait(lock);
   }
-  return sent->failed ? winapi::InvalidWindow() : sent->result;
+  return sent->failed ? Fail(ERROR_INVALID_WINDOW_HANDLE) : sent->result;
 }
 
 BOOL WINAPI PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -180,7 +141,7 @@ BOOL WINAPI PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam
   if (window == nullptr) return PostThreadMessageW(queue->threadId, message, wParam, lParam);
   const std::lock_guard lock(Table().mutex);
   const auto record = Table().Find(window);
-  if (record == nullptr) return winapi::InvalidWindow();
+  if (record == nullptr) return Fail(ERROR_INVALID_WINDOW_HANDLE);
   return winapi::Post(*record->queue, {window, message, wParam, lParam, winapi::Now(), {0, 0}});
 }
 
@@ -188,8 +149,7 @@ BOOL WINAPI PostThreadMessageW(DWORD threadId, UINT message, WPARAM wParam, LPAR
   const std::lock_guard lock(Table().mutex);
   const auto found = Table().queues.find(threadId);
   if (found == Table().queues.end()) {
-    SetLastError(ERROR_INVALID_THREAD_ID);
-    return FALSE;
+    return Fail(ERROR_INVALID_THREAD_ID);
   }
   return winapi::Post(*found->second, {nullptr, message, wParam, lParam, winapi::Now(), {0, 0}});
 }

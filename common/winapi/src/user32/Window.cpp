@@ -1,69 +1,55 @@
 // Window classes, windows, their text and values.
-#include <tchar.h>
-
 #include <algorithm>
 #include <cstring>
 
 #include "CopyText.h"
+#include "Fail.h"
+#include "kernel32/PathName.h"
 #include "user32/WindowTable.h"
 
 namespace winapi {
 
-WindowTable& Table() {
-  static WindowTable* const table = new WindowTable;
-  return *table;
-}
-
-int InvalidWindow() {
-  SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-  return 0;
-}
-
-std::shared_ptr<Window> WindowTable::Find(HWND window) const {
-  const auto found = windows.find(window);
-  return found == windows.end() ? nullptr : found->second;
-}
-
-void WindowTable::Erase(HWND window) {
-  const auto record = Find(window);
-  if (record == nullptr) return;
-  windows.erase(window);
-  --record->windowClass->windows;
-  if (record->menu != nullptr) DestroyMenu(record->menu);
-  MessageQueue& queue = *record->queue;
-  std::erase_if(queue.posted, [window](const MSG& message) { return message.hwnd == window; });
-  std::erase_if(queue.sent, [window](const std::shared_ptr<SentMessage>& sent) {
-    if (sent->window != window) return false;
-    sent->Fail();
-    return true;
-  });
-  // A loop that waits for this window's messages has to see that it is gone.
-  queue.wake.notify_one();
-}
-
 namespace {
 
 constexpr ATOM kFirstAtom = 0xC000;
-
-int Fail(DWORD error) {
-  SetLastError(error);
-  return 0;
-}
 
 HINSTANCE InstanceOrProgram(HINSTANCE instance) {
   static const HINSTANCE program = GetModuleHandleW(nullptr);
   return instance != nullptr ? instance : program;
 }
 
+using Classes = std::vector<std::shared_ptr<WindowClass>>;
+
+ATOM FreeAtom(const Classes& classes) {
+  ATOM atom = kFirstAtom;
+  for (const auto& c : classes) atom = std::max<ATOM>(atom, c->atom + 1);
+  return atom;
+}
+
+Classes ClassesOfSystem() {
+  Classes classes;
+  for (const char16_t* name : {u"Button", u"ComboBox", u"Edit", u"ListBox", u"Static"}) {
+    classes.push_back(std::make_shared<WindowClass>(
+        WindowClass{name, FreeAtom(classes), nullptr, ClassScope::kSystem, DefWindowProcW, 0}));
+  }
+  return classes;
+}
+
+// All that are registered, guarded by the table's lock. They outlive all threads.
+Classes& AllClasses() {
+  static Classes& classes = *new Classes(ClassesOfSystem());
+  return classes;
+}
+
 // Under a name or atom, of a module, the process or the system.
 std::shared_ptr<WindowClass> FindClass(LPCWSTR name, HINSTANCE instance, ClassScope scope) {
-  const auto& classes = Table().classes;
+  const Classes& classes = AllClasses();
   const auto found = std::find_if(classes.begin(), classes.end(), [=](const auto& c) {
     if (c->scope != scope || (scope == ClassScope::kModule && c->instance != instance)) {
       return false;
     }
     return IS_INTRESOURCE(name) ? c->atom == static_cast<ATOM>(reinterpret_cast<ULONG_PTR>(name))
-                                : _wcsicmp(c->name.c_str(), name) == 0;
+                                : FoldedName(c->name) == FoldedName(name);
   });
   return found == classes.end() ? nullptr : *found;
 }
@@ -73,12 +59,6 @@ std::shared_ptr<WindowClass> FindClass(LPCWSTR name, HINSTANCE instance) {
     if (const auto found = FindClass(name, instance, scope)) return found;
   }
   return nullptr;
-}
-
-ATOM FreeAtom(const std::vector<std::shared_ptr<WindowClass>>& classes) {
-  ATOM atom = kFirstAtom;
-  for (const auto& c : classes) atom = std::max<ATOM>(atom, c->atom + 1);
-  return atom;
 }
 
 // A handle is never given twice, so that a stale one stays invalid.
@@ -157,18 +137,15 @@ HWND MakeWindow(LPCWSTR className, const CREATESTRUCTW& create) {
   const std::lock_guard lock(Table().mutex);
   const auto windowClass = FindClass(className, create.hInstance);
   if (windowClass == nullptr) {
-    Fail(ERROR_CANNOT_FIND_WND_CLASS);
-    return nullptr;
+    return Fail<HWND>(ERROR_CANNOT_FIND_WND_CLASS);
   }
   const DWORD style = static_cast<DWORD>(create.style);
   const HWND parent = create.hwndParent;
   if (parent == nullptr && (style & WS_CHILD) != 0) {
-    Fail(ERROR_TLW_WITH_WSCHILD);
-    return nullptr;
+    return Fail<HWND>(ERROR_TLW_WITH_WSCHILD);
   }
   if (parent != nullptr && parent != HWND_MESSAGE && Table().Find(parent) == nullptr) {
-    InvalidWindow();
-    return nullptr;
+    return Fail<HWND>(ERROR_INVALID_WINDOW_HANDLE);
   }
 
   const auto window = std::make_shared<Window>();
@@ -209,8 +186,7 @@ void* ValueOf(Window& window, int index, std::size_t width) {
   if (index >= 0 && static_cast<std::size_t>(index) + width <= window.extra.size()) {
     return window.extra.data() + index;
   }
-  SetLastError(ERROR_INVALID_INDEX);
-  return nullptr;
+  return Fail<void*>(ERROR_INVALID_INDEX);
 }
 
 // Reads a value and, where there is a new one, replaces it.
@@ -218,7 +194,7 @@ template <class Value>
 Value ExchangeValue(HWND window, int index, const Value* value) {
   const std::lock_guard lock(Table().mutex);
   const auto record = Table().Find(window);
-  if (record == nullptr) return InvalidWindow();
+  if (record == nullptr) return Fail(ERROR_INVALID_WINDOW_HANDLE);
   void* const place = ValueOf(*record, index, sizeof(Value));
   if (place == nullptr) return 0;
   Value before;
@@ -230,7 +206,7 @@ Value ExchangeValue(HWND window, int index, const Value* value) {
 BOOL SetText(HWND window, LPCWSTR text) {
   const std::lock_guard lock(Table().mutex);
   const auto record = Table().Find(window);
-  if (record == nullptr) return InvalidWindow();
+  if (record == nullptr) return Fail(ERROR_INVALID_WINDOW_HANDLE);
   record->text = text != nullptr ? text : u"";
   return TRUE;
 }
@@ -242,13 +218,6 @@ std::u16string TextOf(HWND window) {
 }
 
 }  // namespace
-
-WindowTable::WindowTable() {
-  for (const char16_t* name : {u"Button", u"ComboBox", u"Edit", u"ListBox", u"Static"}) {
-    classes.push_back(std::make_shared<WindowClass>(
-        WindowClass{name, FreeAtom(classes), nullptr, ClassScope::kSystem, DefWindowProcW, 0}));
-  }
-}
 
 }  // namespace winapi
 
@@ -266,19 +235,19 @@ ATOM WINAPI RegisterClassExW(const WNDCLASSEXW* windowClass) {
   const WNDCLASSEXW& c = *windowClass;
   if (c.cbSize != sizeof(WNDCLASSEXW) || c.lpfnWndProc == nullptr || c.cbClsExtra < 0 ||
       c.cbWndExtra < 0 || IS_INTRESOURCE(c.lpszClassName)) {
-    return static_cast<ATOM>(winapi::Fail(ERROR_INVALID_PARAMETER));
+    return Fail<ATOM>(ERROR_INVALID_PARAMETER);
   }
   const HINSTANCE instance = winapi::InstanceOrProgram(c.hInstance);
   const auto scope =
       (c.style & CS_GLOBALCLASS) != 0 ? winapi::ClassScope::kProcess : winapi::ClassScope::kModule;
   const std::lock_guard lock(Table().mutex);
   if (winapi::FindClass(c.lpszClassName, instance, scope) != nullptr) {
-    return static_cast<ATOM>(winapi::Fail(ERROR_CLASS_ALREADY_EXISTS));
+    return Fail<ATOM>(ERROR_CLASS_ALREADY_EXISTS);
   }
   const auto added = std::make_shared<winapi::WindowClass>(
-      winapi::WindowClass{c.lpszClassName, winapi::FreeAtom(Table().classes), instance, scope,
+      winapi::WindowClass{c.lpszClassName, winapi::FreeAtom(winapi::AllClasses()), instance, scope,
                           c.lpfnWndProc, static_cast<std::size_t>(c.cbWndExtra)});
-  Table().classes.push_back(added);
+  winapi::AllClasses().push_back(added);
   return added->atom;
 }
 
@@ -286,10 +255,10 @@ BOOL WINAPI UnregisterClassW(LPCWSTR name, HINSTANCE instance) {
   const std::lock_guard lock(Table().mutex);
   const auto found = winapi::FindClass(name, winapi::InstanceOrProgram(instance));
   if (found == nullptr || found->scope == winapi::ClassScope::kSystem) {
-    return winapi::Fail(ERROR_CLASS_DOES_NOT_EXIST);
+    return Fail(ERROR_CLASS_DOES_NOT_EXIST);
   }
-  if (found->windows > 0) return winapi::Fail(ERROR_CLASS_HAS_WINDOWS);
-  std::erase(Table().classes, found);
+  if (found->windows > 0) return Fail(ERROR_CLASS_HAS_WINDOWS);
+  std::erase(winapi::AllClasses(), found);
   return TRUE;
 }
 
@@ -324,8 +293,8 @@ BOOL WINAPI DestroyWindow(HWND window) {
   {
     const std::lock_guard lock(Table().mutex);
     const auto record = Table().Find(window);
-    if (record == nullptr || record->destroying) return winapi::InvalidWindow();
-    if (record->queue != queue) return winapi::Fail(ERROR_ACCESS_DENIED);
+    if (record == nullptr || record->destroying) return Fail(ERROR_INVALID_WINDOW_HANDLE);
+    if (record->queue != queue) return Fail(ERROR_ACCESS_DENIED);
   }
   winapi::Destroy(window);
   return TRUE;
@@ -340,8 +309,7 @@ HWND WINAPI GetWindow(HWND window, UINT command) {
   const std::lock_guard lock(Table().mutex);
   const auto record = Table().Find(window);
   if (record == nullptr) {
-    winapi::InvalidWindow();
-    return nullptr;
+    return Fail<HWND>(ERROR_INVALID_WINDOW_HANDLE);
   }
   const auto top = [](const std::vector<HWND>& windows) {
     return windows.empty() ? nullptr : windows.front();
@@ -360,8 +328,7 @@ HWND WINAPI GetWindow(HWND window, UINT command) {
     case GW_CHILD:
       return top(winapi::InOrder(window));
     default:
-      winapi::Fail(ERROR_INVALID_GW_COMMAND);
-      return nullptr;
+      return Fail<HWND>(ERROR_INVALID_GW_COMMAND);
   }
 }
 
@@ -369,8 +336,7 @@ HWND WINAPI GetParent(HWND window) {
   const std::lock_guard lock(Table().mutex);
   const auto record = Table().Find(window);
   if (record == nullptr) {
-    winapi::InvalidWindow();
-    return nullptr;
+    return Fail<HWND>(ERROR_INVALID_WINDOW_HANDLE);
   }
   if (record->IsChild()) return record->parent;
   return (record->style & WS_POPUP) != 0 ? record->Owner() : nullptr;
@@ -379,8 +345,8 @@ HWND WINAPI GetParent(HWND window) {
 int WINAPI GetClassNameW(HWND window, LPWSTR name, int size) {
   const std::lock_guard lock(Table().mutex);
   const auto record = Table().Find(window);
-  if (record == nullptr) return winapi::InvalidWindow();
-  if (size <= 0) return winapi::Fail(ERROR_INSUFFICIENT_BUFFER);
+  if (record == nullptr) return Fail(ERROR_INVALID_WINDOW_HANDLE);
+  if (size <= 0) return Fail(ERROR_INSUFFICIENT_BUFFER);
   return CopyText(record->windowClass->name, name, size);
 }
 
@@ -388,8 +354,7 @@ HMENU WINAPI GetMenu(HWND window) {
   const std::lock_guard lock(Table().mutex);
   const auto record = Table().Find(window);
   if (record != nullptr) return record->menu;
-  winapi::InvalidWindow();
-  return nullptr;
+  return Fail<HMENU>(ERROR_INVALID_WINDOW_HANDLE);
 }
 
 int WINAPI GetWindowTextLengthW(HWND window) {
@@ -414,7 +379,7 @@ HWND WINAPI GetActiveWindow() {
 DWORD WINAPI GetWindowThreadProcessId(HWND window, LPDWORD processId) {
   const std::lock_guard lock(Table().mutex);
   const auto record = Table().Find(window);
-  if (record == nullptr) return static_cast<DWORD>(winapi::InvalidWindow());
+  if (record == nullptr) return Fail<DWORD>(ERROR_INVALID_WINDOW_HANDLE);
   if (processId != nullptr) *processId = GetCurrentProcessId();
   return record->queue->threadId;
 }
@@ -454,6 +419,6 @@ LONG_PTR WINAPI GetWindowLongPtrW(HWND window, int index) {
 }
 
 LONG_PTR WINAPI SetWindowLongPtrW(HWND window, int index, LONG_PTR value) {
-  if (index == GWL_STYLE || index == GWL_EXSTYLE) return winapi::Fail(ERROR_INVALID_INDEX);
+  if (index == GWL_STYLE || index == GWL_EXSTYLE) return Fail(ERROR_INVALID_INDEX);
   return winapi::ExchangeValue<LONG_PTR>(window, index, &value);
 }

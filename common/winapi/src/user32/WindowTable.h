@@ -1,4 +1,4 @@
-// The windows, classes and message queues of the process, behind one lock. No window procedure is
+// The windows and message queues of the process, behind one lock. No window procedure is
 // called with the lock held.
 #pragma once
 
@@ -78,11 +78,8 @@ struct Window {
 };
 
 struct WindowTable {
-  WindowTable();
-
   std::mutex mutex;
   std::map<HWND, std::shared_ptr<Window>> windows;  // the older first
-  std::vector<std::shared_ptr<WindowClass>> classes;
   std::map<DWORD, std::shared_ptr<MessageQueue>> queues;
 
   // With the lock held. A handle of nothing gives null.
@@ -97,8 +94,5 @@ WindowTable& Table();
 // The queue of the calling thread, made at its first call; it ends with the thread, and so do the
 // thread's windows. Takes the lock.
 std::shared_ptr<MessageQueue> ThreadQueue();
-
-// The window isn't there: sets the last error and gives 0.
-int InvalidWindow();
 
 }  // namespace winapi
