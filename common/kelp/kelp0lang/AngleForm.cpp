@@ -461,10 +461,10 @@ namespace {
 // The source text of a hemisphere letter; null without hemispheres.
 const WChar* LetterSource(bool negative, enumLatLonType type) {
   if (type == enumLatLonType::Latitude) {
-    return negative ? KTEXT("S@@South (1 char)") : KTEXT("N@@North (1 char)");
+    return negative ? KXLATE("S@@South (1 char)") : KXLATE("N@@North (1 char)");
   }
   if (type == enumLatLonType::Longitude) {
-    return negative ? KTEXT("W@@West (1 char)") : KTEXT("E@@East (1 char)");
+    return negative ? KXLATE("W@@West (1 char)") : KXLATE("E@@East (1 char)");
   }
   return nullptr;
 }

@@ -128,7 +128,7 @@ WString Label(const WString& prefix, const WString& unit, bool bracket) {
 WString CoordLabel(const WString& prefix, enumCoordLabelMode mode, bool first) {
   // By mode and by which coordinate it is.
   static constexpr const WChar* kNames[2][2] = {
-      {KTEXT("East"), KTEXT("North")}, {KTEXT("E@@East (1 char)"), KTEXT("N@@North (1 char)")}};
+      {KXLATE("East"), KXLATE("North")}, {KXLATE("E@@East (1 char)"), KXLATE("N@@North (1 char)")}};
   const enumCoordDisplayMode display = CurrentMeasUnits().GetCoordDisplayMode();
   const bool known =
       (mode == enumCoordLabelMode::Word || mode == enumCoordLabelMode::Letter) &&

@@ -412,7 +412,7 @@ String ConvertPathToLegacyAnsi(const WString& path) {
 }
 
 bool FBrowserDirectory(WString& directory) {
-  const WString title = Xlate(KTEXT("Specify the directory"));
+  const WString title = Xlate(KXLATE("Specify the directory"));
   PathBuffer displayName;
   BROWSEINFOW question = {};
   question.hwndOwner = GetActiveWindow();

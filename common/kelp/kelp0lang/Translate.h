@@ -1,7 +1,7 @@
 // Source texts into the user's language.
 //
 //   if (!kelp::LoadTranslateFile(GetLanguageFile())) show(kelp::GetTranslateFileError());
-//   kelp::Xlate(KTEXT("E@@East (1 char)"));  // the translation, or "E" where there is none
+//   kelp::Xlate(KXLATE("E@@East (1 char)"));  // the translation, or "E" where there is none
 //
 // Source texts are English. Behind the last "@@" a text may carry a note for the translator; the
 // note is part of the key, so one short text can have several translations, and is never shown.
@@ -15,6 +15,11 @@
 
 #include "kelp0lang/Export.h"
 #include "kelp0lang/String.h"
+#include "kelptext/WideChar.h"
+
+// A wide literal that is a source text. It is KTEXT to the compiler; xgettext --keyword=KXLATE
+// collects such texts for the translators, wherever they stand on their way to Xlate.
+#define KXLATE(text) KTEXT(text)
 
 namespace kelp {
 
