@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "tests/TempFolder.h"
+#include "tests/winapi/UnderWine.h"
 #include "tests/winapi/WideText.h"
 
 namespace {
@@ -71,7 +72,7 @@ TEST(CrtStdio, ReadsTextOfAnyShape) {
     Wide text;
     const std::size_t lineLength = random() % 40 + 1;
     for (int i = 0; i < 300; ++i) {
-      const char unit = "\t\r\xE0\x7F\x1F"[random() % 5];
+      const char unit = "\t\r\xE0\xFF\x7F\x1F"[random() % 6];
       bytes += random() % lineLength == 0 ? '\n' : random() % 8 == 0 ? unit : 'a';
     }
     if (round % 4 == 0) bytes[random() % bytes.size()] = '\x1A';
@@ -83,8 +84,9 @@ TEST(CrtStdio, ReadsTextOfAnyShape) {
     ASSERT_NE(file, nullptr);
     while (!text.empty()) {
       WCHAR buffer[64];
-      const std::size_t size = random() % 63 + 2;
-      const std::size_t length = std::min({size - 2, text.find('\n'), text.size() - 1}) + 1;
+      const std::size_t size = random() % 64 + 1;
+      const std::size_t line = std::min(text.find('\n'), text.size() - 1) + 1;
+      const std::size_t length = std::min(size - 1, line);
       ASSERT_NE(fgetws(buffer, static_cast<int>(size), file), nullptr) << round;
       ASSERT_EQ(Wide(buffer), text.substr(0, length)) << round;
       text.erase(0, length);
@@ -279,6 +281,15 @@ TEST(CrtNumber, ReadsIntegersOf32Bits) {
     EXPECT_EQ(_wtoi(text), value);
     EXPECT_EQ(_wtol(text), value);
   }
+}
+
+TEST(CrtNumber, TellsThatAnIntegerDoesNotFit) {
+  errno = 0;
+  EXPECT_EQ(_wtoi(WTEXT("-2147483648")), INT_MIN);
+  EXPECT_EQ(errno, 0);
+  EXPECT_EQ(_wtoi(WTEXT("2147483648")), INT_MAX);
+  if (UnderWine()) GTEST_SKIP() << "Wine doesn't tell";
+  EXPECT_EQ(errno, ERANGE);
 }
 
 TEST(CrtNumber, ReadsDecimalsByTheLocale) {

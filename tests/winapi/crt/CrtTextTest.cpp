@@ -74,6 +74,23 @@ TEST(CrtText, ConvertsBytesOneToOneInTheCLocale) {
   EXPECT_EQ(errno, EILSEQ);
 }
 
+#ifndef _WIN32
+// UTF-8 has characters of two units.
+TEST(CrtText, ConvertsPairsAsOneCharacter) {
+  ASSERT_NE(setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+  char narrow[8] = "???????";
+  EXPECT_EQ(wcstombs(narrow, u"a\U0001F600", 8), 5u);
+  EXPECT_STREQ(narrow, "a\xF0\x9F\x98\x80");
+  char16_t wide[4] = u"???";
+  EXPECT_EQ(mbstowcs(wide, narrow, 2), 1u) << "a pair that doesn't fit whole isn't begun";
+  EXPECT_EQ(mbstowcs(wide, narrow, 4), 3u);
+  EXPECT_EQ(wcscmp(wide, u"a\U0001F600"), 0);
+  EXPECT_EQ(wcstombs(narrow, u"\xD83D", 8), static_cast<size_t>(-1)) << "half a pair";
+  EXPECT_EQ(mbstowcs(wide, "\xF0\x9F", 4), static_cast<size_t>(-1));
+  setlocale(LC_CTYPE, "C");
+}
+#endif
+
 TEST(CrtText, WritesNoTerminatorWithoutRoom) {
   char narrow[4] = "xyz";
   EXPECT_EQ(wcstombs(narrow, WTEXT("ab"), 2), 2u);
