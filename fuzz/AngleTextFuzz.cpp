@@ -1,5 +1,6 @@
-// What users type as angles, lengths and numbers. Any text gives a value: nothing is refused, so
-// what this looks for is a fault in the reading, and values out of the range that the headers name.
+// What users type as angles, lengths and numbers. By the lenient readers any text gives a value, by
+// the strict ones a value or a reason: what this looks for is a fault in the reading, and values
+// out of the range that the headers name.
 #include <clocale>
 #include <cmath>
 #include <cstdint>
@@ -11,6 +12,7 @@
 #include "kelp0lang/FeetInch.h"
 #include "kelp0lang/LegacyNumber.h"
 #include "kelp0lang/LocaleFree.h"
+#include "kelp0lang/ValueCheck.h"
 
 using kelp::WString;
 
@@ -23,7 +25,7 @@ void Require(bool holds) {
 // Half of the bytes stand for themselves, the others for what such texts are made of, so that most
 // of the inputs are nearly texts.
 WString TextOf(const std::uint8_t* bytes, std::size_t size) {
-  constexpr WChar kUsual[] = KTEXT("0123456789.,-+eE'\" \x00B0NSEWd/");
+  constexpr WChar kUsual[] = KTEXT("0123456789.,-+eE'\" \x00B0NSEWd/mfting:\u00BD");
   constexpr std::size_t kUsualCount = sizeof(kUsual) / sizeof(kUsual[0]) - 1;
   WString text;
   WChar* units = text.GetBufferSetLength(static_cast<int>(size));
@@ -83,6 +85,29 @@ void ReadLengths(const WString& text) {
   }
 }
 
+void RequireSound(const TValueCheck& check, const WString& text) {
+  Require(check.IsValue() == check.Reason().empty());
+  Require(check.position >= 0 && check.position <= text.Length());
+  Require(check.IsValue() ? std::fabs(check.value) <= kelp::kNotSetThreshold
+                          : check.value == kelp::kNotSet);
+}
+
+void CheckStrictly(const WString& text) {
+  RequireSound(CheckNumber(text), text);
+  for (int units = 0; units <= 6; ++units) {
+    RequireSound(CheckLength(text, static_cast<enumDisplayDistUnits>(units)), text);
+    const auto form = static_cast<enumDisplayAngleUnits>(units);
+    for (int type = 0; type <= 2; ++type) {
+      RequireSound(CheckAngle(text, form, static_cast<enumLatLonType>(type)), text);
+    }
+  }
+  CMeasUnitSystem system;
+  system.SetVolumeUnits(enumDisplayVolumeUnits::CubicUSSurveyFootInch);
+  for (int kind = 0; kind <= 22; ++kind) {
+    RequireSound(CheckValue(text, static_cast<enumMeasUnitValue>(kind), system), text);
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -90,5 +115,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   ReadNumbers(text);
   ReadAngles(text);
   ReadLengths(text);
+  CheckStrictly(text);
   return 0;
 }

@@ -4,60 +4,30 @@
 #include "kelp0lang/CurrMeasUnitInfo.h"
 #include "kelp0lang/FeetInch.h"
 #include "kelp0lang/LegacyNumber.h"
+#include "kelp0lang/UnitKinds.h"
 
 using kelp::IsNotSet;
 using kelp::kNotSet;
 using kelp::WString;
+using kelp::detail::AngleKind;
+using kelp::detail::AngleSide;
+using kelp::detail::Arithmetic;
+using kelp::detail::Convert;
 using kelp::detail::CurrentMeasUnits;
+using kelp::detail::IsFeetInch;
+using kelp::detail::kGeometric;
+using kelp::detail::kLatAngle;
+using kelp::detail::kLenAngle;
+using kelp::detail::kLenGeomAngle;
+using kelp::detail::kLonAngle;
+using kelp::detail::kSurvey;
+using kelp::detail::PositionOrTurn;
+using kelp::detail::RangeOf;
+using kelp::detail::Shown;
 
 namespace {
 
 constexpr enumMeasUnitSize kNormal = enumMeasUnitSize::Normal;
-
-// The unit of arithmetic behind each unit of display; an unknown one stays unknown.
-constexpr enumDistUnits kDistUnits[] = {
-    enumDistUnits::Metre,        enumDistUnits::InternationalFoot,
-    enumDistUnits::USSurveyFoot, enumDistUnits::InternationalFoot,
-    enumDistUnits::USSurveyFoot, enumDistUnits::InternationalChain,
-    enumDistUnits::USSurveyChain};
-constexpr enumAreaUnits kAreaUnits[] = {
-    enumAreaUnits::SquareMetre, enumAreaUnits::SquareInternationalFoot,
-    enumAreaUnits::SquareUSSurveyFoot, enumAreaUnits::SquareInternationalFoot,
-    enumAreaUnits::SquareUSSurveyFoot};
-constexpr enumVolumeUnits kVolumeUnits[] = {
-    enumVolumeUnits::CubicMetre,        enumVolumeUnits::CubicInternationalFoot,
-    enumVolumeUnits::CubicUSSurveyFoot, enumVolumeUnits::CubicInternationalFoot,
-    enumVolumeUnits::CubicUSSurveyFoot, enumVolumeUnits::CubicInternationalYard,
-    enumVolumeUnits::CubicUSSurveyYard};
-constexpr enumAngleUnits kAngleUnits[] = {
-    enumAngleUnits::Degree, enumAngleUnits::Gon,    enumAngleUnits::Degree, enumAngleUnits::Degree,
-    enumAngleUnits::Degree, enumAngleUnits::Radian, enumAngleUnits::Mil};
-
-template <class Units, std::size_t N, class Display>
-constexpr Units UnitsOf(const Units (&table)[N], Display display, Units unknown) {
-  const auto index = static_cast<std::size_t>(display);
-  return index < N ? table[index] : unknown;
-}
-
-enumDistUnits Arithmetic(enumDisplayDistUnits display) {
-  return UnitsOf(kDistUnits, display, static_cast<enumDistUnits>(-1));
-}
-enumAreaUnits Arithmetic(enumDisplayAreaUnits display) {
-  return UnitsOf(kAreaUnits, display, static_cast<enumAreaUnits>(-1));
-}
-enumVolumeUnits Arithmetic(enumDisplayVolumeUnits display) {
-  return UnitsOf(kVolumeUnits, display, static_cast<enumVolumeUnits>(-1));
-}
-// For an unknown unit of display angles are reckoned in gon.
-enumAngleUnits Arithmetic(enumDisplayAngleUnits display) {
-  return UnitsOf(kAngleUnits, display, enumAngleUnits::Gon);
-}
-
-// The forms in feet and inches have the values 3 and 4 in every kind.
-template <class Display>
-bool IsFeetInch(Display display) {
-  return static_cast<int>(display) == 3 || static_cast<int>(display) == 4;
-}
 
 // A plain number, or feet and inches.
 WString NumberText(double v, bool feetInch, int decimals, enumInchDecPrec precision) {
@@ -105,59 +75,6 @@ double ReadVolume(const WString& s, enumDisplayVolumeUnits display, enumInchDecP
   return ConvertVolume(ReadNumber(s, IsFeetInch(display), precision), Arithmetic(display),
                        enumVolumeUnits::CubicMetre);
 }
-
-// One side of an angle: the unit, and where and in which direction it counts.
-struct AngleSide {
-  enumAngleUnits units;
-  enumHorizStartAngle start;
-  enumAngleDir direction;
-};
-
-constexpr AngleSide kSurvey = {enumAngleUnits::Gon, enumHorizStartAngle::North,
-                               enumAngleDir::Clockwise};
-constexpr AngleSide kGeometric = {enumAngleUnits::Radian, enumHorizStartAngle::East,
-                                  enumAngleDir::CounterClockwise};
-constexpr AngleSide kGeographic = {enumAngleUnits::Radian, enumHorizStartAngle::North,
-                                   enumAngleDir::Clockwise};
-
-double Convert(double v, eConvertAngleType type, const AngleSide& from, const AngleSide& to,
-               enumNormalizeAngle normalize) {
-  return ConvertAngle(v, type, from.units, from.start, from.direction, to.units, to.start,
-                      to.direction, normalize);
-}
-
-// Turns, and angles with a hemisphere, lie on both sides of zero.
-enumNormalizeAngle RangeOf(eConvertAngleType type, enumLatLonType hemisphere) {
-  const bool symmetric = type == eConvertAngleType::Rotation || hemisphere != enumLatLonType::None;
-  return symmetric ? enumNormalizeAngle::Symmetric : enumNormalizeAngle::Positive;
-}
-
-// How the system shows angles of a kind. An extent has neither start nor direction.
-AngleSide Shown(const CMeasUnitSystem& system, enumDisplayAngleUnits display,
-                eConvertAngleType type) {
-  const enumAngleUnits units = Arithmetic(display);
-  if (type == eConvertAngleType::Length) {
-    return {units, enumHorizStartAngle::North, enumAngleDir::Clockwise};
-  }
-  return {units, system.GetHorizStartAngle(), system.GetAngleDir()};
-}
-
-struct AngleKind {
-  eConvertAngleType type;
-  AngleSide stored;
-  enumLatLonType hemisphere = enumLatLonType::None;
-};
-
-constexpr AngleKind PositionOrTurn(bool position, const AngleSide& stored) {
-  return {position ? eConvertAngleType::Position : eConvertAngleType::Rotation, stored};
-}
-
-constexpr AngleKind kLenAngle = {eConvertAngleType::Length, kSurvey};
-constexpr AngleKind kLenGeomAngle = {eConvertAngleType::Length, kGeometric};
-constexpr AngleKind kLatAngle = {eConvertAngleType::Position, kGeographic,
-                                 enumLatLonType::Latitude};
-constexpr AngleKind kLonAngle = {eConvertAngleType::Position, kGeographic,
-                                 enumLatLonType::Longitude};
 
 WString AngleText(double v, const AngleKind& kind, const CMeasUnitSystem& system,
                   enumDisplayAngleUnits display, int decimals, enumMeasUnitSize size) {

@@ -12,12 +12,11 @@
 // last one to commit stays.
 #pragma once
 
-#include "kelp0lang/Export.h"
 #include "kelp0lang/String.h"
 
 namespace kelp::detail {
 
-class KELP0LANG_API WholeFile {
+class WholeFile {
  public:
   // Makes the file to write to, with the permissions of the target where that is there. Where the
   // target is a symbolic link the file that it leads to is meant.

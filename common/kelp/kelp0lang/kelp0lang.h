@@ -42,5 +42,6 @@
 #include "kelp0lang/Translate.h"
 #include "kelp0lang/TranslateWindow.h"
 #include "kelp0lang/UtcTime.h"
+#include "kelp0lang/ValueCheck.h"
 #include "kelp0lang/ValueConverter.h"
 #include "kelptext/WideChar.h"
