@@ -2,6 +2,7 @@
 #pragma once
 
 #include "kelp0lang/AngleForm.h"
+#include "kelp0lang/BitStream.h"
 #include "kelp0lang/ChangeTransaction.h"
 #include "kelp0lang/CmdExecuted.h"
 #include "kelp0lang/CriticalSec.h"
@@ -10,6 +11,7 @@
 #include "kelp0lang/Exception.h"
 #include "kelp0lang/FeetInch.h"
 #include "kelp0lang/FileStream.h"
+#include "kelp0lang/GlobalFunction.h"
 #include "kelp0lang/IdRemapper.h"
 #include "kelp0lang/LegacyFlags.h"
 #include "kelp0lang/LegacyGeometry.h"
@@ -26,7 +28,9 @@
 #include "kelp0lang/MeasUnitText.h"
 #include "kelp0lang/Memento.h"
 #include "kelp0lang/Object.h"
+#include "kelp0lang/PerPropertySetting.h"
 #include "kelp0lang/PointRecords.h"
+#include "kelp0lang/PolyValue.h"
 #include "kelp0lang/ProcessProgress.h"
 #include "kelp0lang/Ptr64Mapper.h"
 #include "kelp0lang/ReportLog.h"

@@ -11,7 +11,9 @@
 
 #include <locale.h>
 #include <stddef.h>
+#include <stdint.h>
 #include <stdio.h>
+#include <time.h>
 #include <wchar.h>
 
 #include "winapi_export.h"
@@ -67,6 +69,18 @@ WINAPI_EXPORT void _free_locale(_locale_t locale);
 // and an exponent behind "e" or "E". Other text gives 0. A null locale means the current one.
 WINAPI_EXPORT double _atof_l(const char* text, _locale_t locale);
 WINAPI_EXPORT double _wtof_l(const char16_t* text, _locale_t locale);
+
+// Times are seconds since 1 January 1970 UTC, up to the end of the year 3000. Both texts and fields
+// are in a place of the thread's own, which the next call uses again.
+typedef int64_t __time64_t;
+// Local time; null and EINVAL for a time before 1970 or behind 3000.
+WINAPI_EXPORT struct tm* _localtime64(const __time64_t* time);
+// The time of local fields, which it brings into their ranges. A negative tm_isdst leaves open
+// whether daylight saving is in force. -1 and EINVAL, and the fields as they were, for a time
+// before 1970 or behind 3000.
+WINAPI_EXPORT __time64_t _mktime64(struct tm* fields);
+// "Wed Jan 02 02:03:55 1980\n"; null and EINVAL for fields outside their ranges.
+WINAPI_EXPORT char16_t* _wasctime(const struct tm* fields);
 
 // Wide text into a stream as multibyte text of the locale. A character that has no such form is left
 // out and gives WEOF and EILSEQ; the rest of the text is written. fputwc takes a whole character.
