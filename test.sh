@@ -53,6 +53,7 @@ with_fixed_addresses() {
 run_windows() {
   need_compiler
   need_packages g++-mingw-w64-x86-64-posix wine64 googletest xvfb
+  need_expat_source
   build windows
   # A Windows of the build's own, made before several tests start at once.
   export WINEPREFIX=$root/build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="

@@ -37,9 +37,41 @@ need_packages() {
 
 # What every build on Linux takes; the tests belong to it.
 need_compiler() {
-  need_packages g++ cmake ninja-build libboost-dev libgtest-dev
+  need_packages g++ cmake ninja-build libboost-dev libexpat1-dev libgtest-dev
   # A compiler cache is used where there is one, and not asked for.
   if command -v ccache >/dev/null; then export CMAKE_CXX_COMPILER_LAUNCHER=ccache; fi
+}
+
+# Debian has no Expat for Windows: the build compiles it from the source that Debian's own package is
+# made of, which apt-get fetches by lists of its own, so that the machine's stay as they are.
+need_expat_source() {
+  local version=2.5.0 sum=ab00ee05c7067fd10a35c5d2a4922ebba746ddd50ff83b79c828da17bbdf1757
+  local archive=$root/build/expat/expat_$version.orig.tar.gz own options
+  if echo "$sum  $archive" | sha256sum --check --status 2>/dev/null; then return 0; fi
+  command -v apt-get >/dev/null || die "needs the source of Debian's package expat: $archive"
+  echo "fetching: the source of expat $version" >&2
+  own=$(mktemp -d)
+  mkdir -p "$own/lists/partial" "$own/cache/archives/partial" "$own/parts"
+  options=(-qq -o Dir::Etc::SourceList="$own/sources.list" -o Dir::Etc::SourceParts="$own/parts"
+           -o Dir::State::Lists="$own/lists" -o Dir::Cache="$own/cache" -o APT::Sandbox::User=root)
+  debian_sources >"$own/sources.list"
+  if [ ! -s "$own/sources.list" ]; then
+    as_root apt-get update -qq >&2
+    debian_sources >"$own/sources.list"
+  fi
+  (cd "$own" && apt-get "${options[@]}" update &&
+   apt-get "${options[@]}" source --download-only --tar-only expat) >&2 || true
+  mkdir -p "$(dirname "$archive")"
+  mv "$own/$(basename "$archive")" "$archive" 2>/dev/null || true
+  rm -rf "$own"
+  echo "$sum  $archive" | sha256sum --check --status 2>/dev/null ||
+    die "the source of expat $version can't be had, or isn't the one that is known"
+}
+
+# Where this machine has Debian's packages from, as places of their sources.
+debian_sources() {
+  apt-get indextargets --format 'deb-src $(REPO_URI) $(RELEASE) $(COMPONENT)' \
+    'Identifier: Packages' 'Origin: Debian' | sort -u
 }
 
 # The tests of number text want a locale with a decimal comma.

@@ -44,25 +44,6 @@ std::size_t EncodedSize(std::uint32_t value) {
   return value < 0x80 ? 1 : value < 0x800 ? 2 : value < 0x10000 ? 3 : 4;
 }
 
-char* PutUtf8(std::uint32_t value, char* out) {
-  if (value < 0x80) {
-    *out++ = static_cast<char>(value);
-  } else if (value < 0x800) {
-    *out++ = static_cast<char>(0xC0 | value >> 6);
-    *out++ = static_cast<char>(0x80 | (value & 0x3F));
-  } else if (value < 0x10000) {
-    *out++ = static_cast<char>(0xE0 | value >> 12);
-    *out++ = static_cast<char>(0x80 | (value >> 6 & 0x3F));
-    *out++ = static_cast<char>(0x80 | (value & 0x3F));
-  } else {
-    *out++ = static_cast<char>(0xF0 | value >> 18);
-    *out++ = static_cast<char>(0x80 | (value >> 12 & 0x3F));
-    *out++ = static_cast<char>(0x80 | (value >> 6 & 0x3F));
-    *out++ = static_cast<char>(0x80 | (value & 0x3F));
-  }
-  return out;
-}
-
 WChar* PutUtf16(std::uint32_t value, WChar* out) {
   if (value < 0x10000) {
     *out++ = static_cast<WChar>(value);

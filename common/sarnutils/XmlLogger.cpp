@@ -1,0 +1,7 @@
+#include "sarnutils/XmlLogger.h"
+
+namespace sarn {
+
+IXmlLogger::~IXmlLogger() = default;
+
+}  // namespace sarn
