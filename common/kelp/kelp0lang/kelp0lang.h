@@ -48,4 +48,6 @@
 #include "kelp0lang/UtcTime.h"
 #include "kelp0lang/ValueCheck.h"
 #include "kelp0lang/ValueConverter.h"
+#include "kelp0lang/XmlDiffManager.h"
+#include "kelp0lang/XmlGeneric.h"
 #include "kelptext/WideChar.h"

@@ -1,0 +1,327 @@
+// Rules applied to a layout.
+#include <algorithm>
+#include <functional>
+#include <unordered_map>
+#include <utility>
+
+#include "kelp0lang/LegacyNumber.h"
+#include "kelp0lang/XmlDiffManager.h"
+
+namespace kelp {
+namespace {
+
+using Children = decltype(CGenericXmlElement::m_Children);
+// Places of children, the least one in front.
+using Places = std::vector<std::size_t>;
+constexpr std::greater<> kLeastFirst;
+
+void AddPlace(Places& places, std::size_t place) {
+  places.push_back(place);
+  std::push_heap(places.begin(), places.end(), kLeastFirst);
+}
+
+// The least place for which the test holds. Places before it for which it doesn't hold are dropped.
+template <class Test>
+std::size_t* FirstPlace(Places& places, Test test) {
+  while (!places.empty()) {
+    if (test(places.front())) return &places.front();
+    std::pop_heap(places.begin(), places.end(), kLeastFirst);
+    places.pop_back();
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+// A layout while rules change it.
+//
+// The children of an element that rules look into are found by tag and id through places that are
+// kept for each key. A change of an id adds a place and leaves the old one, which is dropped when a
+// search meets it. A child that is taken out leaves a null in its place until the parent is
+// settled.
+class CXmlDiffManager::CEditedLayout {
+ public:
+  explicit CEditedLayout(CGenericXmlElement& root) : m_root(root) {}
+  ~CEditedLayout() {
+    for (auto& [parent, siblings] : m_siblings) siblings.Settle();
+  }
+  CEditedLayout(const CEditedLayout&) = delete;
+  CEditedLayout& operator=(const CEditedLayout&) = delete;
+
+  // The children of an element, by tag and id.
+  class CSiblings {
+   public:
+    explicit CSiblings(CGenericXmlElement& parent) : m_parent(&parent) { Build(); }
+
+    // The place of the first child with a tag, and with an id unless that is empty; null where
+    // there is none.
+    const std::size_t* Find(const WString& tag, const WString& id) {
+      const auto found = m_places.find({tag, id});
+      if (found == m_places.end()) return nullptr;
+      return FirstPlace(found->second, [&](std::size_t place) {
+        const CGenericXmlElement* const child = At(place);
+        return child != nullptr && (id.empty() || GetXmlElementId(*child) == id);
+      });
+    }
+    CGenericXmlElement* At(std::size_t place) const { return m_parent->m_Children[place]; }
+
+    void Append(std::unique_ptr<CGenericXmlElement> child) {
+      m_parent->m_Children.push_back(child.get());
+      Add(*child.release(), m_parent->m_Children.size() - 1);
+    }
+    std::unique_ptr<CGenericXmlElement> TakeOut(std::size_t place) {
+      m_hasGaps = true;
+      return std::unique_ptr<CGenericXmlElement>(
+          std::exchange(m_parent->m_Children[place], nullptr));
+    }
+    // Follows a child whose id has changed.
+    void Renamed(std::size_t place) {
+      const CGenericXmlElement& child = *At(place);
+      const WString id = GetXmlElementId(child);
+      if (!id.empty()) AddPlace(m_places[{child.m_sTag, id}], place);
+    }
+    // Closes the gaps. The places are to be built anew where children have moved.
+    void Settle() {
+      if (!std::exchange(m_hasGaps, false)) return;
+      std::erase(m_parent->m_Children, nullptr);
+    }
+    void Sort(const std::vector<WString>& ids);
+
+   private:
+    using TKey = std::pair<WString, WString>;
+
+    void Build() {
+      m_places.clear();
+      for (std::size_t place = 0; place < m_parent->m_Children.size(); ++place) {
+        Add(*At(place), place);
+      }
+    }
+    void Add(const CGenericXmlElement& child, std::size_t place) {
+      AddPlace(m_places[{child.m_sTag, WString()}], place);
+      const WString id = GetXmlElementId(child);
+      if (!id.empty()) AddPlace(m_places[{child.m_sTag, id}], place);
+    }
+
+    CGenericXmlElement* m_parent;
+    std::map<TKey, Places> m_places;
+    bool m_hasGaps = false;
+  };
+
+  CGenericXmlElement& Root() { return m_root; }
+  CSiblings& ChildrenOf(CGenericXmlElement& parent) {
+    return m_siblings.try_emplace(&parent, parent).first->second;
+  }
+  // Elements that are taken out stay until the end, so that none that is made later can be taken
+  // for one of them.
+  void Keep(std::unique_ptr<CGenericXmlElement> element) {
+    m_takenOut.push_back(std::move(element));
+  }
+
+  // Whether the controls may have become others since the last time that this was asked.
+  bool TakeControlsChanged() { return std::exchange(m_controlsChanged, false); }
+  void ChangedId(const TFound& found);
+
+ private:
+  CGenericXmlElement& m_root;
+  std::unordered_map<const CGenericXmlElement*, CSiblings> m_siblings;
+  std::vector<std::unique_ptr<CGenericXmlElement>> m_takenOut;
+  bool m_controlsChanged = true;
+};
+
+// Where an element was found; without one, null.
+struct CXmlDiffManager::TFound {
+  CGenericXmlElement* element = nullptr;
+  CEditedLayout::CSiblings* siblings = nullptr;
+  std::size_t place = 0;
+};
+
+void CXmlDiffManager::CEditedLayout::ChangedId(const TFound& found) {
+  found.siblings->Renamed(found.place);
+  m_controlsChanged = true;
+}
+
+// For each place in turn the first child at or behind it with the wanted id is swapped there; where
+// there is none the place stays as it is.
+void CXmlDiffManager::CEditedLayout::CSiblings::Sort(const std::vector<WString>& ids) {
+  Settle();
+  Children& children = m_parent->m_Children;
+  std::vector<WString> idsNow;
+  std::map<WString, Places> places;
+  for (std::size_t place = 0; place < children.size(); ++place) {
+    idsNow.push_back(GetXmlElementId(*children[place]));
+    places[idsNow.back()].push_back(place);
+  }
+  for (std::size_t place = 0; place < std::min(children.size(), ids.size()); ++place) {
+    const auto wanted = places.find(ids[place]);
+    if (wanted == places.end()) continue;
+    const std::size_t* const from = FirstPlace(wanted->second, [&](std::size_t candidate) {
+      return candidate >= place && idsNow[candidate] == ids[place];
+    });
+    if (from == nullptr || *from == place) continue;
+    const std::size_t source = *from;
+    std::swap(children[place], children[source]);
+    std::swap(idsNow[place], idsNow[source]);
+    AddPlace(places[idsNow[source]], source);
+  }
+  Build();
+}
+
+namespace {
+
+template <class... Works>
+struct Overloaded : Works... {
+  using Works::operator()...;
+};
+template <class... Works>
+Overloaded(Works...) -> Overloaded<Works...>;
+
+constexpr const WChar* kControl = KTEXT("Control");
+
+bool IsIdName(const WString& name) {
+  return name.Compare(KTEXT("Id")) == 0 || name.Compare(KTEXT("BarID")) == 0;
+}
+
+}  // namespace
+
+void CXmlDiffManager::ApplyDiffRules(CGenericXmlElement& root) {
+  CEditedLayout layout(root);
+  const Overloaded apply{
+      [&](const TDiffRule_DelAttrib& rule) { return ApplyRuleDelAttrib(rule, layout); },
+      [&](const TDiffRule_InsAttrib& rule) { return ApplyRuleInsAttrib(rule, layout); },
+      [&](const TDiffRule_EditAttrib& rule) { return ApplyRuleEditAttrib(rule, layout); },
+      [&](const TDiffRule_DelChild& rule) { return ApplyRuleDelChild(rule, layout); },
+      [&](const TDiffRule_InsChild& rule) { return ApplyRuleInsChild(rule, layout); },
+      [&](const TDiffRule_SortChild& rule) { return ApplyRuleSortChild(rule, layout); },
+      [&](const TDiffRule_EditContent& rule) { return ApplyRuleEditContent(rule, layout); }};
+  for (const auto& rule : m_Rules) VisitRule(*rule, apply);
+}
+
+// A level that the layout lacks is passed over, except the last. No rule reaches the root.
+CXmlDiffManager::TFound CXmlDiffManager::FindElementFromRoot(const TPath& path, const WString&,
+                                                             CEditedLayout& layout) {
+  CGenericXmlElement& root = layout.Root();
+  if (path.empty() || path[0].first != root.m_sTag ||
+      (!path[0].second.empty() && path[0].second != GetXmlElementId(root))) {
+    return {};
+  }
+  TFound found;
+  CGenericXmlElement* current = &root;
+  for (std::size_t level = 1; level < path.size(); ++level) {
+    CEditedLayout::CSiblings& siblings = layout.ChildrenOf(*current);
+    const std::size_t* const place = siblings.Find(path[level].first, path[level].second);
+    found = {};
+    if (place == nullptr) continue;
+    current = siblings.At(*place);
+    found = {current, &siblings, *place};
+  }
+  return found;
+}
+
+bool CXmlDiffManager::SetAttrib(const TDiffRule_Attrib& rule, const WString* value,
+                                CEditedLayout& layout) {
+  const auto found = FindElementFromRoot(rule.m_ParentTags, rule.m_sElementId, layout);
+  if (found.element == nullptr) return false;
+  if (value == nullptr) {
+    found.element->m_Attribs.erase(rule.m_sAttribLabel);
+  } else {
+    found.element->m_Attribs[rule.m_sAttribLabel] = *value;
+  }
+  if (IsIdName(rule.m_sAttribLabel)) layout.ChangedId(found);
+  return true;
+}
+
+bool CXmlDiffManager::ApplyRuleDelAttrib(const TDiffRule_DelAttrib& rule, CEditedLayout& layout) {
+  return SetAttrib(rule, nullptr, layout);
+}
+
+bool CXmlDiffManager::ApplyRuleInsAttrib(const TDiffRule_InsAttrib& rule, CEditedLayout& layout) {
+  return SetAttrib(rule, &rule.m_sAttribValue, layout);
+}
+
+bool CXmlDiffManager::ApplyRuleEditAttrib(const TDiffRule_EditAttrib& rule, CEditedLayout& layout) {
+  return SetAttrib(rule, &rule.m_sAttribValue, layout);
+}
+
+bool CXmlDiffManager::ApplyRuleEditContent(const TDiffRule_EditContent& rule,
+                                           CEditedLayout& layout) {
+  const auto found = FindElementFromRoot(rule.m_ParentTags, rule.m_sElementId, layout);
+  if (found.element == nullptr) return false;
+  found.element->m_sContent = rule.m_sContent;
+  return true;
+}
+
+bool CXmlDiffManager::ApplyRuleDelChild(const TDiffRule_DelChild& rule, CEditedLayout& layout) {
+  const auto parent = FindElementFromRoot(rule.m_ParentTags, rule.m_sElementId, layout);
+  if (parent.element == nullptr) return false;
+  CEditedLayout::CSiblings& children = layout.ChildrenOf(*parent.element);
+  const std::size_t* const place = children.Find(rule.m_sChildTag, rule.m_sChildId);
+  if (place == nullptr) return false;
+  layout.Keep(children.TakeOut(*place));
+  return true;
+}
+
+bool CXmlDiffManager::ApplyRuleInsChild(const TDiffRule_InsChild& rule, CEditedLayout& layout) {
+  const auto parent = FindElementFromRoot(rule.m_ParentTags, rule.m_sElementId, layout);
+  if (parent.element == nullptr || rule.m_pElement == nullptr ||
+      !ValidateElement(layout, *rule.m_pElement, -1)) {
+    return false;
+  }
+  layout.ChildrenOf(*parent.element).Append(std::make_unique<CGenericXmlElement>(*rule.m_pElement));
+  return true;
+}
+
+bool CXmlDiffManager::ApplyRuleSortChild(const TDiffRule_SortChild& rule, CEditedLayout& layout) {
+  const auto parent = FindElementFromRoot(rule.m_ParentTags, rule.m_sElementId, layout);
+  if (parent.element == nullptr) return false;
+  layout.ChildrenOf(*parent.element).Sort(rule.m_SortedChildren);
+  return true;
+}
+
+// The element itself, or its child at an index, which goes where it is invalid. Null is left in its
+// place, for the caller to close the gaps of all children in one step.
+bool CXmlDiffManager::ValidateElement(CEditedLayout& layout, CGenericXmlElement& element,
+                                      int index) {
+  CGenericXmlElement& checked =
+      index == -1 ? element : *element.m_Children[static_cast<std::size_t>(index)];
+  RemoveInvalidAttribs(checked);
+  const bool isValid = checked.m_sTag.Compare(kControl) != 0 ||
+                       FindValidatedElementId(GetXmlElementId(checked), layout);
+  if (isValid) {
+    for (auto i = static_cast<int>(checked.m_Children.size()) - 1; i >= 0; --i) {
+      ValidateElement(layout, checked, i);
+    }
+    std::erase(checked.m_Children, nullptr);
+  } else if (index != -1) {
+    delete std::exchange(element.m_Children[static_cast<std::size_t>(index)], nullptr);
+  }
+  return isValid;
+}
+
+// A popup control whose number belongs to the layout's own bars opens none.
+void CXmlDiffManager::RemoveInvalidAttribs(CGenericXmlElement& element) const {
+  const auto found = element.m_Attribs.find(KTEXT("CommandBarId"));
+  if (found == element.m_Attribs.end() || found->second.empty()) return;
+  if (IntDaString(found->second) < m_nNextBarId) element.m_Attribs.erase(found);
+}
+
+// The controls are those at the time of the first insertion. Without any, they are looked for again
+// once there may be some.
+bool CXmlDiffManager::FindValidatedElementId(const WString& id, CEditedLayout& layout) {
+  if (id.empty()) return true;
+  if (m_ValidatedIds.empty() && layout.TakeControlsChanged()) AddValidatedElement(layout.Root());
+  return m_ValidatedIds.contains(id);
+}
+
+void CXmlDiffManager::AddValidatedElement(const CGenericXmlElement& element) {
+  std::vector<const CGenericXmlElement*> pending{&element};
+  while (!pending.empty()) {
+    const CGenericXmlElement* const current = pending.back();
+    pending.pop_back();
+    if (current == nullptr) continue;
+    const WString id = GetXmlElementId(*current);
+    if (current->m_sTag.Compare(kControl) == 0 && !id.empty()) m_ValidatedIds.insert(id);
+    pending.insert(pending.end(), current->m_Children.begin(), current->m_Children.end());
+  }
+}
+
+}  // namespace kelp
