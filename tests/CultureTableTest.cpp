@@ -73,6 +73,8 @@ TEST(CultureTable, ReplacesTheTraditionalSortOfSpanishAndLeavesWhatItDoesNotKnow
     EXPECT_FALSE(kelp::getCultureDisplayName(index, language, native, country));
     EXPECT_EQ(language.Concat(native).Concat(country), WString(KTEXT("abc")));
   }
+  EXPECT_TRUE(kelp::getCultureDisplayName(0, language, native, country));
+  EXPECT_EQ(country, WString(KTEXT("South Africa")));
   EXPECT_TRUE(kelp::getCultureDisplayName(66, language, native, country));
   EXPECT_EQ(language, WString(KTEXT("German")));
   EXPECT_EQ(native, WString(KTEXT("Deutsch")));

@@ -82,11 +82,11 @@ TEST(StringLoader, AnotherModuleDoesNotHaveThem) {
 
 TEST(StringLoader, NarrowTextIsCutToTheBuffer) {
   const CStringLoader& loader = kelp::GetGlobalStringLoader();
-  char text[16] = "?????????";
+  char text[16] = "???????????????";
   loader.LoadStr(102, text, 7);
   EXPECT_EQ(std::string(text, 9), "Ostrand??");
   loader.LoadStr(102, text, 16);
-  EXPECT_STREQ(text, "OstrandAdmin");
+  EXPECT_EQ(std::string(text, 15), std::string("OstrandAdmin\0??", 15)) << "nothing behind it";
 }
 
 // The program has a text with a euro, which the "C" locale doesn't know.

@@ -232,6 +232,7 @@ TEST_F(Translate, HonoursTheCharset) {
       {encoded("KOI8-R", "z"), nullptr},
       {encoded("ISO-8859-17", "z"), nullptr},
       {encoded("cp437x", "z"), nullptr},
+      {encoded("cp28591", "z"), nullptr},
       {encoded("windows-1249", "z"), nullptr},
       {encoded("", "z"), nullptr},
   };
@@ -328,6 +329,7 @@ TEST_F(Translate, RefusesMalformedPoFiles) {
       {"msgid \"a\"\nmsgstr \"b\nc\"\n", KTEXT(":2: a text has no closing quote")},
       {"msgid \"a\"\nmsgstr \"b\\", KTEXT(":2: a text has no closing quote")},
       {"msgid \"a\"\nmsgstr \"\\q\"", KTEXT(":2: unknown escape in a text")},
+      {"msgid \"a\"\nmsgstr \"\\xG\"", KTEXT(":2: an escape stands for no byte")},
       {"msgid \"a\"\nmsgstr \"\\xg\"", KTEXT(":2: an escape stands for no byte")},
       {"msgid \"a\"\nmsgstr \"\\x100\"", KTEXT(":2: an escape stands for no byte")},
       {"msgid \"a\"\nmsgstr \"\\400\"", KTEXT(":2: an escape stands for no byte")},
@@ -339,6 +341,8 @@ TEST_F(Translate, RefusesMalformedPoFiles) {
        KTEXT(":4: \"msgstr[1]\" expected")},
       {"msgid \"a\"\nmsgstr \"b\"\n\nmsgid \"c\"\nmsgstr \"\xC3\"\n",
        KTEXT(":4: a text isn't in the charset of the catalogue")},
+      {"msgid \"\"\nmsgstr \"charset=ISO-8859-12\"\n",
+       KTEXT(":1: unknown charset \"ISO-8859-12\"")},
       {"\nmsgid \"\"\nmsgstr \"charset=UTF-7\"\n", KTEXT(":2: unknown charset \"UTF-7\"")},
       {"msgid \"a\"\nmsgstr \"b\"\ndomain \"c\"\n", KTEXT(":3: \"msgid\" expected")},
   };
@@ -346,6 +350,10 @@ TEST_F(Translate, RefusesMalformedPoFiles) {
 }
 
 TEST_F(Translate, RefusesMalformedMoFiles) {
+  EXPECT_TRUE(Load(Mo({}))) << "nothing at all is well-formed";
+  std::string second = Mo({{"a", "b"}});
+  second[6] = 1;
+  EXPECT_TRUE(Load(second)) << "so is the second revision";
   const std::string good = Mo({{"a", "bc"}, {"d", "ef"}});
   ASSERT_TRUE(Load(good));
   const std::tuple<std::size_t, std::uint32_t, const WChar*> cases[] = {

@@ -67,6 +67,8 @@ TEST(CrtStdio, LeavesTheBufferAloneAtTheEnd) {
 TEST(CrtStdio, ReadsTextOfAnyShape) {
   const TempFolder folder;
   std::mt19937 random(7);
+  // Room for a terminator alone gives the empty text; Wine says that the stream has ended.
+  const std::size_t smallest = UnderWine() ? 2 : 1;
   for (int round = 0; round < 200; ++round) {
     std::string bytes;
     Wide text;
@@ -83,8 +85,8 @@ TEST(CrtStdio, ReadsTextOfAnyShape) {
     FILE* const file = _wfopen(folder.Wide(WTEXT("any.txt")).c_str(), WTEXT("r"));
     ASSERT_NE(file, nullptr);
     while (!text.empty()) {
-      WCHAR buffer[64];
-      const std::size_t size = random() % 64 + 1;
+      WCHAR buffer[66];
+      const std::size_t size = random() % 64 + smallest;
       const std::size_t line = std::min(text.find('\n'), text.size() - 1) + 1;
       const std::size_t length = std::min(size - 1, line);
       ASSERT_NE(fgetws(buffer, static_cast<int>(size), file), nullptr) << round;
