@@ -32,13 +32,23 @@ make_template() {
   sed -i 's/charset=CHARSET/charset=UTF-8/' "$template"
 }
 
-# Both ways: msgcmp only warns of a translation without a text.
+# The source texts of a catalogue that are translated, or all those of a template, one a line.
+texts() {
+  msgattrib --no-wrap --no-obsolete "$@" |
+    awk '/^msgid / { on = 1; text = ""; sub(/^msgid /, "") }
+         /^msgstr/ { if (on && text != "") print text; on = 0 }
+         on { text = text substr($0, 2, length($0) - 2) }' | sort
+}
+
 check() {
-  local said wrong=0
-  said=$(LANGUAGE=C msgcmp "$1" "$template" 2>&1) || wrong=1
-  case $said in *'is not used'*) wrong=1 ;; esac
-  [ $wrong = 0 ] || die "$said
-$1 and the texts of the sources differ; CONTRIBUTING.md says what to do"
+  local missing lost
+  missing=$(comm -23 <(texts "$template") <(texts --translated --no-fuzzy "$1") |
+    sed 's/.*/no translation: "&"/')
+  lost=$(comm -13 <(texts "$template") <(texts "$1") | sed 's/.*/no such text: "&"/')
+  [ -z "$missing$lost" ] || die "$1:
+$missing
+$lost
+CONTRIBUTING.md says what to do"
 }
 
 command -v xgettext >/dev/null || need_packages gettext
