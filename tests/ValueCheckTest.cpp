@@ -57,7 +57,7 @@ TEST(ValueCheck, Numbers) {
   };
   const Case cases[] = {
       {"12.5", {12.5}},
-      {" \t12,5\xC2\xA0", {12.5}},
+      {" \t12,5\xC2\xA0\r\n", {12.5}},
       {"+.5", {0.5}},
       {"5.", {5}},
       {"\xE2\x88\x92"
@@ -76,7 +76,7 @@ TEST(ValueCheck, Numbers) {
        {0.12345678901234568}},
       {"", Fault(0, "there is no value")},
       {"  ", Fault(2, "there is no value")},
-      {"x", Fault(0, "a number is expected")},
+      {"x", Fault(0, "not a number")},
       {"12a", Fault(2, "this doesn't belong")},
       {"12 13", Fault(3, "this doesn't belong")},
       {"1.2.3", Fault(3, "a number has one decimal mark")},
@@ -87,11 +87,11 @@ TEST(ValueCheck, Numbers) {
       {"1/0", Fault(2, "the denominator")},
       {"1 3/2", Fault(2, "a fraction behind")},
       {"1.5 1/2", Fault(4, "this doesn't belong")},
-      {"1/", Fault(2, "a number is expected")},
+      {"1/", Fault(2, "not a number")},
       {"1e", Fault(1, "this doesn't belong")},
       {"1e200", Fault(0, "out of range")},
       {"-1e999", Fault(0, "out of range")},
-      {"nan", Fault(0, "a number is expected")},
+      {"nan", Fault(0, "not a number")},
       {"0x10", Fault(1, "this doesn't belong")},
   };
   for (const Case& each : cases) Compare(CheckNumber(Wide(each.text)), each.expected, each.text);
@@ -269,9 +269,9 @@ TEST(ValueCheck, Angles) {
       {"45\xC2\xB0"
        "15\"",
        Form::Degree, Fault(5, "this doesn't belong")},
-      {"junk", Form::DMSSymbols, Fault(0, "a number is expected")},
-      {"\xC2\xB0", Form::DMSSymbols, Fault(0, "a number is expected")},
-      {"N", Form::Degree, Fault(1, "a number is expected"), kLat},
+      {"junk", Form::DMSSymbols, Fault(0, "not a number")},
+      {"\xC2\xB0", Form::DMSSymbols, Fault(0, "not a number")},
+      {"N", Form::Degree, Fault(1, "not a number"), kLat},
       {"-45N", Form::Degree, Fault(3, "a sign and"), kLat},
       {"N-45", Form::Degree, Fault(1, "a sign and"), kLat},
       {"N45N", Form::Degree, Fault(3, "a value has one hemisphere"), kLat},
@@ -360,7 +360,7 @@ TEST(ValueCheck, KindsUnderASystem) {
       {"5 ha", Kind::Volume, &metric, Fault(2, "no unit")},
       {"5 km", Kind::Speed, &metric, Fault(2, "this doesn't belong")},
       {"90E", Kind::PosAngle, &us, Fault(2, "a bearing has")},
-      {"N90E", Kind::RotAngle, &us, Fault(0, "a number is expected")},
+      {"N90E", Kind::RotAngle, &us, Fault(0, "not a number")},
       {"4.0", Kind::Integer, &metric, Fault(0, "a whole number")},
       {"1", static_cast<Kind>(50), &metric, Fault(0, "there are no values")},
   };

@@ -50,6 +50,9 @@ TEST(AngleText, UsualTextsAreRead) {
       {"3.141592653589793", "rad", kNone, 180},
       {"-1600", "mil", kNone, -90},
       {"1e3", "deg", kNone, 1000},
+      {"S45\u00B030'E", "dms", kNone, 134.5},
+      {"45-30-15.5", "deg", kNone, 45 + 30.0 / 60 + 15.5 / 3600},
+      {"100 gon", "dms", kNone, 90},
   };
   for (const auto& [text, notation, type, degrees] : cases) {
     const Reading reading = Read(text, notation, type);
@@ -59,20 +62,17 @@ TEST(AngleText, UsualTextsAreRead) {
 }
 
 TEST(AngleText, WhatCouldBeMistakenIsNot) {
-  const char* notDMS = "not an angle in degrees, minutes and seconds, such as 10\u00B030'15.5\"";
-  const char* notPacked =
-      "not a packed angle with two digits each for minutes and seconds, such as 10.301550";
   const std::tuple<const char*, const char*, enumLatLonType, const char*> cases[] = {
-      {"", "dms", kNone, notDMS},
-      {"10.5", "dms", kNone, notDMS},
-      {"10\u00B030'15.5\"x", "dms", kNone, notDMS},
-      {"10 30 15 20", "dms", kNone, notDMS},
-      {"99999999999 0 0", "dms", kNone, notDMS},
+      {"", "dms", kNone, "there is no value"},
+      {"10.5", "dms", kNone, "this could be 10.5\u00B0 or 10\u00B05'"},
+      {"10\u00B030'15.5\"x", "dms", kNone, "this doesn't belong to the value"},
+      {"10 30 15 20", "dms", kNone, "this doesn't belong to the value"},
+      {"99999999999 0 0", "dms", kNone, "an angle lies between -1,000,000 and 1,000,000 degrees"},
       {"10\u00B060'", "dms", kNone, "minutes must be below 60"},
       {"10 59 60.0", "dms", kNone, "seconds must be below 60"},
       {"10.6000", "dms-packed", kNone, "minutes must be below 60"},
-      {"10.3", "dms-packed", kNone, notPacked},
-      {"10.301", "dms-packed", kNone, notPacked},
+      {"10.3", "dms-packed", kNone, "this could be 10.03 or 10.30"},
+      {"10.301", "dms-packed", kNone, "this could be 10.3001 or 10.3010"},
       {"-10\u00B030'S", "dms", kLat, "a sign and a hemisphere letter don't go together"},
       {"10\u00B030'E", "dms", kLat, "the letter of a latitude is N or S"},
       {"10\u00B030'N", "dms", kLon, "the letter of a longitude is E or W"},
@@ -80,7 +80,7 @@ TEST(AngleText, WhatCouldBeMistakenIsNot) {
       {"-90.001", "deg", kLat, "a latitude lies between -90 and 90 degrees"},
       {"200.1", "gon", kLon, "a longitude lies between -180 and 180 degrees"},
       {"1e7", "deg", kNone, "an angle lies between -1,000,000 and 1,000,000 degrees"},
-      {"1e300", "rad", kNone, "out of range"},
+      {"1e300", "rad", kNone, "an angle lies between -1,000,000 and 1,000,000 degrees"},
       {"nan", "gon", kNone, "not a number"},
   };
   for (const auto& [text, notation, type, fault] : cases) {

@@ -65,7 +65,7 @@ TEST(PointFile, RowsComeApartBySeparatorAndQuotes) {
       // The separator is that of the file: the second row has lost two commas.
       {"1,2,3,4,a\n2,20 30 40,b\n3,2,3,4,c",
        "1|2.00|3.00|4.00|a\n3|2.00|3.00|4.00|c\n"
-       "2: northing \"20 30 40\": not a number\n"},
+       "2: northing \"20 30 40\": this doesn't belong to the value\n"},
   };
   for (const auto& [bytes, summary] : cases) EXPECT_EQ(Summary(bytes), summary) << bytes;
 }
@@ -129,17 +129,20 @@ TEST(PointFile, FeetAndInchesAreReadStrictly) {
       {"3/4\"", 0.0625},
       {"5'1/2\"", 5 + 0.5 / 12},
       {"5.25", 5.25},
+      {"5'6.5\"", 5 + 6.5 / 12},
+      {"5-6-1/2", 5 + 6.5 / 12},
   };
   for (const auto& [text, feet] : cases) {
     EXPECT_FALSE(read(text, feetInch).fault) << text;
     EXPECT_DOUBLE_EQ(read(text, feetInch).value, feet) << text;
   }
-  for (const char* text : {"5'12\"", "5'6\"3/7", "5'6\"8/8", "5'6\"3/", "5'x", "'", "5'6\"\"",
-                           "5'-", "6\"5'", "5'6.5\"", "9999999999'"}) {
+  for (const char* text : {"5'12\"", "5'6\"8/8", "5'6\"3/", "5'x", "'", "5'6\"\"", "5'-", "6\"5'",
+                           "9999999999'", "5 1/2"}) {
     EXPECT_TRUE(read(text, feetInch).fault) << text;
   }
   EXPECT_EQ(Summary("P,1'6\"0/16,\"2'6\"\"\",3", feetInch), "P|1.50|2.50|3.00|\n");
-  EXPECT_TRUE(read("5'", kMetre).fault);
+  EXPECT_DOUBLE_EQ(read("5'", kMetre).value, 5 * 0.3048);
+  EXPECT_TRUE(read("5,25", kMetre).fault);
 }
 
 std::string Utf16(std::u16string_view text, bool isLittle) {

@@ -121,9 +121,9 @@ TEST(Program, WhatCannotBeDoneIsOneClearLine) {
 
 TEST(Program, AngleConvertsValuesAndReportsTheRest) {
   const ProgramResult values =
-      RunFieldbook({"angle", "-10.5", "10,5", "370", "--from", "deg", "--to", "dms"});
+      RunFieldbook({"angle", "-10,5", "x", "370", "--from", "deg", "--to", "dms"});
   EXPECT_EQ(values.out, "-10\u00B030'00.00\"\n370\u00B000'00.00\"\n");
-  EXPECT_EQ(values.err, "10,5: not a number\n");
+  EXPECT_EQ(values.err, "x: not a number\n");
   EXPECT_EQ(values.status, 2);
 
   const ProgramResult input =
@@ -269,7 +269,7 @@ TEST(Program, SpeaksItalian) {
       << table.out;
   EXPECT_EQ(CountLines(table.out), 26u);
   EXPECT_EQ(table.err, "");
-  EXPECT_EQ(RunFieldbook({"angle", "10 30 0 O", "10 0 0 W", "--from", "dms", "--to", "dms", "--lon",
+  EXPECT_EQ(RunFieldbook({"angle", "10 30 0 O", "10 0 0 N", "--from", "dms", "--to", "dms", "--lon",
                           "--decimals", "0", "--lang=" + kItalian})
                 .out,
             "10\u00B030'00\"O\n");

@@ -179,8 +179,8 @@ TEST_F(Units, WhatIsUnknownNamesWhatThereIsAndChangesNothing) {
 TEST_F(Units, WhatCannotBeSavedIsOneLineAndTheOldSettingsStay) {
   Set({"dist-units", "ft"});
   const std::string old = m_folder.Read("data/" + kSettings);
-  // The file that takes the new settings first can't be made.
-  std::filesystem::create_directory(m_folder.PathOf("data/" + kSettings + ".new"));
+  const std::filesystem::path path = m_folder.PathOf("data/" + kSettings);
+  std::filesystem::permissions(path, std::filesystem::perms::owner_read);
   const ProgramResult result = Set({"dist-units", "ch"});
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(result.err.find("fieldbook: the settings can't be saved in "), 0u) << result.err;
@@ -188,6 +188,7 @@ TEST_F(Units, WhatCannotBeSavedIsOneLineAndTheOldSettingsStay) {
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(m_folder.Read("data/" + kSettings), old);
   EXPECT_EQ(ValueIn(Run({"units"}).out, "dist-units"), "ft");
+  std::filesystem::permissions(path, std::filesystem::perms::owner_all);
 
   const std::string file = m_folder.Write("file", "x");
   const ProgramResult below =

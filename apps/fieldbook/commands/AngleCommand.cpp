@@ -28,7 +28,9 @@ const WChar* const kAngleHelp = KTEXT(
     "  dms-blank   10 30 15.5\"\n"
     "  dms-packed  10.30155\", degrees, then two digits each for minutes and seconds\n"
     "In the dms forms the sign of the seconds may be left out, and seconds and\n"
-    "minutes that are zero. A hemisphere letter may stand behind.\n"
+    "minutes that are zero. A hemisphere letter may stand in front or behind.\n"
+    "Signs and units that VALUE has of its own go before FORM, and a bearing such as\n"
+    "S45\u00B030'E is a direction from north.\n"
     "\n"
     "A value that can't be read is reported as VALUE: what is wrong, the others\n"
     "are printed, and the exit status is 2.\n");

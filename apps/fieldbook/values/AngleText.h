@@ -9,16 +9,15 @@ namespace fieldbook {
 struct AngleNotation {
   const WChar* name;  // on the command line
   enumDisplayAngleUnits form;
-  double (*toDegrees)(double);  // null for degrees, minutes and seconds
-  double (*fromDegrees)(double);
-  int decimals;  // shown where nothing else was asked for; of seconds in DMS
+  double (*fromDegrees)(double);  // null for degrees, minutes and seconds
+  int decimals;                   // shown where nothing else was asked for; of seconds in DMS
 };
 
 extern const AngleNotation kAngleNotations[7];
 
-// The value in degrees, signed. A latitude lies within 90 degrees, a longitude within 180, any
-// other angle within a million. In the forms of degrees, minutes and seconds a hemisphere letter
-// may stand behind; it makes the angle a latitude or a longitude.
+// The value in degrees, signed, as the library's strict reading takes it (ValueCheck.h): a text
+// without signs or a unit of its own is in the notation. A hemisphere letter makes the angle a
+// latitude or a longitude; a quadrant bearing counts from north, clockwise.
 Reading ReadAngle(const WString& text, const AngleNotation& notation, enumLatLonType type);
 
 // An angle in degrees, as ReadAngle gave it. In the forms of degrees, minutes and seconds a

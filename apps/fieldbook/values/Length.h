@@ -43,8 +43,9 @@ inline constexpr Fraction kFractions[] = {
 // Whether a length is short enough to be read: up to 500,000 km, since whole feet have 32 bits.
 bool IsWithinReach(double value, const LengthUnit& unit);
 
-// A length in the given unit. For a unit of feet and inches the text may be such a length (5'6"3/8,
-// 5'-6 3/8", 5' 6", 6") or decimal feet. Lengths out of reach are refused.
+// A length in the given unit, one of kLengthUnits, as the library's strict reading takes it
+// (ValueCheck.h): a text without a unit of its own is in this one. Lengths out of reach are
+// refused.
 Reading ReadLength(const WString& text, const LengthUnit& unit, DecimalMark mark);
 
 // How lengths are shown.

@@ -5,29 +5,7 @@
 #include <cmath>
 #include <iterator>
 
-#include "fieldbook/values/Scanner.h"
-#include "kelp0lang/LocaleFree.h"
-
 namespace fieldbook {
-namespace {
-
-// kelp_wtof reads the number that a text begins with, which would pass "12abc" as 12.
-bool IsNumber(const WString& text, DecimalMark mark) {
-  Scanner scan(ViewOf(text));
-  scan.TakeSign();
-  std::size_t digits = scan.TakeDigits().size();
-  const WideView marks = mark == DecimalMark::Point ? KTEXT(".") : KTEXT(".,");
-  if (scan.TakeOneOf(marks)) digits += scan.TakeDigits().size();
-  if (digits == 0) return false;
-  if (scan.TakeOneOf(KTEXT("eE"))) {
-    scan.TakeSign();
-    if (scan.TakeDigits().empty()) return false;
-  }
-  return scan.AtEnd();
-}
-
-}  // namespace
-
 Message NotANumber() {
   return {KTEXT("not a number"), {}};
 }
@@ -35,11 +13,18 @@ Message OutOfRange() {
   return {KTEXT("out of range"), {}};
 }
 
+Reading ToReading(const TValueCheck& check) {
+  if (check.IsValue()) return {check.value, {}};
+  return {kelp::kNotSet, {check.source, {check.first, check.second}}};
+}
+
+bool HasForbiddenComma(const WString& text, DecimalMark mark) {
+  return mark == DecimalMark::Point && text.IndexOf(KTEXT(',')) >= 0;
+}
+
 Reading ReadNumber(const WString& text, DecimalMark mark) {
-  if (!IsNumber(text, mark)) return {kelp::kNotSet, NotANumber()};
-  const double value = kelp_wtof(text.Replace(KTEXT(','), KTEXT('.')).c_str());
-  if (std::fabs(value) > kelp::kNotSetThreshold) return {kelp::kNotSet, OutOfRange()};
-  return {value, {}};
+  if (HasForbiddenComma(text, mark)) return {kelp::kNotSet, NotANumber()};
+  return ToReading(CheckNumber(text));
 }
 
 WString WriteExactly(double value, int leastDecimals) {

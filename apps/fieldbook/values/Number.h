@@ -3,6 +3,7 @@
 
 #include "fieldbook/values/Text.h"
 #include "kelp0lang/MeasUnit.h"
+#include "kelp0lang/ValueCheck.h"
 
 namespace fieldbook {
 
@@ -14,8 +15,13 @@ struct Reading {
 
 enum class DecimalMark { Point, PointOrComma };
 
-// The whole text must be one decimal number: sign, digits with at most one mark, exponent. A number
-// so great that the library takes it for a value that isn't set is out of range.
+// What the library's strict reading says of a text.
+Reading ToReading(const TValueCheck& check);
+
+// In a comma file no number has a decimal comma, quoted or not.
+bool HasForbiddenComma(const WString& text, DecimalMark mark);
+
+// The whole text must be one number or fraction.
 Reading ReadNumber(const WString& text, DecimalMark mark);
 
 // As many decimals as it takes to read the same value back, and no fewer than asked for.

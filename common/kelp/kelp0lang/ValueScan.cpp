@@ -9,8 +9,9 @@
 namespace kelp::detail {
 namespace {
 
-// A blank, a tab, and those that typesetting programs put between number and unit.
-constexpr WideView kBlanks = KTEXT(" \t\u00A0\u2009\u202F");
+// Those of the keyboard, an end of line, and those that typesetting programs put between number and
+// unit.
+constexpr WideView kBlanks = KTEXT(" \t\r\n\u00A0\u2009\u202F");
 // Hyphen and minus, the hyphens of typesetting, the en dash.
 constexpr WideView kDashes = KTEXT("-\u2010\u2011\u2012\u2013\u2212");
 constexpr WideView kDecimalMarks = KTEXT(".,");

@@ -15,7 +15,7 @@ using WideView = std::basic_string_view<WChar>;
 
 // Source texts of what can be wrong.
 inline constexpr const WChar* kNoValueFault = KTEXT("there is no value");
-inline constexpr const WChar* kNumberFault = KTEXT("a number is expected here");
+inline constexpr const WChar* kNumberFault = KTEXT("not a number");
 inline constexpr const WChar* kUnexpectedFault = KTEXT("this doesn't belong to the value");
 inline constexpr const WChar* kUnitFault = KTEXT("no unit of such a value");
 inline constexpr const WChar* kSignFault = KTEXT("a value has one sign");

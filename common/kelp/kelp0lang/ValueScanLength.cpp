@@ -128,7 +128,7 @@ bool ScanBareParts(ValueScan& scan, enumDisplayDistUnits units, const Amount& fe
   }
   if (!IsFootUnit(units) || (!dash && !IsFeetInch(units))) {
     scan.GoBack(behind);
-    return scan.Fail(kFeetSignsFault);
+    return scan.Fail(dash || IsFootUnit(units) ? kFeetSignsFault : kUnexpectedFault);
   }
   if (!feet.isWhole) return scan.Fail(kDecimalsFault);
   const WChar* const second = scan.Place();
