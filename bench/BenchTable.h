@@ -57,6 +57,8 @@ void AddTimeWorks();
 void AddCellWorks();
 void AddChangeWorks();
 void AddThreadWorks();
+void AddValueWorks();
+void AddBitWorks();
 // The folder is where the unit settings are saved, and the rows of text.
 void AddSettingsWorks(const std::filesystem::path& folder);
 void AddLineWorks(const std::filesystem::path& folder);

@@ -32,6 +32,8 @@ int main(int argc, char** argv) {
   bench::AddCellWorks();
   bench::AddChangeWorks();
   bench::AddThreadWorks();
+  bench::AddValueWorks();
+  bench::AddBitWorks();
   bench::AddSettingsWorks(support);
   bench::AddLineWorks(support);
   benchmark::Initialize(&argc, argv);

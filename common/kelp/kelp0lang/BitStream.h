@@ -80,6 +80,8 @@ class KELP0LANG_API CBitStreamReader {
   int BytesLeft() const noexcept;
   template <class T>
   T ReadNumber() noexcept;
+  unsigned ReadIntOfWord(int bits) noexcept;
+  unsigned ReadIntByParts(int bits) noexcept;
 
   const unsigned char* m_buffer;
   int m_size;

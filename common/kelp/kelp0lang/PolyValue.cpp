@@ -192,26 +192,12 @@ void CPolyValue::SetDateValue(std::int64_t value) noexcept {
 void CPolyValue::SetToEmpty() noexcept {
   Clear();
   m_type = pvEmpty;
+  m_value = {};
 }
 
-bool CPolyValue::operator==(const CPolyValue& other) const noexcept {
-  if (m_type != other.m_type) return false;
-  switch (m_type) {
-    case pvEmpty:
-      return true;
-    case pvBool:
-      return m_value.boolean == other.m_value.boolean;
-    case pvInt32:
-      return m_value.int32 == other.m_value.int32;
-    case pvDouble:
-      return m_value.real == other.m_value.real;
-    case pvString:
-      return TArray::SameText(*m_value.text, *other.m_value.text);
-    case pvArray:
-      return *m_value.array == *other.m_value.array;
-    default:
-      return m_value.int64 == other.m_value.int64;
-  }
+bool CPolyValue::EqualBlocks(const CPolyValue& other) const noexcept {
+  return m_type == pvString ? TArray::SameText(*m_value.text, *other.m_value.text)
+                            : *m_value.array == *other.m_value.array;
 }
 
 // What the data begin with; bytes beyond their end count as 0.

@@ -83,7 +83,7 @@ class KELP0LANG_API CPolyValue {
   }
   // The other value is empty afterwards.
   CPolyValue(CPolyValue&& other) noexcept
-      : m_type(std::exchange(other.m_type, pvEmpty)), m_value(other.m_value) {}
+      : m_type(std::exchange(other.m_type, pvEmpty)), m_value(std::exchange(other.m_value, {})) {}
   ~CPolyValue() { Clear(); }
 
   // Each gives the value a new kind. The source may be a part of this very value.
@@ -112,7 +112,14 @@ class KELP0LANG_API CPolyValue {
   bool IsEmpty() const noexcept { return m_type == pvEmpty; }
   // Values of different kinds differ, also a whole number and a double of the same size. A NaN
   // differs from everything. Texts are compared up to their terminators, arrays element by element.
-  bool operator==(const CPolyValue& other) const noexcept;
+  bool operator==(const CPolyValue& other) const noexcept {
+    if (m_type != other.m_type) return false;
+    if (OwnsBlock()) return EqualBlocks(other);
+    // Without a branch, which values of changing kinds would make hard to predict.
+    const bool sameBits = m_value.int64 == other.m_value.int64;
+    const bool sameReal = m_value.real == other.m_value.real;
+    return m_type == pvDouble ? sameReal : sameBits;
+  }
 
   bool GetBoolValue() const;
   std::int32_t GetInt32Value() const;
@@ -178,6 +185,7 @@ class KELP0LANG_API CPolyValue {
 
  private:
   struct TArray;
+  // Bytes that a kind doesn't use are 0, so that values can be compared whole.
   union TValue {
     std::uint64_t int64;
     bool boolean;
@@ -189,6 +197,7 @@ class KELP0LANG_API CPolyValue {
     void* pointer;
   };
 
+  bool EqualBlocks(const CPolyValue& other) const noexcept;
   bool OwnsBlock() const noexcept { return m_type == pvString || m_type == pvArray; }
   void CloneBlock();
   void FreeBlock() noexcept;

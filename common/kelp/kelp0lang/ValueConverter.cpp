@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
+#include <cwchar>
+#include <limits>
 #include <type_traits>
 
 #include "kelp0lang/Exception.h"
@@ -250,6 +253,19 @@ auto PlainText(T value, int precision = CIOState().GetPrecision()) {
   return Converter::ToString(state, value);
 }
 
+// A plain whole number is its digits.
+template <class T>
+WString WholeText(T value) {
+  WChar text[1 + std::numeric_limits<std::uint64_t>::digits10 + 1];
+  const bool negative = value < 0;
+  text[0] = KTEXT('-');
+  const auto bits = static_cast<std::uint64_t>(value);
+  const std::uint64_t magnitude = negative ? 0 - bits : bits;
+  const int digits = detail::CountDigits(magnitude);
+  detail::WriteDigits(text + negative, magnitude, digits);
+  return detail::TextOf(text, digits + negative);
+}
+
 }  // namespace
 
 String String::ValueOf(int value) {
@@ -285,22 +301,22 @@ String String::ValueOf(char value) {
 }
 
 WString WString::ValueOf(int value) {
-  return PlainText<CWValueConverter>(value);
+  return WholeText(value);
 }
 WString WString::ValueOf(unsigned int value) {
-  return PlainText<CWValueConverter>(value);
+  return WholeText(value);
 }
 WString WString::ValueOf(long value) {
-  return PlainText<CWValueConverter>(value);
+  return WholeText(value);
 }
 WString WString::ValueOf(unsigned long value) {
-  return PlainText<CWValueConverter>(value);
+  return WholeText(value);
 }
 WString WString::ValueOf(long long value) {
-  return PlainText<CWValueConverter>(value);
+  return WholeText(value);
 }
 WString WString::ValueOf(unsigned long long value) {
-  return PlainText<CWValueConverter>(value);
+  return WholeText(value);
 }
 WString WString::ValueOf(double value, unsigned int precision) {
   return PlainText<CWValueConverter>(value, static_cast<int>(precision));
