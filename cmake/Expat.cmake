@@ -18,6 +18,8 @@ if(NOT EXISTS ${folder})
   file(ARCHIVE_EXTRACT INPUT ${archive} DESTINATION ${folder} PATTERNS */expat/lib/*)
 endif()
 file(GLOB lib ${folder}/*/expat/lib)
+# What its own configuration would find out; the rest are definitions below.
+file(WRITE ${lib}/expat_config.h "#define BYTEORDER 1234\n")
 add_library(expat STATIC ${lib}/xmlparse.c ${lib}/xmlrole.c ${lib}/xmltok.c)
 target_include_directories(expat SYSTEM PUBLIC ${lib})
 # As Debian builds it: with what a document type declares, and its guard against entities that grow.

@@ -119,8 +119,9 @@ TEST(XmlStreamWriter, KeepsPiecesWholeAtTheEndOfTheBuffer) {
         if (used + 6 > 4096) sizes.push_back(std::exchange(used, 0));
         used += i < plain ? 1 : size;
       }
-      sizes.push_back(4096);  // a name fills the buffer to its end
-      sizes.push_back(used + 5001 - 4096);
+      // A name fills the buffer to its end.
+      for (used += 5001; used > 4096; used -= 4096) sizes.push_back(4096);
+      sizes.push_back(used);
       Stream stream;
       {
         Writer writer(stream, false, false);
