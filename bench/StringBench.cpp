@@ -1,8 +1,10 @@
 // Strings beside QString, ICU's UnicodeString and std::u16string.
 #include <unicode/unistr.h>
+#include <unicode/ustring.h>
 
 #include <QByteArray>
 #include <QString>
+#include <algorithm>
 #include <random>
 #include <string_view>
 
@@ -150,6 +152,117 @@ void AddSearches() {
        {"std::u16string", 1.0, Over(texts, [=](const auto& text) { return text.find(unit); })}});
 }
 
+// Texts of 64 KiB are too long for any store on the stack. ICU writes into a buffer with room
+// enough that is there beforehand, and we make a text.
+void AddLongUtf8(const std::string& kind, const Words& words) {
+  auto texts = TextsOfBytes(words, 64 * 1024);
+  texts.resize(4);
+  const auto ours = OfOurs(texts);
+  const auto ourBytes = Each<kelp::String>(ours, [](const auto& text) { return text.ToUtf8(); });
+  Compare("ToUtf8 64 KiB " + kind, Over(ours, [](const auto& text) { return text.ToUtf8(); }),
+          {{"u_strToUTF8", 0.6, Over(texts, [](const auto& text) {
+              static std::vector<char> bytes(256 * 1024);
+              UErrorCode error = U_ZERO_ERROR;
+              u_strToUTF8(bytes.data(), static_cast<int>(bytes.size()), nullptr, text.data(),
+                          static_cast<int>(text.size()), &error);
+              return bytes[0];
+            })}});
+  Compare("FromUtf8 64 KiB " + kind,
+          Over(ourBytes, [](const auto& bytes) { return bytes.FromUtf8(); }),
+          {{"u_strFromUTF8", 0.6, Over(ourBytes, [](const auto& bytes) {
+              static std::vector<char16_t> units(64 * 1024);
+              UErrorCode error = U_ZERO_ERROR;
+              u_strFromUTF8(units.data(), static_cast<int>(units.size()), nullptr, bytes.c_str(),
+                            bytes.Length(), &error);
+              return units[0];
+            })}});
+}
+
+// One text out of many, each side in the room that it has asked for before.
+constexpr int kAppended = 30;
+constexpr int kRoom = kAppended * 32;
+
+template <class Text, class Reserve>
+Measure Appending(const std::vector<Text>& parts, Reserve reserve) {
+  return [=](benchmark::State& state) {
+    for (auto _ : state) {
+      Text row;
+      reserve(row, kRoom);
+      for (int i = 0; i < kAppended; ++i) row += parts[static_cast<std::size_t>(i)];
+      benchmark::DoNotOptimize(row);
+    }
+    state.SetItemsProcessed(state.iterations() * kAppended);
+  };
+}
+
+template <class Text, class Unit, class Reserve>
+Measure Building(Unit unit, Reserve reserve) {
+  return [=](benchmark::State& state) {
+    constexpr int kUnits = 1 << 20;
+    for (auto _ : state) {
+      Text text;
+      reserve(text, kUnits);
+      for (int i = 0; i < kUnits; ++i) text += unit;
+      benchmark::DoNotOptimize(text);
+    }
+    state.SetItemsProcessed(state.iterations() * kUnits);
+  };
+}
+
+void AddGrowth() {
+  const auto reserveOurs = [](kelp::WString& text, int room) { text.GetBufferAsCString(room); };
+  const auto reserve = [](auto& text, int room) { text.reserve(room); };
+  const auto parts = ShortTexts(4, 27);
+  Compare("append 30 texts into a reserve", Appending(OfOurs(parts), reserveOurs),
+          {{"std::u16string", 1.2, Appending(parts, reserve)},
+           {"QString", 1.2, Appending(OfQt(parts), reserve)}});
+  Compare("build 1 MB unit by unit after a reserve", Building<kelp::WString>(u'a', reserveOurs),
+          {{"std::u16string", 1.2, Building<std::u16string>(u'a', reserve)},
+           {"QString", 1.2, Building<QString>(QChar(u'a'), reserve)}});
+}
+
+template <class Text>
+Measure Sorting(const std::vector<Text>& texts) {
+  return [=](benchmark::State& state) {
+    for (auto _ : state) {
+      state.PauseTiming();
+      auto sorted = texts;
+      state.ResumeTiming();
+      std::sort(sorted.begin(), sorted.end());
+      benchmark::DoNotOptimize(sorted.data());
+      state.PauseTiming();
+      sorted = {};
+      state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(texts.size()));
+  };
+}
+
+// Names of points and descriptions, many with the same beginning.
+void AddSorting() {
+  constexpr std::size_t kSorted = 100'000;
+  std::mt19937 random(99);
+  std::vector<std::u16string> texts(kSorted);
+  for (std::u16string& text : texts) {
+    text = kItalian[random() % kItalian.size()];
+    text.append(u" ").append(kItalian[random() % kItalian.size()]).append(u" ");
+    for (const char digit : std::to_string(random() % 1'000'000))
+      text += static_cast<char16_t>(digit);
+  }
+  Compare("sort 100,000 texts", Sorting(OfOurs(texts)), {{"QString", 1.0, Sorting(OfQt(texts))}});
+}
+
+// A keyword of a file against those that a field may be, as a reader looks for its own.
+void AddLiterals() {
+  const auto isStation = [](const auto& text) { return text == u"stazione totale"; };
+  for (const std::string kind : {"equal", "another"}) {
+    std::vector<std::u16string> texts(64, u"stazione totale");
+    if (kind == "another") texts = ShortTexts(8, 27);
+    Compare("compare with a literal, " + kind, Over(OfOurs(texts), isStation),
+            {{"std::u16string", 1.2, Over(texts, isStation)}});
+  }
+}
+
 }  // namespace
 
 void AddStringWorks() {
@@ -159,7 +272,13 @@ void AddStringWorks() {
   AddUtf8("ASCII", kAscii);
   AddUtf8("Italian", kItalian);
   AddUtf8("emoji", kEmoji);
+  AddLongUtf8("ASCII", kAscii);
+  AddLongUtf8("Italian", kItalian);
+  AddLongUtf8("emoji", kEmoji);
   AddSearches();
+  AddGrowth();
+  AddSorting();
+  AddLiterals();
 }
 
 }  // namespace bench

@@ -469,7 +469,8 @@ TEST(StringUtf8, EncodesAsItsPartsDo) {
   for (int round = 0; round < 3000; ++round) {
     const unsigned rarity = 2 + random() % 60;
     WString text;
-    WChar* units = text.GetBufferSetLength(static_cast<int>(random() % 300));
+    WChar* units =
+        text.GetBufferSetLength(static_cast<int>(random() % 300) + (round % 20 == 0 ? 2048 : 0));
     std::generate(units, units + text.Length(), [&]() -> WChar {
       return random() % rarity == 0 ? others[random() % 8] : KTEXT('a') + random() % 26;
     });
@@ -480,6 +481,46 @@ TEST(StringUtf8, EncodesAsItsPartsDo) {
       i += count;
     }
     ASSERT_EQ(text.ToUtf8(), parts);
+  }
+}
+
+// What one step takes, from the table of lead bytes.
+std::u16string DecodedByHand(const std::string& bytes) {
+  std::u16string units;
+  for (std::size_t at = 0; at < bytes.size();) {
+    const auto byte = [&](std::size_t i) {
+      return i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0u;
+    };
+    const unsigned lead = byte(at++);
+    const int behind = lead < 0xC0 || lead >= 0xF8 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
+    unsigned value = behind == 0 ? lead : lead & (0x3F >> behind);
+    for (int i = 0; i < behind; ++i) value = value << 6 | (byte(at++) & 0x3F);
+    if (value >= 0x10000) units += static_cast<char16_t>((value >> 10) + 0xD7C0);
+    units += static_cast<char16_t>(value >= 0x10000 ? (value & 0x3FF) + 0xDC00 : value);
+  }
+  return units;
+}
+
+// Sequences whole, cut short and overlong, and stray bytes, in text of one pass and of two.
+TEST(StringUtf8, DecodesByItsStepsWhateverTheBytes) {
+  const std::string pieces[] = {
+      "plain text",       "\xC3\xA0", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xF0\x90\x80\x80",
+      "\xF0\x8F\xBF\xBF", "\x80",     "\xC3",         "\xE2\x82",         "\xF0\x9F",
+      "\xF8\x88",         "\xFF",     "\xC0\xC3"};
+  std::mt19937 random(17);
+  for (int round = 0; round < 6000; ++round) {
+    const std::size_t size = round % 3 == 0 ? 2049 + random() % 80 : random() % 120;
+    // Mostly well-formed text, which is counted in blocks, and text of all kinds.
+    const std::size_t kinds = round % 2 == 0 ? 5 : std::size(pieces);
+    std::string bytes;
+    while (bytes.size() < size) bytes += pieces[random() % kinds];
+    if (round % 4 == 0) bytes.resize(size);
+    const std::u16string units = DecodedByHand(bytes);
+    String text;
+    std::copy(bytes.begin(), bytes.end(), text.GetBufferSetLength(static_cast<int>(bytes.size())));
+    const WString decoded = text.FromUtf8();
+    ASSERT_EQ(decoded.length(), units.size());
+    ASSERT_TRUE(std::equal(units.begin(), units.end(), decoded.c_str()));
   }
 }
 

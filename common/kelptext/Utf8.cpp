@@ -1,8 +1,10 @@
 #include "kelptext/Utf8.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdint>
+#include <cstring>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -66,11 +68,6 @@ unsigned WidenBlock(const unsigned char* bytes, WChar* out) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(block, zero));
   _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 8), _mm_unpackhi_epi8(block, zero));
   return static_cast<unsigned>(_mm_movemask_epi8(block));
-}
-
-unsigned NonAsciiBytes(const unsigned char* bytes) {
-  return static_cast<unsigned>(
-      _mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes))));
 }
 
 // Sixteen units narrowed to sixteen bytes; bit i of the result is set where unit i isn't ASCII, and
@@ -143,6 +140,164 @@ void EncodeBlocks(const WChar*& unit, const WChar* end, char*& out, const char* 
   }
 }
 
+// Lanes of all ones where bytes[i] >= least, of which least isn't 0.
+__m128i BytesFrom(__m128i bytes, unsigned char least) {
+  const __m128i missing = _mm_subs_epu8(_mm_set1_epi8(static_cast<char>(least)), bytes);
+  return _mm_cmpeq_epi8(missing, _mm_setzero_si128());
+}
+
+__m128i LoadBytes(const unsigned char* bytes) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+}
+
+// Counts the units that well-formed text decodes to, sixteen bytes at a time, each sequence with
+// its lead byte.
+class UnitCounter {
+ public:
+  // Reads the three bytes before too.
+  void Add(const unsigned char* bytes) {
+    const __m128i block = LoadBytes(bytes);
+    const __m128i before = LoadBytes(bytes - 1);
+    const __m128i fromC0 = BytesFrom(block, 0xC0);
+    const __m128i fromF0 = BytesFrom(block, 0xF0);
+    const __m128i behind = _mm_andnot_si128(fromC0, BytesFrom(block, 0x80));
+    const __m128i wanted = _mm_or_si128(
+        BytesFrom(before, 0xC0),
+        _mm_or_si128(BytesFrom(LoadBytes(bytes - 2), 0xE0), BytesFrom(LoadBytes(bytes - 3), 0xF0)));
+    // F0 and a byte below 0x90 make a value of one unit.
+    const __m128i overlong = _mm_andnot_si128(
+        BytesFrom(block, 0x90), _mm_cmpeq_epi8(before, _mm_set1_epi8(static_cast<char>(0xF0))));
+    m_wrong = _mm_or_si128(m_wrong, _mm_or_si128(_mm_xor_si128(behind, wanted),
+                                                 _mm_or_si128(overlong, BytesFrom(block, 0xF8))));
+    // Lanes of all ones take one away from 1, or add one to it.
+    const __m128i units = _mm_sub_epi8(_mm_add_epi8(behind, _mm_set1_epi8(1)), fromF0);
+    m_units = _mm_add_epi64(m_units, _mm_sad_epu8(units, _mm_setzero_si128()));
+  }
+
+  // Whether each lead byte had as many bytes behind it as it announces and its value needs, and no
+  // other bytes stood there.
+  bool IsWellFormed() const { return _mm_movemask_epi8(m_wrong) == 0; }
+  std::size_t Units() const {
+    return static_cast<std::size_t>(_mm_cvtsi128_si64(m_units) +
+                                    _mm_cvtsi128_si64(_mm_unpackhi_epi64(m_units, m_units)));
+  }
+
+ private:
+  __m128i m_wrong = _mm_setzero_si128();
+  __m128i m_units = _mm_setzero_si128();
+};
+
+// Where the sequence begins that the byte at place belongs to, in text that is well-formed up to
+// there.
+const unsigned char* SequenceStart(const unsigned char* begin, const unsigned char* place) {
+  for (int back = 1; back <= 3 && place - begin >= back; ++back) {
+    const unsigned char lead = place[-back];
+    if (lead < 0x80) break;
+    if (lead >= 0xC0) return back < (lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4) ? place - back : place;
+  }
+  return place;
+}
+
+// Units of the blocks at the front of well-formed text; moves byte behind them, to where a sequence
+// begins. Text that isn't well-formed stays as it is.
+std::size_t CountBlocks(const unsigned char*& byte, const unsigned char* end) {
+  if (end - byte < kBlock) return 0;
+  UnitCounter counter;
+  unsigned char first[3 + kBlock] = {};
+  std::memcpy(first + 3, byte, kBlock);
+  counter.Add(first + 3);
+  const unsigned char* place = byte + kBlock;
+  for (; end - place >= kBlock; place += kBlock) counter.Add(place);
+  if (!counter.IsWellFormed()) return 0;
+  byte = SequenceStart(byte, place);
+  const std::size_t cut = byte == place ? 0 : *byte >= 0xF0 ? 2 : 1;
+  return counter.Units() - cut;
+}
+
+// How many bytes a lead byte begins and which of its own bits count, by its upper five bits.
+struct Lead {
+  std::uint8_t size;
+  std::uint8_t bits;
+};
+constexpr auto kLeads = [] {
+  std::array<Lead, 32> leads;
+  leads.fill({1, 0xFF});
+  for (int i = 0xC0 >> 3; i < 0xE0 >> 3; ++i) leads[i] = {2, 0x1F};
+  for (int i = 0xE0 >> 3; i < 0xF0 >> 3; ++i) leads[i] = {3, 0x0F};
+  leads[0xF0 >> 3] = {4, 0x07};
+  return leads;
+}();
+
+// A step of decoding and its writing without a branch, since no processor foresees the kinds of
+// sequences of a text; at least four bytes can be read and two units written.
+void DecodeAhead(const unsigned char*& byte, WChar*& out) {
+  const Lead lead = kLeads[*byte >> 3];
+  const std::uint32_t all = std::uint32_t{*byte} & lead.bits;
+  const std::uint32_t value =
+      (all << 18 | (byte[1] & 0x3Fu) << 12 | (byte[2] & 0x3Fu) << 6 | (byte[3] & 0x3Fu)) >>
+      (24 - 6 * lead.size);
+  const bool isPair = value >= 0x10000;
+  out[0] = static_cast<WChar>(isPair ? (value >> 10) + 0xD7C0 : value);
+  out[1] = static_cast<WChar>((value & 0x3FF) + 0xDC00);
+  out += 1 + isPair;
+  byte += lead.size;
+}
+
+// Decodes pairs of blocks while both ends are far enough for whole stores; moves byte and out. As
+// in EncodeBlocks one mask tells the places of the bytes that aren't plain. At the worst a step
+// takes kPair + 3 bytes for as many units and widens kPair more.
+void DecodeBlocks(const unsigned char*& byte, const unsigned char* end, WChar*& out,
+                  const WChar* outEnd) {
+  constexpr std::ptrdiff_t kPair = 2 * kBlock;
+  const auto widen = [](const unsigned char* from, WChar* to) {
+    const unsigned low = WidenBlock(from, to);
+    return WidenBlock(from + kBlock, to + kBlock) << kBlock | low;
+  };
+  while (end - byte >= 2 * kPair + 3 && outEnd - out >= 2 * kPair + 3) {
+    const unsigned char* const pairEnd = byte + kPair;
+    std::uint64_t others = widen(byte, out);
+    while (others != 0) {
+      const int plain = std::countr_zero(others);
+      byte += plain;
+      out += plain;
+      const unsigned char* const other = byte;
+      DecodeAhead(byte, out);
+      others >>= plain + (byte - other);
+      widen(byte, out);
+    }
+    if (byte < pairEnd) {
+      out += pairEnd - byte;
+      byte = pairEnd;
+    }
+  }
+}
+
+// Bytes of the units at the front, eight at a time, but for blocks with a high surrogate that no
+// low one follows; moves unit to where such a block or the end begins.
+std::size_t EncodedBlocksLength(const WChar*& unit, const WChar* end) {
+  std::size_t length = 0;
+  const auto isSurrogate = [](const WChar* units, int first) {
+    const __m128i bits = _mm_and_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(units)),
+                                       _mm_set1_epi16(static_cast<short>(0xFC00)));
+    return _mm_cmpeq_epi16(bits, _mm_set1_epi16(static_cast<short>(first)));
+  };
+  const __m128i zero = _mm_setzero_si128();
+  for (; end - unit > 8; unit += 8) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(unit));
+    const __m128i high = isSurrogate(unit, 0xD800);
+    const __m128i low = isSurrogate(unit + 1, 0xDC00);
+    if (_mm_movemask_epi8(_mm_andnot_si128(low, high)) != 0) break;
+    // Three bytes for each unit, less one or two for the small ones; a pair has four.
+    const __m128i below80 = _mm_cmpeq_epi16(_mm_subs_epu16(block, _mm_set1_epi16(0x7F)), zero);
+    const __m128i below800 = _mm_cmpeq_epi16(_mm_subs_epu16(block, _mm_set1_epi16(0x7FF)), zero);
+    const __m128i less = _mm_add_epi16(_mm_add_epi16(below80, below800), _mm_add_epi16(high, high));
+    const __m128i bytes = _mm_add_epi16(less, _mm_set1_epi16(3));
+    const __m128i sums = _mm_sad_epu8(bytes, zero);
+    length += static_cast<std::size_t>(_mm_cvtsi128_si32(sums) + _mm_extract_epi16(sums, 4));
+  }
+  return length;
+}
+
 #endif
 
 }  // namespace
@@ -151,16 +306,10 @@ std::size_t DecodedUtf8Length(const char* bytes, std::size_t size) {
   const auto* byte = reinterpret_cast<const unsigned char*>(bytes);
   const unsigned char* end = byte + size;
   std::size_t length = 0;
-  while (byte < end) {
 #ifdef __SSE2__
-    while (end - byte >= kBlock && NonAsciiBytes(byte) == 0) {
-      byte += kBlock;
-      length += kBlock;
-    }
-    if (byte == end) break;
+  length = CountBlocks(byte, end);
 #endif
-    length += DecodeStep(byte, end) < 0x10000 ? 1 : 2;
-  }
+  while (byte < end) length += DecodeStep(byte, end) < 0x10000 ? 1 : 2;
   return length;
 }
 
@@ -169,6 +318,9 @@ std::size_t DecodeUtf8(const char* bytes, std::size_t size, WChar* target, std::
   const unsigned char* end = byte + size;
   WChar* out = target;
   [[maybe_unused]] const WChar* outEnd = target + room;
+#ifdef __SSE2__
+  DecodeBlocks(byte, end, out, outEnd);
+#endif
   while (byte < end) {
 #ifdef __SSE2__
     // The plain units at the front of a block count; what stands behind them is written over.
@@ -189,7 +341,15 @@ std::size_t EncodedUtf8Length(const WChar* units, std::size_t size) {
   const WChar* unit = units;
   const WChar* end = units + size;
   std::size_t length = 0;
-  while (unit < end) length += EncodedSize(EncodeStep(unit, end));
+  while (unit < end) {
+#ifdef __SSE2__
+    length += EncodedBlocksLength(unit, end);
+#endif
+    for (const WChar* const behind = unit + std::min<std::ptrdiff_t>(end - unit, 8);
+         unit < behind;) {
+      length += EncodedSize(EncodeStep(unit, end));
+    }
+  }
   return length;
 }
 

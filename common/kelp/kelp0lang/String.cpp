@@ -200,22 +200,8 @@ void BasicText<S, C>::GetChars(int sourceBegin, int sourceEnd, C* target, int ta
 
 // text may point into this string, whose buffer stays until the units are copied.
 template <class S, class C>
-void BasicText<S, C>::AppendUnits(const C* text, std::int64_t count) {
-  if (count < 1) return;
-  const std::int64_t newLength = Length() + count;
-  if (newLength > Capacity() || IsShared()) {
-    Reset(Join(Text(), Length(), text, count).text);
-    return;
-  }
-  std::memmove(Text() + Length(), text, static_cast<std::size_t>(count) * sizeof(C));
-  Header()->length = static_cast<int>(newLength);
-  Text()[newLength] = 0;
-}
-
-template <class S, class C>
-S& BasicText<S, C>::operator+=(const S& text) {
-  AppendUnits(text.Text(), text.Length());
-  return Self();
+void BasicText<S, C>::Grow(const C* text, std::int64_t count) {
+  if (count > 0) Reset(Join(Text(), Length(), text, count).text);
 }
 
 template <class S, class C>

@@ -175,7 +175,10 @@ class KELP0LANG_API BasicText : public TextHandle {
   // Appends, and writes into the present buffer where this handle is alone on it and there is room.
   // The text may be this one or a part of it. A null pointer adds nothing; operator+= of a unit
   // adds even a 0, append of a 0 adds nothing.
-  S& operator+=(const S& text);
+  S& operator+=(const S& text) {
+    AppendUnits(text.Text(), text.Length());
+    return Self();
+  }
   S& operator+=(C unit) {
     const int length = Length();
     if (length < Capacity() && !IsShared()) {
@@ -183,7 +186,7 @@ class KELP0LANG_API BasicText : public TextHandle {
       Text()[length + 1] = 0;
       Header()->length = length + 1;
     } else {
-      AppendUnits(&unit, 1);
+      Grow(&unit, 1);
     }
     return Self();
   }
@@ -295,7 +298,19 @@ class KELP0LANG_API BasicText : public TextHandle {
  private:
   S& Self() noexcept { return static_cast<S&>(*this); }
   const S& Self() const noexcept { return static_cast<const S&>(*this); }
-  void AppendUnits(const C* text, std::int64_t count);
+  // text may point into this string.
+  void AppendUnits(const C* text, std::int64_t count) {
+    const std::int64_t newLength = Length() + count;
+    if (newLength > Capacity() || IsShared()) {
+      Grow(text, count);
+      return;
+    }
+    std::memmove(Text() + Length(), text, static_cast<std::size_t>(count) * sizeof(C));
+    Text()[newLength] = 0;
+    Header()->length = static_cast<std::int32_t>(newLength);
+  }
+  // Appends into a buffer of its own and of exact size.
+  void Grow(const C* text, std::int64_t count);
   // A buffer of this handle alone, with room for capacity units and for the text.
   void MoveToOwn(int capacity);
   void Unshare();
