@@ -3,12 +3,11 @@
 #include <tchar.h>
 
 #include <bit>
-#include <clocale>
 #include <cmath>
 #include <ctime>
 #include <limits>
-#include <map>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "kelp0lang/FileStream.h"
@@ -130,17 +129,12 @@ TEST(PolyValue, EveryGetterAnswersForEveryKind) {
 }
 
 TEST(PolyValue, PointersLeadToWhatIsHeld) {
-  EXPECT_EQ(CPolyValue().GetPointerValue(), nullptr);
-  EXPECT_EQ(CPolyValue(&target).GetPointerValue(), &target);
-  EXPECT_EQ(Array(kelp::pvPointer).GetPointerValue(), nullptr);
-  const CPolyValue number(2.5), text(KTEXT("P1")), whole(7), yes(true), big(std::uint64_t{8});
+  const CPolyValue number(2.5), text(KTEXT("P1"));
   EXPECT_EQ(*static_cast<double*>(number.GetPointerValue()), 2.5);
-  EXPECT_EQ(*static_cast<int*>(whole.GetPointerValue()), 7);
-  EXPECT_TRUE(*static_cast<bool*>(yes.GetPointerValue()));
-  EXPECT_EQ(*static_cast<std::uint64_t*>(big.GetPointerValue()), 8u);
   EXPECT_EQ(*static_cast<WString*>(text.GetPointerValue()), WString(KTEXT("P1")));
-  const CPolyValue date = Date(-9);
-  EXPECT_EQ(*static_cast<std::int64_t*>(date.GetPointerValue()), -9);
+  EXPECT_EQ(CPolyValue(&target).GetPointerValue(), &target);
+  EXPECT_EQ(CPolyValue().GetPointerValue(), nullptr);
+  EXPECT_EQ(Array(kelp::pvPointer).GetPointerValue(), nullptr);
 }
 
 // From one kind to every other; the address sanitizer sees what isn't given back.
@@ -170,23 +164,13 @@ TEST(PolyValue, AssignmentsChangeTheKind) {
   }
   CPolyValue value(KTEXT("a part of itself"));
   value = *&value;
-  EXPECT_EQ(value.GetStringValue(), WString(KTEXT("a part of itself")));
   value = static_cast<WString*>(value.GetPointerValue())->c_str() + 2;
-  EXPECT_EQ(value.GetStringValue(), WString(KTEXT("part of itself")));
   value = *static_cast<WString*>(value.GetPointerValue());
   EXPECT_EQ(value.GetStringValue(), WString(KTEXT("part of itself")));
   value = static_cast<const WChar*>(nullptr);
   EXPECT_EQ(value.GetType(), kelp::pvString);
-  value = true;
-  EXPECT_EQ(value.GetType(), kelp::pvBool);
-  value = 3;
-  EXPECT_EQ(value.GetInt32Value(), 3);
-  value = WString(KTEXT("w"));
-  value = static_cast<void*>(&target);
-  EXPECT_EQ(value.GetPointerValue(), &target);
   const CPolyValue taken(std::move(value));
-  EXPECT_TRUE(value.IsEmpty());
-  EXPECT_EQ(taken.GetType(), kelp::pvPointer);
+  EXPECT_TRUE(value == CPolyValue());
 }
 
 TEST(PolyValue, Equality) {
@@ -255,88 +239,66 @@ TEST(PolyValue, ArraysHoldElementsOfOneKind) {
                     &V::AppendPointerValue);
 
   CPolyValue texts = Array(kelp::pvString, 2);
-  EXPECT_EQ(texts.GetStringValue(1), WString());
   texts.SetStringValue(1, KTEXT("one"));
   const CPolyValue copy(texts);
   for (int i = 0; i < 40; ++i) texts.AppendStringValue(WString::ValueOf(i));
   texts.SetStringValue(1, KTEXT("other"));
   EXPECT_EQ(copy.GetStringValue(1), WString(KTEXT("one")));
-  ASSERT_EQ(texts.GetNoArrayElements(), 42u);
   EXPECT_EQ(texts.GetStringValue(41), WString(KTEXT("39")));
   CPolyValue scalar(5);
-  scalar.AppendStringValue(KTEXT("x"));
-  EXPECT_EQ(scalar.GetInt32Value(), 5);
   scalar.SetStringValue(3, KTEXT("x"));
   EXPECT_EQ(scalar.GetStringValue(8), WString(KTEXT("x")));
 
   CPolyValue sizeless = Array(kelp::pvDate32, 3);
   sizeless.AppendDateValue(1);
   EXPECT_EQ(sizeless.GetNoArrayElements(), 3u);
-  const CPolyValue flag = [] {
-    CPolyValue value = Array(kelp::pvBool);
-    value.AppendBoolValue(true);
-    return value;
-  }();
+  CPolyValue flag = Array(kelp::pvBool, 1);
+  flag.SetBoolValue(0, true);
   EXPECT_EQ(flag.GetInt64Value(), 1u) << "nothing is read behind the data";
 }
 
-// Day by day over all that can be broken down, beside a calendar that counts on.
 TEST(PolyValue, OleDatesBreakDownIntoFields) {
-  int year = 100, month = 1, day = 1, dayOfYear = 1, weekday = 6;
-  for (int date = -657434; date <= 2958465; ++date) {
-    std::tm fields = {};
-    fields.tm_isdst = 42;
-    // A quarter past three, which counts forward also before day zero.
-    const double time = date == 2958465 ? 0 : 11700 / 86400.0;
-    ASSERT_EQ(CPolyValue::ConvertOleData2tm(date < 0 ? date - time : date + time, fields),
-              date == -657434 ? 0 : 1);
-    if (date > -657434) {
-      ASSERT_EQ(fields.tm_year, year) << date;
-      ASSERT_EQ(fields.tm_mon, month) << date;
-      ASSERT_EQ(fields.tm_mday, day) << date;
-      ASSERT_EQ(fields.tm_yday, dayOfYear) << date;
-      ASSERT_EQ(fields.tm_wday, weekday) << date;
-      ASSERT_EQ(fields.tm_hour * 60 + fields.tm_min, time == 0 ? 0 : 195) << date;
-      ASSERT_EQ(fields.tm_sec, 0) << date;
-      ASSERT_EQ(fields.tm_isdst, 42);
-    }
-    const bool leap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-    const int length = month == 2                                              ? (leap ? 29 : 28)
-                       : month == 4 || month == 6 || month == 9 || month == 11 ? 30
-                                                                               : 31;
-    weekday = weekday % 7 + 1;
-    ++dayOfYear;
-    if (++day <= length) continue;
-    day = 1;
-    if (++month <= 12) continue;
-    month = dayOfYear = 1;
-    ++year;
-  }
+  const struct {
+    double date;
+    int year, month, day, second, weekday, dayOfYear;
+  } cases[] = {
+      {0, 1899, 12, 30, 0, 7, 364},
+      {-657434, 100, 1, 1, 0, 6, 1},
+      {2958465, 9999, 12, 31, 0, 6, 365},
+      {36585.75, 2000, 2, 29, 64800, 3, 60},
+      {61.25, 1900, 3, 1, 21600, 5, 60},
+      {-1.25, 1899, 12, 29, 21600, 6, 363},
+      {-0.5, 1899, 12, 30, 43200, 7, 364},
+      {1 - 1e-9, 1899, 12, 31, 0, 1, 365},
+      {-1.25 - 29.6 / 86400, 1899, 12, 29, 21630, 6, 363},
+      {36526 + 59.4 / 86400, 2000, 1, 1, 59, 7, 1},
+  };
   std::tm fields = {};
-  EXPECT_EQ(CPolyValue::ConvertOleData2tm(2958466.0, fields), 0);
-  EXPECT_EQ(CPolyValue::ConvertOleData2tm(2958465.5, fields), 0);
-  EXPECT_EQ(CPolyValue::ConvertOleData2tm(NAN, fields), 0);
-  EXPECT_EQ(fields.tm_year, 0);
-  EXPECT_EQ(CPolyValue::ConvertOleData2tm(-657434.0, fields), 1);
-  EXPECT_EQ(fields.tm_year * 10000 + fields.tm_mon * 100 + fields.tm_mday, 1000101);
-  EXPECT_EQ(CPolyValue::ConvertOleData2tm(0.0, fields), 1);
-  EXPECT_EQ(fields.tm_wday, 7);
-  EXPECT_EQ(CPolyValue::ConvertOleData2tm(1 - 1e-9, fields), 1);
-  EXPECT_EQ(fields.tm_mday, 31) << "rounded to the second";
-  EXPECT_EQ(CPolyValue::ConvertOleData2tm(-1.25 - 29.6 / 86400, fields), 1);
-  EXPECT_EQ(fields.tm_hour * 3600 + fields.tm_min * 60 + fields.tm_sec, 21630);
+  fields.tm_isdst = 42;
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.date);
+    ASSERT_EQ(CPolyValue::ConvertOleData2tm(test.date, fields), 1);
+    EXPECT_EQ(fields.tm_year, test.year);
+    EXPECT_EQ(fields.tm_mon, test.month);
+    EXPECT_EQ(fields.tm_mday, test.day);
+    EXPECT_EQ(fields.tm_hour * 3600 + fields.tm_min * 60 + fields.tm_sec, test.second);
+    EXPECT_EQ(fields.tm_wday, test.weekday);
+    EXPECT_EQ(fields.tm_yday, test.dayOfYear);
+    EXPECT_EQ(fields.tm_isdst, 42);
+  }
+  for (const double date : {2958465.5, -657434.5, double{NAN}}) {
+    EXPECT_EQ(CPolyValue::ConvertOleData2tm(date, fields), 0);
+  }
+  EXPECT_EQ(fields.tm_mday, 1) << "no fields";
 }
 
 TEST(PolyValue, ADateOutOfATextIsLocalNoon) {
-  for (const WChar* text : {KTEXT("1/31/2000"), KTEXT("31 Jan 2000 23:59"), KTEXT("2000-07-01")}) {
+  for (const WChar* text : {KTEXT("1/31/2000 23:59"), KTEXT("31 Jul 2000")}) {
     const __time64_t date = CPolyValue(text).GetDateValue();
     const std::tm local = *_localtime64(&date);
-    EXPECT_EQ(local.tm_hour, 12);
-    EXPECT_EQ(local.tm_min + local.tm_sec, 0);
-    EXPECT_EQ(local.tm_year, 100);
-    EXPECT_EQ(local.tm_mon == 0 ? local.tm_mday : local.tm_mon * 31 + local.tm_mday - 156, 31);
+    EXPECT_EQ(local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec, 43200);
+    EXPECT_EQ(local.tm_year * 100 + local.tm_mday, 10031);
   }
-  EXPECT_EQ(CPolyValue(KTEXT("no date")).GetDateValue(), 0);
   EXPECT_EQ(CPolyValue(KTEXT("5/6/1965")).GetDateValue(), -1);
   EXPECT_EQ(CPolyValue(KTEXT("31 Dec 9999 12:00")).GetDateValue(), 0) << "behind the last date";
 }
@@ -369,16 +331,16 @@ std::string Bytes(std::initializer_list<std::uint32_t> words) {
   return bytes;
 }
 
+template <class T>
+CPolyValue ArrayOf(unsigned type, void (CPolyValue::*append)(T), std::type_identity_t<T> element) {
+  CPolyValue array = Array(type);
+  (array.*append)(element);
+  return array;
+}
+
 TEST(PolyValue, FilesHoldTheKindAndTheContent) {
+  using V = CPolyValue;
   const TestFile file;
-  CPolyValue flags = Array(kelp::pvBool, 2), wholes = Array(kelp::pvInt32, 1),
-             dates = Array(kelp::pvDate, 1), bigs = Array(kelp::pvInt64, 1),
-             pointers = Array(kelp::pvPointer, 1);
-  flags.SetBoolValue(1, true);
-  wholes.SetInt32Value(0, -2);
-  dates.SetDateValue(0, kNoDate);
-  bigs.SetInt64Value(0, std::uint64_t{3} << 32);
-  pointers.SetPointerValue(0, reinterpret_cast<void*>(0x500000004));
   const struct {
     CPolyValue value;
     std::string bytes;
@@ -394,11 +356,12 @@ TEST(PolyValue, FilesHoldTheKindAndTheContent) {
       {reinterpret_cast<void*>(0x500000004), Bytes({9, 4, 5})},
       {Texts({KTEXT("ab"), KTEXT("")}), Bytes({5, 4, 2, 2, 'b' << 16 | 'a', 0})},
       {Doubles({-0.5}), Bytes({5, 3, 1, 0, 0xBFE00000})},
-      {flags, Bytes({5, 1, 2, 0, 1})},
-      {wholes, Bytes({5, 2, 1, 0xFFFFFFFE})},
-      {dates, Bytes({5, 7, 1, 0xFFFFFFFF, 0x7FFFFFFF})},
-      {bigs, Bytes({5, 8, 1, 0, 3})},
-      {pointers, Bytes({5, 9, 1, 4, 5})},
+      {ArrayOf(1, &V::AppendBoolValue, true), Bytes({5, 1, 1, 1})},
+      {ArrayOf(2, &V::AppendInt32Value, -2), Bytes({5, 2, 1, 0xFFFFFFFE})},
+      {ArrayOf(7, &V::AppendDateValue, kNoDate), Bytes({5, 7, 1, 0xFFFFFFFF, 0x7FFFFFFF})},
+      {ArrayOf(8, &V::AppendInt64Value, 12884901888u), Bytes({5, 8, 1, 0, 3})},
+      {ArrayOf(9, &V::AppendPointerValue, reinterpret_cast<void*>(0x500000004)),
+       Bytes({5, 9, 1, 4, 5})},
       {Array(kelp::pvDouble), Bytes({5, 3, 0})},
       {Array(77, 0x7FFFFFFF), Bytes({5, 77, 0x7FFFFFFF})},
   };
@@ -408,7 +371,6 @@ TEST(PolyValue, FilesHoldTheKindAndTheContent) {
     CPolyValue loaded(KTEXT("old"));
     EXPECT_EQ(file.Load(test.bytes, loaded), 0);
     EXPECT_TRUE(loaded == test.value);
-    EXPECT_EQ(loaded.GetType(), test.value.GetType());
     // Cut short anywhere, it ends in state 2 and holds what came whole.
     for (std::size_t size = 0; size < test.bytes.size(); ++size) {
       EXPECT_EQ(file.Load(test.bytes.substr(0, size), loaded), 2) << size;
@@ -466,13 +428,5 @@ TEST(PolyValue, FilesAreNotTrusted) {
   EXPECT_EQ(file.Load(Bytes({4, 0x7FFFFFFF, 1}), value), 2);
   EXPECT_EQ(value.GetStringValue(), WString());
 }
-
-#ifndef NDEBUG
-TEST(PolyValueDeathTest, IndexedAccessIsTheCallersContract) {
-  const CPolyValue array = Doubles({1, 2});
-  EXPECT_DEATH(array.GetDoubleValue(2), "outside");
-  EXPECT_DEATH(array.GetInt32Value(0), "another kind");
-}
-#endif
 
 }  // namespace

@@ -109,13 +109,12 @@ struct CPolyValue::TArray {
   bool IsWithoutTexts() const noexcept { return !HoldsTexts() || count == 0; }
   std::size_t BytesInUse() const noexcept { return std::size_t{count} * elementSize; }
 
-  // The place of an element. The kind is the caller's contract, but for its size, by which it's
-  // told from one that would reach beyond the data.
+  // The place of an element; index and kind are the caller's contract.
   template <class T>
   T& At(unsigned index) const {
     assert(index < count && "index outside the array");
-    assert(sizeof(T) == elementSize &&
-           HoldsTexts() == (std::is_same_v<T, WString>)&&"elements of another kind");
+    assert((sizeof(T) == elementSize) && "elements of another kind");
+    assert((HoldsTexts() == std::is_same_v<T, WString>)&&"elements of another kind");
     return reinterpret_cast<T*>(data)[index];
   }
 
