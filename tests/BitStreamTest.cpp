@@ -56,7 +56,7 @@ TEST(BitStream, BitsFillBytesFromTheTop) {
       {[](auto& out) { out.WriteInt(0xFFFFFFFF, 31); }, {0xFF, 0xFF, 0xFF, 0xFE}, 31},
       {[](auto& out) { out.WriteInt(1, 0), out.WriteInt(1, -5), out.WriteBytes("a", -1); }, {}, 0},
       {[](auto& out) { out.WriteInt(0, 5), out.WriteInt(0x7F, 7); }, {0x07, 0xF0}, 12},
-      {[](auto& out) { out.WriteInt(0, 5), out.WriteInt(3, 3); }, {0x06}, 8},
+      {[](auto& out) { out.WriteInt(0, 5), out.WriteInt(3, 3), out.WriteBit(1); }, {0x06, 0x80}, 9},
       {[](auto& out) { out.WriteRawByte(0x12), out.WriteRawShort(0x3456); },
        {0x12, 0x56, 0x34},
        24},
@@ -209,6 +209,13 @@ TEST(BitStream, TheEnd) {
   EXPECT_TRUE(fresh.IsError());
   EXPECT_TRUE(fresh.Seek(0)) << "a bit position is left";
   EXPECT_EQ(fresh.ReadRawByte(), 0xC3);
+  const Bytes zeros(9);
+  CBitStreamReader last = Reader(zeros);
+  last.Seek(8);
+  EXPECT_EQ(last.ReadInt(3), 0u);
+  last.Seek(9);
+  EXPECT_EQ(last.ReadInt(9), 0u);
+  EXPECT_TRUE(last.IsError());
   CBitStreamReader none(9, nullptr);
   EXPECT_TRUE(none.Eof());
 }
