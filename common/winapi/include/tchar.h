@@ -16,6 +16,7 @@
 #include <time.h>
 #include <wchar.h>
 
+#include "share.h"
 #include "winapi_export.h"
 
 // Terminated wide text. Comparisons are by unit as unsigned values.
@@ -85,6 +86,9 @@ WINAPI_EXPORT char16_t* _wasctime(const struct tm* fields);
 // Wide text into a stream as multibyte text of the locale. A character that has no such form is left
 // out and gives WEOF and EILSEQ; the rest of the text is written. fputwc takes a whole character.
 // Into a stream that _wfopen opened with b go the 16-bit units as they are.
+// Wide text into a stream as multibyte text of the locale. A character that has no such form is
+// left out and gives WEOF and EILSEQ; the rest of the text is written. fputwc takes a whole
+// character. Into a stream that _wfopen opened with b go the 16-bit units as they are.
 WINAPI_EXPORT int fputws(const char16_t* text, FILE* file);
 WINAPI_EXPORT wint_t fputwc(char16_t unit, FILE* file);
 // Keeps other threads off a stream; a thread may lock it more than once.
@@ -102,8 +106,12 @@ WINAPI_EXPORT void _unlock_file(FILE* file);
 // or UTF-8. A new or empty file gets a byte-order mark; one that has a mark is gone on with in its
 // encoding. Such a stream takes wide text only.
 WINAPI_EXPORT FILE* _wfopen(const char16_t* path, const char16_t* mode);
+// The same, with the file kept from others who open it so: null and EACCES while one has it open.
+// Of the ways of sharing it knows _SH_DENYNO, which keeps nobody off, and, with the modes "rb" and
+// "wb", _SH_DENYRW. Who opens a file in another way isn't kept off.
+WINAPI_EXPORT FILE* _wfsopen(const char16_t* path, const char16_t* mode, int share);
 // Up to size - 1 units, or up to and including a line feed, of multibyte text of the locale, or of
-// 16-bit units as they are from a stream that _wfopen opened with b (half a unit at the end is none).
-// Null, and buffer as it was or cut short, at the end, for an error of the stream, and (EILSEQ) for
-// bytes that are no character.
+// 16-bit units as they are from a stream that _wfopen opened with b (half a unit at the end is
+// none). Null, and buffer as it was or cut short, at the end, for an error of the stream, and
+// (EILSEQ) for bytes that are no character.
 WINAPI_EXPORT char16_t* fgetws(char16_t* buffer, int size, FILE* stream);

@@ -1,4 +1,4 @@
-// Moving files.
+// Moving files, and profiles.
 #pragma once
 
 #include "windef.h"
@@ -11,3 +11,34 @@
 // Between file systems nothing moves (ERROR_NOT_SAME_DEVICE). With WRITE_THROUGH the new name is on
 // the disk when the call returns. Other flags are ERROR_INVALID_PARAMETER.
 WINAPI_EXPORT BOOL WINAPI MoveFileExW(LPCWSTR source, LPCWSTR target, DWORD flags);
+
+// Settings files of "[section]" and "key=value" lines. A file without a folder in its name is one
+// of the Windows folder. A file that begins with the mark FF FE holds UTF-16, any other bytes of
+// CP_ACP. Names have no regard to case; of several of one name in a file the first counts. Blanks
+// around names and values don't count. Lines that begin with ";", empty lines and lines that are
+// neither a section nor a key are passed over, and kept.
+//
+// A read looks at the file each time and so sees what other processes have written. The value loses
+// one pair of quotes around it. Where the file, the section or the key is missing, the default,
+// without the blanks at its end, takes its place and the last error is ERROR_FILE_NOT_FOUND, or
+// tells why the file couldn't be read. The result is the number of units copied; text that doesn't
+// fit is cut (size
+// - 1, ERROR_MORE_DATA). With a null section the names of all sections are given, with a null key
+// those of the section's keys: each with its terminator, and another one behind the last; where
+// they don't fit the result is size - 2.
+WINAPI_EXPORT DWORD WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key,
+                                                    LPCWSTR defaultText, LPWSTR buffer, DWORD size,
+                                                    LPCWSTR file);
+// The digits that the value begins with, behind a sign.
+WINAPI_EXPORT UINT WINAPI GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, int defaultValue,
+                                                LPCWSTR file);
+// Sets a value as it is given; a null value removes the key, a null key the section. A file that
+// isn't there is made, as one of bytes. The change is on the disk when the call returns, and
+// whoever looks at the file meanwhile finds the old content or the new one, whole: the new file is
+// written beside it and renamed. Its permissions stay, a symbolic link stays one. Writers in a
+// folder exclude each other, threads and processes alike.
+//
+// Fails with a null section, and with the reason of the disk: ERROR_ACCESS_DENIED for a file that
+// nobody may write, or a folder in its place.
+WINAPI_EXPORT BOOL WINAPI WritePrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value,
+                                                     LPCWSTR file);
