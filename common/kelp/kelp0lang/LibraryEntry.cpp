@@ -2,6 +2,7 @@
 // what happens when it is attached and detached. No other source has an object that needs building
 // at load, so that this order is the only one there is.
 #include "kelp0lang/CriticalSec.h"
+#include "kelp0lang/IniFile.h"
 #include "kelp0lang/LocalTimeComputer.h"
 #include "kelp0lang/LocaleFree.h"
 #include "kelp0lang/ReportLog.h"
@@ -18,6 +19,14 @@ namespace {
 CStringLoader globalStringLoader;
 CCriticalSec globalCritSection;
 CCriticalSec reportLogSection;
+
+}  // namespace
+}  // namespace kelp
+
+kelp::WString CIniFile::s_sDefaultIniFileName;
+
+namespace kelp {
+namespace {
 
 // Behind the construction of all static objects, and before their destruction.
 void Attach() {

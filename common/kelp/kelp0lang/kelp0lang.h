@@ -13,6 +13,7 @@
 #include "kelp0lang/FileStream.h"
 #include "kelp0lang/GlobalFunction.h"
 #include "kelp0lang/IdRemapper.h"
+#include "kelp0lang/IniFile.h"
 #include "kelp0lang/LegacyFlags.h"
 #include "kelp0lang/LegacyGeometry.h"
 #include "kelp0lang/LegacyNumber.h"

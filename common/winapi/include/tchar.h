@@ -86,9 +86,6 @@ WINAPI_EXPORT char16_t* _wasctime(const struct tm* fields);
 // Wide text into a stream as multibyte text of the locale. A character that has no such form is left
 // out and gives WEOF and EILSEQ; the rest of the text is written. fputwc takes a whole character.
 // Into a stream that _wfopen opened with b go the 16-bit units as they are.
-// Wide text into a stream as multibyte text of the locale. A character that has no such form is
-// left out and gives WEOF and EILSEQ; the rest of the text is written. fputwc takes a whole
-// character. Into a stream that _wfopen opened with b go the 16-bit units as they are.
 WINAPI_EXPORT int fputws(const char16_t* text, FILE* file);
 WINAPI_EXPORT wint_t fputwc(char16_t unit, FILE* file);
 // Keeps other threads off a stream; a thread may lock it more than once.
