@@ -61,6 +61,7 @@ void AddValueWorks();
 void AddBitWorks();
 // The folder is where the unit settings are saved, and the rows of text.
 void AddSettingsWorks(const std::filesystem::path& folder);
+void AddProfileWorks(const std::filesystem::path& folder);
 void AddLineWorks(const std::filesystem::path& folder);
 
 // Prints, when all have run, one row for each work and peer: the medians of the repetitions, in

@@ -35,6 +35,7 @@ int main(int argc, char** argv) {
   bench::AddValueWorks();
   bench::AddBitWorks();
   bench::AddSettingsWorks(support);
+  bench::AddProfileWorks(support);
   bench::AddLineWorks(support);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
