@@ -9,7 +9,8 @@ cd "$(dirname "$0")"
 . scripts/setup.sh
 
 need_compiler
-need_packages libbenchmark-dev libfast-float-dev libfmt-dev libgeographiclib-dev libhowardhinnant-date-dev libicu-dev qtbase5-dev
+need_packages libbenchmark-dev libfast-float-dev libfmt-dev libgeographiclib-dev \
+  libhowardhinnant-date-dev libicu-dev libpugixml-dev libxml2-dev qtbase5-dev
 build bench kelp_bench
 echo "measuring, for about a minute or two" >&2
 # The repetitions of all works run in random order, so that what slows the machine for a moment

@@ -64,6 +64,11 @@ void AddSettingsWorks(const std::filesystem::path& folder);
 void AddProfileWorks(const std::filesystem::path& folder);
 void AddLineWorks(const std::filesystem::path& folder);
 
+// The folder holds the files that are read and written. The memory of a tree isn't measured by time
+// and stands below the table.
+void AddXmlWorks(const std::filesystem::path& folder);
+void PrintTreeMemory(const std::filesystem::path& folder);
+
 // Prints, when all have run, one row for each work and peer: the medians of the repetitions, in
 // nanoseconds for one item, and their ratio.
 class TableReporter : public benchmark::BenchmarkReporter {

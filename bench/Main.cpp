@@ -37,10 +37,12 @@ int main(int argc, char** argv) {
   bench::AddSettingsWorks(support);
   bench::AddProfileWorks(support);
   bench::AddLineWorks(support);
+  bench::AddXmlWorks(folder.Path());
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   bench::TableReporter table;
   benchmark::RunSpecifiedBenchmarks(&table);
+  bench::PrintTreeMemory(folder.Path());
   benchmark::Shutdown();
   return 0;
 }

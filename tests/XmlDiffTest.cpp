@@ -250,7 +250,8 @@ TEST_F(XmlDiff, CopiesOfManagersHaveRulesOfTheirOwn) {
   CXmlDiffManager copy(manager);
   CXmlDiffManager assigned;
   assigned = copy;
-  assigned = assigned;
+  const CXmlDiffManager& same = assigned;
+  assigned = same;
   EXPECT_TRUE(assigned.GenerateEmptyDiffFile(Path("diff.xml"), KTEXT("x")));
 }
 

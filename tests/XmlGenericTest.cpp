@@ -38,7 +38,8 @@ TEST_F(XmlGeneric, CopiesAndExports) {
   root.m_Children[1]->m_Children[0]->m_sTag = KTEXT("changed");
   EXPECT_EQ(exported, Exported(copy));
   root = copy;
-  root = root;
+  const CGenericXmlElement& same = root;
+  root = same;
   EXPECT_EQ(exported, Exported(root));
   EXPECT_EQ("text", Utf8(root.m_sContent.c_str()));
   root = *root.m_Children[1];
