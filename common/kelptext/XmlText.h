@@ -26,26 +26,41 @@ inline bool IsPlainXml(WChar unit) {
   return unit < kPlain.size() && kPlain[unit];
 }
 
+#ifdef __SSE2__
+// Bit i of the result is set where byte i isn't plain. As signed bytes all that isn't ASCII lies
+// below the blank, like the control characters.
+inline unsigned OthersThanPlainXml(__m128i bytes) {
+  const __m128i low = _mm_cmplt_epi8(bytes, _mm_set1_epi8(' '));
+  const __m128i brackets =
+      _mm_cmpeq_epi8(_mm_or_si128(bytes, _mm_set1_epi8('<' ^ '>')), _mm_set1_epi8('>'));
+  const __m128i ands =
+      _mm_cmpeq_epi8(_mm_or_si128(bytes, _mm_set1_epi8('&' ^ '\'')), _mm_set1_epi8('\''));
+  const __m128i quotes = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('"'));
+  const __m128i others = _mm_or_si128(_mm_or_si128(low, brackets), _mm_or_si128(ands, quotes));
+  return static_cast<unsigned>(_mm_movemask_epi8(others));
+}
+#endif
+
 // Narrows plain units up to the first that isn't; gives their number. The target holds count bytes,
 // of which those behind the plain ones may be written too.
 inline std::size_t NarrowPlainXml(const WChar* units, std::size_t count, char* target) {
   std::size_t done = 0;
 #ifdef __SSE2__
+  // Units of 0x100 or more are packed as 0xFF or 0, neither of which is plain.
   for (; count - done >= 16; done += 16) {
     const auto* const from = reinterpret_cast<const __m128i*>(units + done);
-    // Units of 0x100 or more become 0xFF or 0. As signed bytes all that isn't ASCII lies below the
-    // blank, like the control characters.
     const __m128i bytes = _mm_packus_epi16(_mm_loadu_si128(from), _mm_loadu_si128(from + 1));
-    const __m128i low = _mm_cmplt_epi8(bytes, _mm_set1_epi8(' '));
-    const __m128i brackets =
-        _mm_cmpeq_epi8(_mm_or_si128(bytes, _mm_set1_epi8('<' ^ '>')), _mm_set1_epi8('>'));
-    const __m128i ands =
-        _mm_cmpeq_epi8(_mm_or_si128(bytes, _mm_set1_epi8('&' ^ '\'')), _mm_set1_epi8('\''));
-    const __m128i quotes = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('"'));
-    const __m128i others = _mm_or_si128(_mm_or_si128(low, brackets), _mm_or_si128(ands, quotes));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(target + done), bytes);
-    const auto mask = static_cast<unsigned>(_mm_movemask_epi8(others));
-    if (mask != 0) return done + static_cast<std::size_t>(std::countr_zero(mask));
+    const unsigned others = OthersThanPlainXml(bytes);
+    if (others != 0) return done + static_cast<std::size_t>(std::countr_zero(others));
+  }
+  if (count - done >= 8) {
+    const __m128i half = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + done));
+    const __m128i bytes = _mm_packus_epi16(half, half);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(target + done), bytes);
+    const unsigned others = OthersThanPlainXml(bytes);
+    if (others != 0) return done + static_cast<std::size_t>(std::countr_zero(others));
+    done += 8;
   }
 #endif
   for (; done < count && IsPlainXml(units[done]); ++done) {

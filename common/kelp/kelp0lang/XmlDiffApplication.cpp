@@ -89,6 +89,12 @@ class CXmlDiffManager::CEditedLayout {
 
    private:
     using TKey = std::pair<WString, WString>;
+    struct HashKey {
+      std::size_t operator()(const TKey& key) const {
+        constexpr std::size_t kFactor = 0x9E3779B97F4A7C15u;
+        return std::hash<WString>()(key.first) * kFactor + std::hash<WString>()(key.second);
+      }
+    };
 
     void Build() {
       m_places.clear();
@@ -103,7 +109,7 @@ class CXmlDiffManager::CEditedLayout {
     }
 
     CGenericXmlElement* m_parent;
-    std::map<TKey, Places> m_places;
+    std::unordered_map<TKey, Places, HashKey> m_places;
     bool m_hasGaps = false;
   };
 
@@ -146,7 +152,7 @@ void CXmlDiffManager::CEditedLayout::CSiblings::Sort(const std::vector<WString>&
   Settle();
   Children& children = m_parent->m_Children;
   std::vector<WString> idsNow;
-  std::map<WString, Places> places;
+  std::unordered_map<WString, Places> places;
   for (std::size_t place = 0; place < children.size(); ++place) {
     idsNow.push_back(GetXmlElementId(*children[place]));
     places[idsNow.back()].push_back(place);
