@@ -27,9 +27,9 @@ collect() {
 }
 
 make_template() {
-  collect KXLATE common/kelp/kelp0lang
-  collect KTEXT apps/fieldbook --join-existing --exclude-file="$data/../not-translated.po"
-  sed -i 's/charset=CHARSET/charset=UTF-8/' "$template"
+  collect KTEXT apps/fieldbook --exclude-file="$data/../not-translated.po"
+  sed -i -e 's/charset=CHARSET/charset=UTF-8/' "$template"
+  collect KXLATE common/kelp/kelp0lang --join-existing
 }
 
 # The source texts of a catalogue that are translated, or all those of a template, one a line.

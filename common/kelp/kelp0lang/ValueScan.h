@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "kelp0lang/String.h"
+#include "kelp0lang/Translate.h"
 #include "kelp0lang/ValueCheck.h"
 
 namespace kelp::detail {
@@ -14,20 +15,20 @@ namespace kelp::detail {
 using WideView = std::basic_string_view<WChar>;
 
 // Source texts of what can be wrong.
-inline constexpr const WChar* kNoValueFault = KTEXT("there is no value");
+inline constexpr const WChar* kNoValueFault = KXLATE("there is no value");
 inline constexpr const WChar* kNumberFault = KTEXT("not a number");
-inline constexpr const WChar* kUnexpectedFault = KTEXT("this doesn't belong to the value");
-inline constexpr const WChar* kUnitFault = KTEXT("no unit of such a value");
-inline constexpr const WChar* kSignFault = KTEXT("a value has one sign");
+inline constexpr const WChar* kUnexpectedFault = KXLATE("this doesn't belong to the value");
+inline constexpr const WChar* kUnitFault = KXLATE("no unit of such a value");
+inline constexpr const WChar* kSignFault = KXLATE("a value has one sign");
 inline constexpr const WChar* kGroupFault =
-    KTEXT("a number has one decimal mark, and its digits aren't grouped");
-inline constexpr const WChar* kDecimalsFault = KTEXT("only the last part has decimals");
+    KXLATE("a number has one decimal mark, and its digits aren't grouped");
+inline constexpr const WChar* kDecimalsFault = KXLATE("only the last part has decimals");
 inline constexpr const WChar* kDenominatorFault =
-    KTEXT("the denominator of a fraction can't be zero");
+    KXLATE("the denominator of a fraction can't be zero");
 inline constexpr const WChar* kFractionFault =
-    KTEXT("a fraction behind a whole number must be below one");
+    KXLATE("a fraction behind a whole number must be below one");
 inline constexpr const WChar* kRangeFault = KTEXT("out of range");
-inline constexpr const WChar* kMeaningFault = KTEXT("this could be {1} or {2}");
+inline constexpr const WChar* kMeaningFault = KXLATE("this could be {1} or {2}");
 
 // A number without its sign.
 struct Amount {

@@ -1,5 +1,6 @@
 #include <cmath>
 
+#include "kelp0lang/Translate.h"
 #include "kelp0lang/UnitKinds.h"
 #include "kelp0lang/ValueScan.h"
 
@@ -11,21 +12,22 @@ constexpr WideView kMinuteMarks = KTEXT("'\u2032\u2019");
 constexpr WideView kSecondMarks = KTEXT("\"\u2033\u201D");
 constexpr double kParts = 60;
 
-constexpr const WChar* kMinutesFault = KTEXT("minutes must be below 60");
-constexpr const WChar* kSecondsFault = KTEXT("seconds must be below 60");
-constexpr const WChar* kLetterSignFault = KTEXT("a sign and a hemisphere letter don't go together");
-constexpr const WChar* kTwoLettersFault = KTEXT("a value has one hemisphere letter");
-constexpr const WChar* kLatitudeLetterFault = KTEXT("the letter of a latitude is {1} or {2}");
-constexpr const WChar* kLongitudeLetterFault = KTEXT("the letter of a longitude is {1} or {2}");
-constexpr const WChar* kLatitudeFault = KTEXT("a latitude lies between -90 and 90 degrees");
-constexpr const WChar* kLongitudeFault = KTEXT("a longitude lies between -180 and 180 degrees");
+constexpr const WChar* kMinutesFault = KXLATE("minutes must be below 60");
+constexpr const WChar* kSecondsFault = KXLATE("seconds must be below 60");
+constexpr const WChar* kLetterSignFault =
+    KXLATE("a sign and a hemisphere letter don't go together");
+constexpr const WChar* kTwoLettersFault = KXLATE("a value has one hemisphere letter");
+constexpr const WChar* kLatitudeLetterFault = KXLATE("the letter of a latitude is {1} or {2}");
+constexpr const WChar* kLongitudeLetterFault = KXLATE("the letter of a longitude is {1} or {2}");
+constexpr const WChar* kLatitudeFault = KXLATE("a latitude lies between -90 and 90 degrees");
+constexpr const WChar* kLongitudeFault = KXLATE("a longitude lies between -180 and 180 degrees");
 constexpr const WChar* kAngleFault =
-    KTEXT("an angle lies between -1,000,000 and 1,000,000 degrees");
+    KXLATE("an angle lies between -1,000,000 and 1,000,000 degrees");
 constexpr const WChar* kBearingFault =
-    KTEXT("a bearing has north or south in front and east or west behind");
-constexpr const WChar* kBearingRangeFault = KTEXT("a bearing lies between 0 and 90 degrees");
+    KXLATE("a bearing has north or south in front and east or west behind");
+constexpr const WChar* kBearingRangeFault = KXLATE("a bearing lies between 0 and 90 degrees");
 constexpr const WChar* kDMSFault =
-    KTEXT("degrees, minutes and seconds need their signs here, such as 10\u00B030'15.5\"");
+    KXLATE("degrees, minutes and seconds need their signs here, such as 10\u00B030'15.5\"");
 
 // The side that a letter stands for.
 struct Letter {

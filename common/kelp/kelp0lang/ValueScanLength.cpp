@@ -1,3 +1,4 @@
+#include "kelp0lang/Translate.h"
 #include "kelp0lang/UnitKinds.h"
 #include "kelp0lang/ValueScan.h"
 
@@ -8,9 +9,9 @@ constexpr WideView kFootMarks = KTEXT("'\u2032\u2019");
 constexpr WideView kInchMarks = KTEXT("\"\u2033\u201D");
 constexpr double kInchesPerFoot = 12;
 
-constexpr const WChar* kInchesFault = KTEXT("inches behind feet must be below 12");
+constexpr const WChar* kInchesFault = KXLATE("inches behind feet must be below 12");
 constexpr const WChar* kFeetSignsFault =
-    KTEXT("feet and inches need their signs here, such as 12'6 1/2\"");
+    KXLATE("feet and inches need their signs here, such as 12'6 1/2\"");
 
 // One mark, or two of the shorter one for the longer.
 bool TakeInchMark(ValueScan& scan) {
