@@ -170,6 +170,50 @@ TEST_F(ChangeTransactionTest, DependantsMayComeAndGoWhileTheyAreClosed) {
   EXPECT_EQ(TakeLog(), (Log{"[D", "E:D", "]D", "[F", "]F", "[C", "]C"}));
 }
 
+TEST_F(ChangeTransactionTest, WhatEndsWhileItWaitsForOthersIsNotTouched) {
+  // What a listener of D hears when it ends the source that waits for D's end or beginning.
+  for (const char* when : {"b:D", "E:D"}) {
+    auto waiting = std::make_unique<Source>(&m_log, "W", &m_manager);
+    Source d(&m_log, "D", &m_manager);
+    Listener listener(&m_log);
+    d.Register(&listener);
+    const bool atBegin = *when == 'b';
+    Source& dependant = atBegin ? *waiting : d;
+    Source& dependency = atBegin ? d : *waiting;
+    dependant.AddDependsOn(&dependency);
+    // The transaction is another's, which outlives it.
+    Source opener(&m_log, "O", &m_manager);
+    if (atBegin) opener.AddDependsOn(waiting.get());
+    listener.act = [&](const std::string& what) {
+      if (what != when) return;
+      if (atBegin) opener.RemoveDependsOn(waiting.get());
+      dependant.RemoveDependsOn(&dependency);
+      waiting.reset();
+    };
+    TakeLog();
+    { const CSourceEventScope scope(atBegin ? &opener : &d); }
+    EXPECT_EQ(waiting, nullptr);
+    const Log log = TakeLog();
+    EXPECT_EQ(std::count(log.begin(), log.end(), "]W"), 0) << when;
+    EXPECT_EQ(std::count(log.begin(), log.end(), "]D"), 1) << when;
+  }
+}
+
+TEST_F(ChangeTransactionTest, ASourceLeavesTheManagerThatItNoLongerHas) {
+  CChangeTransactionManager other;
+  {
+    Source a(&m_log, "A", &m_manager), b(&m_log, "B", &other);
+    a.Attach(&other);
+    static_cast<CSourceEvent&>(b) = a;
+    Source c(&m_log, "C", &m_manager);
+    static_cast<CSourceEvent&>(c) = b;
+  }
+  // An entry that was left behind would be told now.
+  Source d(&m_log, "D", &m_manager);
+  { const CSourceEventScope scope(&d); }
+  EXPECT_EQ(TakeLog(), (Log{"<D", "[D", "]D"}));
+}
+
 TEST_F(ChangeTransactionTest, WithoutAManagerNothingHappens) {
   Source a(&m_log, "A");
   { const CSourceEventScope scope(&a); }

@@ -28,6 +28,34 @@ bool Contains(const std::vector<CSourceEvent*>& sources, std::size_t place,
   return std::find(sources.begin(), sources.end(), source) != sources.end();
 }
 
+// Tells, to a walk that has called listeners, whether its source is still there. The walks of a
+// thread stand in a list, in which a source that ends looks itself up.
+class Walk {
+ public:
+  explicit Walk(const CSourceEvent* source) : m_source(source), m_outer(innermost) {
+    innermost = this;
+  }
+  ~Walk() { innermost = m_outer; }
+  Walk(const Walk&) = delete;
+  Walk& operator=(const Walk&) = delete;
+
+  bool HasSource() const { return m_source != nullptr; }
+
+  static void Forget(const CSourceEvent* source) {
+    for (Walk* walk = innermost; walk != nullptr; walk = walk->m_outer) {
+      if (walk->m_source == source) walk->m_source = nullptr;
+    }
+  }
+
+ private:
+  const CSourceEvent* m_source;
+  Walk* const m_outer;
+
+  static thread_local Walk* innermost;
+};
+
+constinit thread_local Walk* Walk::innermost = nullptr;
+
 }  // namespace
 
 CSourceEvent::CSourceEvent(CChangeTransactionManager* manager) : m_manager(manager) {
@@ -36,9 +64,18 @@ CSourceEvent::CSourceEvent(CChangeTransactionManager* manager) : m_manager(manag
 
 CSourceEvent::CSourceEvent(const CSourceEvent& other) = default;
 
-CSourceEvent& CSourceEvent::operator=(const CSourceEvent& other) = default;
+CSourceEvent& CSourceEvent::operator=(const CSourceEvent& other) {
+  if (m_manager != other.m_manager) Detach();
+  m_manager = other.m_manager;
+  m_acted = other.m_acted;
+  m_listeners = other.m_listeners;
+  m_dependants = other.m_dependants;
+  m_dependencies = other.m_dependencies;
+  return *this;
+}
 
 CSourceEvent::~CSourceEvent() {
+  Walk::Forget(this);
   Detach();
 }
 
@@ -49,6 +86,7 @@ void CSourceEvent::OnBeforeEndEvent() {}
 void CSourceEvent::OnAfterEndEvent() {}
 
 void CSourceEvent::Attach(CChangeTransactionManager* manager) {
+  if (m_manager != manager) Detach();
   m_manager = manager;
   m_manager->Register(this);
 }
@@ -82,16 +120,21 @@ void CSourceEvent::EndEvent() {
 void CSourceEvent::DoBeginEvent() {
   if (m_acted) return;
   Acted(true);
+  const Walk walk(this);
   NotifyBeginEventToDependence();
+  if (!walk.HasSource()) return;
   OnBeforeBeginEvent();
   m_listeners.ForEach([this](IEvent* listener) { listener->OnBeginEvent(this); });
 }
 
 void CSourceEvent::NotifyBeginEventToDependence() {
+  if (m_dependencies.empty()) return;
+  const Walk walk(this);
   // A listener may change the dependencies, so each step starts from the last key.
   for (auto it = m_dependencies.begin(); it != m_dependencies.end();) {
     CSourceEvent* const dependency = *it;
     dependency->DoBeginEvent();
+    if (!walk.HasSource()) return;
     it = m_dependencies.upper_bound(dependency);
   }
 }
@@ -101,7 +144,9 @@ void CSourceEvent::OnBeforeEnd() {
 }
 
 void CSourceEvent::OnEnd() {
+  const Walk walk(this);
   NotifyEndEventToDependence();
+  if (!walk.HasSource()) return;
   OnBeforeEndEvent();
   Acted(false);
   m_listeners.ForEach([this](IEvent* listener) { listener->OnEndEvent(this); });
@@ -111,15 +156,18 @@ void CSourceEvent::OnEnd() {
 
 void CSourceEvent::NotifyEndEventToDependence() {
   if (m_dependants.empty()) return;
-  // Listeners may change the array. A source that has left it may be gone, so it is looked for
-  // before it is touched; those that have come are closed afterwards.
+  const Walk walk(this);
+  // Listeners may change the array, and end this source. A source that has left the array may be
+  // gone, so it is looked for before it is touched; those that have come are closed afterwards.
   const std::vector<CSourceEvent*> before = m_dependants;
-  for (std::size_t i = 0; i < before.size(); ++i) {
+  for (std::size_t i = 0; i < before.size() && walk.HasSource(); ++i) {
     if (Contains(m_dependants, i, before[i]) && before[i]->HasActed()) before[i]->OnEnd();
   }
+  if (!walk.HasSource()) return;
   const std::vector<CSourceEvent*> after = m_dependants;
-  for (std::size_t i = 0; i < after.size(); ++i) {
-    if (!Contains(before, i, after[i]) && after[i]->HasActed()) after[i]->OnEnd();
+  for (std::size_t i = 0; i < after.size() && walk.HasSource(); ++i) {
+    const bool hasCome = !Contains(before, i, after[i]) && Contains(m_dependants, i, after[i]);
+    if (hasCome && after[i]->HasActed()) after[i]->OnEnd();
   }
 }
 

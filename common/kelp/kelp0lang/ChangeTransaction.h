@@ -47,7 +47,16 @@ inline constexpr UINT kEndEventMessage = WM_USER + 100;
 class KELP0LANG_API CSourceEvent : public IRefCounter {
  public:
   // A listener. It may register and unregister listeners, sources and dependencies, open and close
-  // transactions, and end other sources, but not the source that is telling it.
+  // transactions, and end sources: any that isn't just telling a listener, this one or another up
+  // the stack, nor has opened a transaction that is still open, and that has left the dependencies
+  // of those that remain. A source that is beginning those on which it depends, or closing its
+  // dependants, goes no further then.
+  //
+  //   class View : public CSourceEvent::IEvent {
+  //     void OnBeginEvent(CSourceEvent*) override { FreezeDrawing(); }
+  //     void OnBeforeEndEvent(CSourceEvent*) override { RebuildIndex(); }
+  //     void OnEndEvent(CSourceEvent*) override { Redraw(); }
+  //   };
   class KELP0LANG_API IEvent {
    public:
     virtual void OnBeginEvent(CSourceEvent* source) = 0;
@@ -62,8 +71,9 @@ class KELP0LANG_API CSourceEvent : public IRefCounter {
   // Registers with the manager, if there is one.
   explicit CSourceEvent(CChangeTransactionManager* manager = nullptr);
   // A copy has the same manager, listeners and dependencies and takes part in the open transaction
-  // if the other does. Neither copying nor assigning changes what is registered with a manager, and
-  // the sources on which the other depends don't learn of the copy.
+  // if the other does. It isn't registered with the manager, and the sources on which the other
+  // depends don't learn of it. A source that is assigned from one of another manager leaves its
+  // own.
   CSourceEvent(const CSourceEvent& other);
   CSourceEvent& operator=(const CSourceEvent& other);
   ~CSourceEvent() override;
@@ -76,7 +86,8 @@ class KELP0LANG_API CSourceEvent : public IRefCounter {
   virtual void OnAfterEndEvent();
 
  public:
-  // Without a manager a source takes part in no transaction.
+  // Without a manager a source takes part in no transaction. One that has another manager leaves
+  // it. In an open transaction it takes part from its own next beginning on.
   void Attach(CChangeTransactionManager* manager);
   void Detach() noexcept;
   CChangeTransactionManager* GetChangeTransactionManager() const noexcept { return m_manager; }
@@ -143,7 +154,8 @@ class KELP0LANG_API CChangeTransactionManager {
 
   // Closes the transaction: each source that took part tells its listeners OnBeforeEndEvent, then
   // each, its dependants first, OnEndEvent. Called by the handler of kEndEventMessage, nobody else.
-  // If a listener throws, the sources that haven't ended do so with the next transaction.
+  // If a listener throws, the sources that haven't ended do so with the next transaction; if one
+  // throws at the beginning of a transaction, the transaction stays open by one level for good.
   void DoEndEvent();
 
   // Records a command that has just been carried out, and takes it over. Outside a transaction it
