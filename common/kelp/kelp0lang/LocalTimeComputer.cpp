@@ -5,9 +5,14 @@
 #include <iterator>
 #include <utility>
 
-#include "kelp0lang/UtcTime.h"
+#include "kelp0lang/Calendar.h"
 
 namespace kelp {
+
+using detail::FieldsOrEndOfDayToMs;
+using detail::kDaysOfWeek;
+using detail::kMonths;
+
 namespace {
 
 using Passage = CLocalTimeComputer::stCachedPassage;
@@ -16,8 +21,6 @@ using Passage = CLocalTimeComputer::stCachedPassage;
 constexpr unsigned short kFirstYear = 1601;
 constexpr unsigned short kLastYear = 30827;
 constexpr std::int32_t kMsPerMinute = 60'000;
-constexpr int kMonths = 12;
-constexpr int kDaysOfWeek = 7;
 constexpr int kLastWeek = 5;
 
 bool IsMonth(int month) {
@@ -161,9 +164,9 @@ void CLocalTimeComputer::CalcPassagesInYear(unsigned short year, stCachedPassage
     const std::int32_t daylight = OffsetMs(m_zone.Bias, m_zone.DaylightBias);
     _SYSTEMTIME date;
     CalcSinglePassage(year, m_zone.DaylightDate, date);
-    const std::uint64_t begin = FSystemTimeToMs(&date);
+    const std::uint64_t begin = FieldsOrEndOfDayToMs(date);
     CalcSinglePassage(year, m_zone.StandardDate, date);
-    const std::uint64_t end = FSystemTimeToMs(&date);
+    const std::uint64_t end = FieldsOrEndOfDayToMs(date);
     two[0] = {ToUtc(begin, standard), begin, daylight, year, 1};
     two[1] = {ToUtc(end, daylight), end, standard, year, 0};
     if (two[0].utcMs > two[1].utcMs) std::swap(two[0], two[1]);
@@ -173,14 +176,14 @@ void CLocalTimeComputer::CalcPassagesInYear(unsigned short year, stCachedPassage
   const std::int32_t offset = OffsetMs(m_zone.Bias, 0);
   _SYSTEMTIME dates[] = {DateOf(year, 1, 2), DateOf(year, 12, 30)};
   for (int i = 0; i < 2; ++i) {
-    const std::uint64_t ms = FSystemTimeToMs(&dates[i]);
+    const std::uint64_t ms = detail::FieldsToMs(dates[i]);
     two[i] = {ms, ToLocal(ms, offset), offset, year, 0};
   }
 }
 
 void CLocalTimeComputer::CalcSinglePassage(unsigned short year, const _SYSTEMTIME& rule,
                                            _SYSTEMTIME& result) const {
-  const int length = GetNoDaysInMonth(year, rule.wMonth);
+  const int length = detail::DaysInMonth(year, rule.wMonth);
   const int first = WeekdayOf(DateOf(year, rule.wMonth, 1));
   int day = rule.wDayOfWeek - first + 1;
   if (first > rule.wDayOfWeek) day += kDaysOfWeek;

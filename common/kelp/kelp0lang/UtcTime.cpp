@@ -1,42 +1,29 @@
 #include "kelp0lang/UtcTime.h"
 
+#include "kelp0lang/Calendar.h"
 #include "kelp0lang/LocalTimeComputer.h"
 
 namespace kelp {
+
+using detail::FieldsToMs;
+using detail::IsLeapYear;
+using detail::kDaysOfWeek;
+using detail::kFebruary;
+using detail::kMonths;
+using detail::SetTimeOfDay;
+
 namespace {
 
 // From 1601 to 1970.
 constexpr std::uint64_t kUnixEpochSeconds = 11644473600;
 constexpr std::uint64_t kMsPerSecond = 1000;
-constexpr std::uint64_t kMsPerMinute = 60'000;
 constexpr std::uint64_t kMsPerDay = 86'400'000;
 constexpr std::uint64_t kTicksPerMs = 10'000;
 
-constexpr int kMonths = 12;
-constexpr int kDaysOfWeek = 7;
 constexpr int kDaysOfYear = 365;
-constexpr int kFebruary = 2;
 constexpr int kLeapDayOfYear = 60;
-constexpr int kDaysInMonth[kMonths] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 constexpr int kDaysBeforeMonth[kMonths] = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
 constexpr TGeoDate kEpochDate{1, 1, 1601};
-
-constexpr bool IsLeapYear(int year) {
-  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-}
-
-std::uint64_t FieldsToMs(const _SYSTEMTIME& time) {
-  FILETIME ticks;
-  if (!SystemTimeToFileTime(&time, &ticks)) return 0;
-  return (std::uint64_t{ticks.dwHighDateTime} << 32 | ticks.dwLowDateTime) / kTicksPerMs;
-}
-
-void SetTimeOfDay(_SYSTEMTIME& time, WORD hour, WORD minute) {
-  time.wHour = hour;
-  time.wMinute = minute;
-  time.wSecond = 0;
-  time.wMilliseconds = 0;
-}
 
 }  // namespace
 
@@ -54,9 +41,7 @@ void UnixToSystemTime(std::uint64_t t, _SYSTEMTIME* time) {
 }
 
 std::uint64_t FSystemTimeToMs(_SYSTEMTIME* time) {
-  const bool isEndOfDay = time->wHour >= 24;
-  if (isEndOfDay) SetTimeOfDay(*time, 23, 59);
-  return FieldsToMs(*time) + (isEndOfDay ? kMsPerMinute : 0);
+  return detail::FieldsOrEndOfDayToMs(*time);
 }
 
 void FMsToSystemTime(std::uint64_t ms, _SYSTEMTIME* time) {
@@ -176,8 +161,7 @@ void FromJulianDay(int year, int julianDay, int& day, int& month) {
 }
 
 unsigned short GetNoDaysInMonth(unsigned short year, unsigned short month) {
-  const int leapDay = month == kFebruary && IsLeapYear(year) ? 1 : 0;
-  return static_cast<unsigned short>(kDaysInMonth[month - 1] + leapDay);
+  return static_cast<unsigned short>(detail::DaysInMonth(year, month));
 }
 
 unsigned short GetNoDaysInMonth(const _SYSTEMTIME& time) {
