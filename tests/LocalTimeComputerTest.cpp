@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <random>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "kelp0lang/UtcTime.h"
@@ -134,18 +137,19 @@ TEST(LocalTime, HalfARuleIsNone) {
   EXPECT_TRUE(computer.IsUtcTimeInDaylight(At(2021, 7, 1)));
 }
 
-// Every rule against a search through the days of the month.
+// The day of a rule in a year, by a search through the days of the month.
+std::uint64_t DayOf(int y, const _SYSTEMTIME& rule) {
+  const std::chrono::year_month month = year(y) / static_cast<int>(rule.wMonth);
+  const sys_days end = sys_days(month / std::chrono::last) + std::chrono::days(1);
+  std::vector<sys_days> found;
+  for (sys_days day = month / 1; day < end; day += std::chrono::days(1)) {
+    if (std::chrono::weekday(day).c_encoding() == rule.wDayOfWeek) found.push_back(day);
+  }
+  const sys_days day = rule.wDay == 5 ? found.back() : found[rule.wDay - 1];
+  return static_cast<std::uint64_t>((day - sys_days(year(1601) / 1 / 1)).count()) * kDay;
+}
+
 TEST(LocalTime, DaysOfRules) {
-  const auto dayOf = [](int y, const _SYSTEMTIME& rule) {
-    const std::chrono::year_month month = year(y) / static_cast<int>(rule.wMonth);
-    const sys_days end = sys_days(month / std::chrono::last) + std::chrono::days(1);
-    std::vector<sys_days> found;
-    for (sys_days day = month / 1; day < end; day += std::chrono::days(1)) {
-      if (std::chrono::weekday(day).c_encoding() == rule.wDayOfWeek) found.push_back(day);
-    }
-    const sys_days day = rule.wDay == 5 ? found.back() : found[rule.wDay - 1];
-    return static_cast<std::uint64_t>((day - sys_days(year(1601) / 1 / 1)).count()) * kDay;
-  };
   for (WORD month = 1; month <= 12; ++month) {
     for (WORD week = 1; week <= 5; ++week) {
       for (WORD weekday = 0; weekday <= 6; ++weekday) {
@@ -154,12 +158,96 @@ TEST(LocalTime, DaysOfRules) {
         CLocalTimeComputer computer = For(Zone(0, -60, begin, end));
         for (int y = 1999; y <= 2026; ++y) {
           for (const bool daylight : {true, false}) {
-            const std::uint64_t change = dayOf(y, daylight ? begin : end) + 2 * kHour;
+            const std::uint64_t change = DayOf(y, daylight ? begin : end) + 2 * kHour;
             ASSERT_EQ(computer.IsUtcTimeInDaylight(change - 1), !daylight) << change;
             ASSERT_EQ(computer.IsUtcTimeInDaylight(change), daylight) << change;
           }
         }
       }
+    }
+  }
+}
+
+// The passages of a zone by whole years, as far as was asked for, and a binary search through them,
+// also where they don't ascend.
+class Searched {
+ public:
+  explicit Searched(const _TIME_ZONE_INFORMATION& zone) : m_zone(zone) {
+    _SYSTEMTIME now;
+    GetLocalTime(&now);
+    m_first = m_last = now.wYear;
+    AddYear(now.wYear, m_passages.end());
+  }
+  std::uint64_t ToLocal(std::uint64_t ms) { return ms + Find(&Passage::utc, ms).offset; }
+  std::uint64_t ToUtc(std::uint64_t ms) { return ms - Find(&Passage::local, ms).offset; }
+  // A moment or reading beside a passage.
+  std::uint64_t Near(std::mt19937& random) const {
+    const Passage& passage = m_passages[random() % m_passages.size()];
+    const std::uint64_t steps[] = {0,         1,        kMinute,   kHour,
+                                   9 * kHour, 3 * kDay, 40 * kDay, 400 * kDay};
+    const std::uint64_t step = steps[random() % std::size(steps)];
+    return (random() % 2 == 0 ? passage.utc : passage.local) + (random() % 2 == 0 ? step : -step);
+  }
+
+ private:
+  struct Passage {
+    std::uint64_t utc, local, offset;
+  };
+  using Column = std::uint64_t Passage::*;
+
+  void AddYear(int y, std::vector<Passage>::iterator place) {
+    const std::uint64_t standard = -m_zone.Bias * kMinute;
+    const std::uint64_t daylight = standard - m_zone.DaylightBias * kMinute;
+    const auto at = [y](const _SYSTEMTIME& rule) { return DayOf(y, rule) + rule.wHour * kHour; };
+    const std::uint64_t begin = at(m_zone.DaylightDate), end = at(m_zone.StandardDate);
+    std::array<Passage, 2> two{
+        {{begin - standard, begin, daylight}, {end - daylight, end, standard}}};
+    if (two[0].utc > two[1].utc) std::swap(two[0], two[1]);
+    m_passages.insert(place, two.begin(), two.end());
+  }
+  const Passage& Find(Column column, std::uint64_t ms) {
+    const bool isPast = ms < m_passages.front().*column;
+    while (isPast && ms < m_passages.front().*column) AddYear(--m_first, m_passages.begin());
+    while (!isPast && ms > m_passages.back().*column) AddYear(++m_last, m_passages.end());
+    std::size_t low = 0, high = m_passages.size();
+    while (low < high) {
+      const std::size_t middle = (low + high) / 2;
+      const std::uint64_t value = m_passages[middle].*column;
+      if (value == ms) return m_passages[middle];
+      if (value < ms) {
+        low = middle + 1;
+      } else {
+        high = middle;
+      }
+    }
+    return m_passages[low - 1];
+  }
+
+  const _TIME_ZONE_INFORMATION m_zone;
+  int m_first, m_last;
+  std::vector<Passage> m_passages;
+};
+
+// Also both changes in one month, on one day or at one hour, and offsets by which they change
+// places.
+TEST(LocalTime, AnyRuleIsLookedUpAsBySearch) {
+  std::mt19937 random(29);
+  const auto rule = [&](WORD month) {
+    return Rule(month, random() % 7, 1 + random() % 5, random() % 24);
+  };
+  const auto month = [&] { return static_cast<WORD>(1 + random() % 12); };
+  constexpr LONG kBiases[] = {0, -60, 60, -720, -1440, 1440, -35'000, 35'000};
+  for (int i = 0; i < 1000; ++i) {
+    const _SYSTEMTIME begin = rule(month());
+    const _SYSTEMTIME end = i % 8 == 0 ? begin : rule(i % 2 == 0 ? begin.wMonth : month());
+    const auto zone =
+        Zone(i % 3 == 0 ? -720 : 0, kBiases[random() % std::size(kBiases)], begin, end);
+    CLocalTimeComputer computer = For(zone);
+    Searched searched(zone);
+    for (int k = 0; k < 60; ++k) {
+      const std::uint64_t ms = searched.Near(random);
+      ASSERT_EQ(computer.Utc_to_Local(ms), searched.ToLocal(ms)) << "zone " << i << " at " << ms;
+      ASSERT_EQ(computer.Local_to_Utc(ms), searched.ToUtc(ms)) << "zone " << i << " at " << ms;
     }
   }
 }

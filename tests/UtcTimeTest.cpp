@@ -131,6 +131,13 @@ TEST(Calendar, AgreesWithChrono) {
 TEST(Calendar, ManyDaysAtOnce) {
   EXPECT_EQ(kelp::ComputeDays({1, 3, 2021}, {1, 3, 2020}), -365);
   EXPECT_EQ(kelp::GetDaysFrom1stJan0({1, 1, -1}), 0);
+  // Counts wrap around at 32 bits.
+  constexpr int kMost = std::numeric_limits<int>::max(), kLeast = std::numeric_limits<int>::min();
+  EXPECT_EQ(kelp::GetDaysFrom1stJan0({10, 7, 5'879'610}), kMost);
+  EXPECT_EQ(kelp::GetDaysFrom1stJan0({11, 7, 5'879'610}), kLeast);
+  EXPECT_EQ(kelp::GetDaysFrom1stJan0({kMost, 2, 0}), kLeast + 30);
+  EXPECT_EQ(kelp::ComputeDays({10, 7, 5'879'610}, {11, 7, 5'879'610}), 1);
+  EXPECT_EQ(kelp::GetJulianDay(kMost, 3, 2024), kLeast + 59);
   // The count doesn't care for a day that the month hasn't.
   EXPECT_EQ(kelp::ComputeDays({31, 1, 2021}, {32, 1, 2021}), 1);
 

@@ -58,8 +58,8 @@ int WeekdayOf(_SYSTEMTIME date) {
 }
 
 // There are two passages for each year, and none lies more than a month outside its own, as offsets
-// have 32 bits. So only those of the moment's year and of its neighbours are looked at, and these
-// all, without a jump: what moments are asked for can't be foretold.
+// have 32 bits. So, where they ascend, only those of the moment's year and of its neighbours are
+// looked at, and these all, without a jump: what moments are asked for can't be foretold.
 int LastAtOrBefore(const std::vector<Passage>& passages, std::uint64_t Passage::*column,
                    std::uint64_t ms) {
   constexpr std::uint64_t kMsPerYear = 31'556'952'000;  // the mean one of the calendar
@@ -75,6 +75,28 @@ int LastAtOrBefore(const std::vector<Passage>& passages, std::uint64_t Passage::
     passed += passages[static_cast<std::size_t>(i)].*column <= ms;
   }
   return static_cast<int>(passed) - 1;
+}
+
+// Where changes meet or overtake one another, it is this search that says which of them counts.
+int SearchLast(const std::vector<Passage>& passages, std::uint64_t Passage::*column,
+               std::uint64_t ms) {
+  std::size_t low = 0;
+  std::size_t high = passages.size();
+  while (low < high) {
+    const std::size_t middle = (low + high) / 2;
+    const std::uint64_t value = passages[middle].*column;
+    if (value == ms) return static_cast<int>(middle);
+    if (value < ms) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
+  }
+  return static_cast<int>(low) - 1;
+}
+
+bool Ascend(const Passage& a, const Passage& b) {
+  return a.utcMs < b.utcMs && a.localMs < b.localMs;
 }
 
 }  // namespace
@@ -93,7 +115,7 @@ inline void CLocalTimeComputer::EnsurePassagesPresent(enumIntervalType type, std
 
 inline int CLocalTimeComputer::FindPassage(enumIntervalType type, std::uint64_t ms) const {
   const auto column = type == enumIntervalType::Utc ? &Passage::utcMs : &Passage::localMs;
-  return LastAtOrBefore(m_passages, column, ms);
+  return m_ascend ? LastAtOrBefore(m_passages, column, ms) : SearchLast(m_passages, column, ms);
 }
 
 inline const Passage& CLocalTimeComputer::PassageInForce(enumIntervalType type, std::uint64_t ms) {
@@ -144,6 +166,7 @@ void CLocalTimeComputer::Init() {
   Passage two[2];
   CalcPassagesInYear(now.wYear, two);
   m_passages.assign(std::begin(two), std::end(two));
+  m_ascend = Ascend(two[0], two[1]);
   UpdateMinMax();
 }
 
@@ -200,6 +223,7 @@ void CLocalTimeComputer::AddPastYears(enumIntervalType type, std::uint64_t ms) {
   while (ms < least && m_passages.front().year > kFirstYear) {
     Passage two[2];
     CalcPassagesInYear(m_passages.front().year - 1, two);
+    m_ascend = m_ascend && Ascend(two[0], two[1]) && Ascend(two[1], m_passages.front());
     m_passages.insert(m_passages.begin(), std::begin(two), std::end(two));
     UpdateMinMax();
   }
@@ -210,6 +234,7 @@ void CLocalTimeComputer::AddFutureYears(enumIntervalType type, std::uint64_t ms)
   while (ms > most && m_passages.back().year < kLastYear) {
     Passage two[2];
     CalcPassagesInYear(m_passages.back().year + 1, two);
+    m_ascend = m_ascend && Ascend(m_passages.back(), two[0]) && Ascend(two[0], two[1]);
     m_passages.insert(m_passages.end(), std::begin(two), std::end(two));
     UpdateMinMax();
   }

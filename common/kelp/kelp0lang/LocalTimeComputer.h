@@ -11,6 +11,9 @@
 // A reading that the clock skips in spring counts as daylight saving time, and one that it shows
 // twice in autumn as the first of the two, also daylight saving time.
 //
+// Rules whose two changes meet on the clock, or overtake one another by their offsets, give an
+// answer too, but which of the changes counts there depends on the years asked for so far.
+//
 // Before the first passage of the year 1601 the offset is that with which years end; behind the
 // last one of 30827 it stays.
 //
@@ -80,6 +83,7 @@ class KELP0LANG_API CLocalTimeComputer {
   std::uint64_t m_maxUtcMs;
   std::uint64_t m_minLocalMs;
   std::uint64_t m_maxLocalMs;
+  bool m_ascend;  // whether the passages do, in both columns
 };
 
 // The one of the process, for the machine's zone; built when the library is loaded.

@@ -25,6 +25,11 @@ constexpr int kLeapDayOfYear = 60;
 constexpr int kDaysBeforeMonth[kMonths] = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
 constexpr TGeoDate kEpochDate{1, 1, 1601};
 
+std::int64_t DayOfYear(int day, int month, int year) {
+  const int leapDay = month > kFebruary && IsLeapYear(year) ? 1 : 0;
+  return std::int64_t{kDaysBeforeMonth[month - 1]} + day + leapDay;
+}
+
 }  // namespace
 
 std::uint64_t CTimeToUtcMs(std::uint64_t t) {
@@ -134,16 +139,15 @@ int GetDaysFrom1stJan0(const TGeoDate& date) {
   const std::int64_t year = date.year;
   const std::int64_t days =
       year * kDaysOfYear + (year + 3) / 4 - (year + 99) / 100 + (year + 399) / 400;
-  return static_cast<int>(days) + GetJulianDay(date.day, date.month, date.year);
+  return static_cast<int>(days + DayOfYear(date.day, date.month, date.year));
 }
 
 int ComputeDays(const TGeoDate& a, const TGeoDate& b) {
-  return GetDaysFrom1stJan0(b) - GetDaysFrom1stJan0(a);
+  return static_cast<int>(std::int64_t{GetDaysFrom1stJan0(b)} - GetDaysFrom1stJan0(a));
 }
 
 int GetJulianDay(int day, int month, int year) {
-  const int leapDay = month > kFebruary && IsLeapYear(year) ? 1 : 0;
-  return kDaysBeforeMonth[month - 1] + day + leapDay;
+  return static_cast<int>(DayOfYear(day, month, year));
 }
 
 void FromJulianDay(int year, int julianDay, int& day, int& month) {

@@ -51,6 +51,7 @@ KELP0LANG_API void UnixToSystemTime(std::uint64_t t, _SYSTEMTIME* time);
 KELP0LANG_API std::uint64_t FSystemTimeToMs(_SYSTEMTIME* time);
 KELP0LANG_API void FMsToSystemTime(std::uint64_t ms, _SYSTEMTIME* time);
 
+// The low 32 bits of the day; a negative day is a moment before 1601, which wraps around.
 KELP0LANG_API int UtcMsToUtcDay1600(std::uint64_t ms);
 KELP0LANG_API std::uint64_t UtcDay1600ToUtcMs(int day);
 // Years before 1601 have negative days.
@@ -78,7 +79,8 @@ KELP0LANG_API void FUtcMsToUserTime(enumTimeSystem system, std::uint64_t ms, _SY
 KELP0LANG_API void FResetGlobalLocalTimeComputer();
 
 // Days from 1 January of year 0, which is day 1; a negative year gives 0. Here and below a month is
-// from 1 to 12.
+// from 1 to 12. Counts have 32 bits: from 11 July 5,879,610 on they wrap around, and so do the
+// differences.
 KELP0LANG_API int GetDaysFrom1stJan0(const TGeoDate& date);
 // From a to b, negative where b is the earlier.
 KELP0LANG_API int ComputeDays(const TGeoDate& a, const TGeoDate& b);
@@ -87,7 +89,8 @@ KELP0LANG_API int GetJulianDay(int day, int month, int year);
 KELP0LANG_API void FromJulianDay(int year, int julianDay, int& day, int& month);
 KELP0LANG_API unsigned short GetNoDaysInMonth(unsigned short year, unsigned short month);
 KELP0LANG_API unsigned short GetNoDaysInMonth(const _SYSTEMTIME& time);
-// Step date and weekday on or back. Zero and negative numbers of days change nothing.
+// Step date and weekday on or back, day by day: a million days take milliseconds. Zero and negative
+// numbers of days change nothing; years have 16 bits and wrap around.
 KELP0LANG_API void NextDay(_SYSTEMTIME& time, int days);
 KELP0LANG_API void PrevDay(_SYSTEMTIME& time, int days);
 
