@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <list>
 #include <memory>
@@ -161,6 +162,13 @@ TEST_F(ThreadFactory, AHandleTellsOfTheRun) {
   Running again(task);
   EXPECT_NE(again.Handle(), run.Handle());
   EXPECT_EQ(again.Wait(), 42u);
+}
+
+TEST_F(ThreadFactory, AnExitCodeHas32Bits) {
+  for (const std::uint64_t code : {~std::uint64_t{0}, std::uint64_t{5} << 32 | 6}) {
+    Task task([=] { return static_cast<unsigned long>(code); });
+    EXPECT_EQ(Running(task).Wait(), code & 0xFFFFFFFF);
+  }
 }
 
 // Throws as long as it is told to, and wants a fresh run as often.

@@ -15,7 +15,7 @@
 namespace kelp {
 namespace {
 
-constexpr unsigned long kNoExitCode = 0xFFFFFFFF;
+constexpr DWORD kNoExitCode = 0xFFFFFFFF;
 constexpr DWORD kClosingTime = 15000;  // ms
 
 constinit CThreadFactory* instance = nullptr;
@@ -26,6 +26,11 @@ constinit CThreadFactory* instance = nullptr;
 class CThreadFactory::CHandle {
  public:
   explicit CHandle(std::int32_t references) : m_references(references) {}
+  ~CHandle() {
+    if (m_done != nullptr) ::CloseHandle(m_done);
+  }
+  CHandle(const CHandle&) = delete;
+  CHandle& operator=(const CHandle&) = delete;
 
   void AddReference() { ++m_references; }
   void SubReference() {
@@ -37,7 +42,7 @@ class CThreadFactory::CHandle {
     if (m_running && m_done == nullptr) m_done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     return m_running ? m_done : nullptr;
   }
-  void End(unsigned long exitCode) {
+  void End(DWORD exitCode) {
     m_exitCode = exitCode;
     m_running = false;
     if (m_done != nullptr) SetEvent(m_done);
@@ -48,12 +53,8 @@ class CThreadFactory::CHandle {
   }
 
  private:
-  ~CHandle() {
-    if (m_done != nullptr) ::CloseHandle(m_done);
-  }
-
   std::atomic<std::int32_t> m_references;
-  unsigned long m_exitCode = kNoExitCode;
+  DWORD m_exitCode = kNoExitCode;
   bool m_running = true;
   HANDLE m_done = nullptr;  // made for the first that waits
 };
@@ -65,7 +66,7 @@ struct CThreadFactory::Worker {
     if (wake != nullptr) ::CloseHandle(wake);
   }
   static DWORD WINAPI Main(LPVOID worker);
-  unsigned long RunTask();
+  DWORD RunTask();
 
   HANDLE thread = nullptr;
   HANDLE wake = nullptr;
@@ -100,11 +101,12 @@ class CThreadFactory::Pool : public std::enable_shared_from_this<Pool> {
   void Close();
 
   // The end of a worker's task. False where the worker is to end too.
-  bool Finish(Worker& worker, unsigned long exitCode);
+  bool Finish(Worker& worker, DWORD exitCode);
   // The worker's task has deleted itself.
   void Forget(Worker& worker);
 
  private:
+  bool PinLibrary();
   Worker* Build();
   Worker* TakeWorker();
   std::vector<RunAtClosing> RequestAborts();
@@ -115,6 +117,7 @@ class CThreadFactory::Pool : public std::enable_shared_from_this<Pool> {
   std::vector<Worker*> m_idle;
   bool m_closing = false;
   bool m_closed = false;  // nobody wakes an idle worker any more
+  bool m_pinned = false;
 };
 
 DWORD WINAPI CThreadFactory::Worker::Main(LPVOID pointer) {
@@ -128,13 +131,13 @@ DWORD WINAPI CThreadFactory::Worker::Main(LPVOID pointer) {
 }
 
 // A task that has deleted itself is null behind that.
-unsigned long CThreadFactory::Worker::RunTask() {
-  unsigned long exitCode = kNoExitCode;
+DWORD CThreadFactory::Worker::RunTask() {
+  DWORD exitCode = kNoExitCode;
   bool restart = false;
   do {
     restart = false;
     try {
-      exitCode = task->Run();
+      exitCode = static_cast<DWORD>(task->Run());
     } catch (...) {
       try {
         if (task != nullptr) task->OnThreadException(restart);
@@ -146,7 +149,19 @@ unsigned long CThreadFactory::Worker::RunTask() {
   return exitCode;
 }
 
+// Workers sleep in this library, which so stays loaded once there is one.
+bool CThreadFactory::Pool::PinLibrary() {
+  constexpr DWORD kPin = GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS;
+  HMODULE library;
+  if (!m_pinned) {
+    m_pinned = GetModuleHandleExW(kPin, reinterpret_cast<LPCWSTR>(&Worker::Main), &library);
+  }
+  return m_pinned;
+}
+
 CThreadFactory::Worker* CThreadFactory::Pool::Build() {
+  if (!PinLibrary()) return nullptr;
+  m_idle.reserve(m_running.size() + m_idle.size() + 1);  // it comes back without a failure
   std::unique_ptr<Worker> worker(new (std::nothrow) Worker);
   if (worker == nullptr) return nullptr;
   worker->pool = shared_from_this();
@@ -169,11 +184,13 @@ bool CThreadFactory::Pool::Start(ITask* task, bool autoDelete, CHandle** handle)
   HANDLE wake = nullptr;
   {
     const CCriticalSecLock lock(&m_section);
-    Worker* const worker = TakeWorker();
+    // What may fail comes first, so that a worker among the running ones has all that is its.
+    m_running.reserve(m_running.size() + 1);
+    std::unique_ptr<CHandle> made(new (std::nothrow) CHandle(handle == nullptr ? 1 : 2));
+    Worker* const worker = made == nullptr ? nullptr : TakeWorker();
     if (worker == nullptr) return false;
-    // Within the lock, so that nobody meets a running worker without its task.
     m_running.push_back(worker);
-    auto* const run = new CHandle(handle == nullptr ? 1 : 2);
+    CHandle* const run = made.release();
     if (handle != nullptr) *handle = run;
     task->m_handle = run;
     worker->handle = run;
@@ -185,7 +202,7 @@ bool CThreadFactory::Pool::Start(ITask* task, bool autoDelete, CHandle** handle)
   return true;
 }
 
-bool CThreadFactory::Pool::Finish(Worker& worker, unsigned long exitCode) {
+bool CThreadFactory::Pool::Finish(Worker& worker, DWORD exitCode) {
   const CCriticalSecLock lock(&m_section);
   std::erase(m_running, &worker);
   if (worker.task != nullptr) worker.task->m_handle = nullptr;

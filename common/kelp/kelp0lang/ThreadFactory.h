@@ -14,7 +14,8 @@
 // A task starts at once, on an idle worker or a new one: there is no queue. A worker whose task has
 // ended sleeps until the next one. The workers live until the pool is closed, with the process-wide
 // objects: then all tasks that run are asked to abort and have 15 seconds together to do so. One
-// that takes longer isn't killed; its worker ends with it.
+// that takes longer isn't killed; its worker ends with it. From the first worker on the library
+// stays loaded until the process ends, even where a program gives it back before.
 //
 // Threads: all operations of the factory are safe from any thread, but for the first GetInstance.
 #pragma once
@@ -40,7 +41,8 @@ class KELP0LANG_API CThreadFactory : public ISingleton {
     ITask& operator=(const ITask&) = default;
     // Where the pool deletes the task, this runs within the pool's lock, as OnAbortRequested does.
     virtual ~ITask();
-    // The work, on a worker; gives the exit code. An exception ends it, see OnThreadException.
+    // The work, on a worker; gives the exit code, of which 32 bits count. An exception ends it, see
+    // OnThreadException.
     virtual unsigned long Run() = 0;
     // The pool is closing: Run should come to its end soon. Called from the closing thread within
     // the pool's lock: it returns quickly and calls nothing of the pool.
@@ -61,7 +63,7 @@ class KELP0LANG_API CThreadFactory : public ISingleton {
 
   // Starts a task. With autoDelete the pool deletes it when it has ended. Unless handle is null it
   // receives the run, which the caller gives back by CloseHandle. False, and a null handle, when
-  // the pool is closing or no thread can be made; the task is the caller's then.
+  // the pool is closing or memory or a thread can't be had; the task is the caller's then.
   bool CreateThreadForTask(ITask* task, bool autoDelete, CHandle** handle);
   // Sees to it that at least count workers are idle, for tasks that are to start without delay.
   void Populate(int count);

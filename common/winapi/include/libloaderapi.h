@@ -9,6 +9,19 @@
 // its version. Where there is none it gives null and ERROR_MOD_NOT_FOUND.
 WINAPI_EXPORT HMODULE WINAPI GetModuleHandleW(LPCWSTR name);
 
+#define GET_MODULE_HANDLE_EX_FLAG_PIN 0x1
+#define GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT 0x2
+#define GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS 0x4
+
+// The same, or with FROM_ADDRESS the module in which an address lies. Adds a reference, which
+// FreeLibrary gives back; none with UNCHANGED_REFCOUNT, and with PIN one that lasts as long as the
+// process. What isn't loaded gives false, null and ERROR_MOD_NOT_FOUND, PIN with
+// UNCHANGED_REFCOUNT, other flags or no place for the handle ERROR_INVALID_PARAMETER.
+WINAPI_EXPORT BOOL WINAPI GetModuleHandleExW(DWORD flags, LPCWSTR name, HMODULE* module);
+// Gives a reference back; the module goes with the last. What is no module gives false and
+// ERROR_MOD_NOT_FOUND.
+WINAPI_EXPORT BOOL WINAPI FreeLibrary(HMODULE module);
+
 // The path of a module. Gives its length; a path that doesn't fit is cut
 // and terminated, and the call gives size and ERROR_INSUFFICIENT_BUFFER. What is no module gives 0
 // and ERROR_MOD_NOT_FOUND.

@@ -59,4 +59,33 @@ TEST(Module, IsFoundByNameWithoutRegardToCase) {
             ERROR_MOD_NOT_FOUND);
 }
 
+TEST(Module, IsFoundByAnAddressWithinItAndCounted) {
+  static int here;
+  const HMODULE program = GetModuleHandleW(nullptr);
+  const auto address = reinterpret_cast<LPCWSTR>(&here);
+  constexpr DWORD kPin = GET_MODULE_HANDLE_EX_FLAG_PIN, kFromAddress = 4, kUnchanged = 2;
+  const struct {
+    DWORD flags;
+    LPCWSTR name;
+    long error;
+  } cases[] = {
+      {kUnchanged, nullptr, 0},
+      {kFromAddress | kUnchanged, address, 0},
+      {kFromAddress | kPin, address, 0},
+      {kFromAddress, address, 0},
+      {kFromAddress, reinterpret_cast<LPCWSTR>(0x10000), ERROR_MOD_NOT_FOUND},
+      {kUnchanged, WTEXT("no_such_module.dll"), ERROR_MOD_NOT_FOUND},
+      {kPin | kUnchanged, nullptr, ERROR_INVALID_PARAMETER},
+      {8, nullptr, ERROR_INVALID_PARAMETER},
+  };
+  for (const auto& c : cases) {
+    HMODULE module = program;
+    EXPECT_EQ(ErrorOf(GetModuleHandleExW(c.flags, c.name, &module)), c.error) << c.flags;
+    EXPECT_EQ(module, c.error == 0 ? program : nullptr) << c.flags;
+  }
+  EXPECT_EQ(ErrorOf(GetModuleHandleExW(kUnchanged, nullptr, nullptr)), ERROR_INVALID_PARAMETER);
+  EXPECT_TRUE(FreeLibrary(program));
+  EXPECT_EQ(ErrorOf(FreeLibrary(reinterpret_cast<HMODULE>(0x10000))), ERROR_MOD_NOT_FOUND);
+}
+
 }  // namespace

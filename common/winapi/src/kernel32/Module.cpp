@@ -1,3 +1,4 @@
+#include <dlfcn.h>
 #include <link.h>
 #include <windows.h>
 
@@ -17,6 +18,8 @@ namespace {
 
 struct Module {
   std::uintptr_t base;
+  std::uintptr_t end;
+  std::string name;     // as the loader has it; empty for the program
   std::u16string path;  // as Windows has it
 };
 
@@ -32,10 +35,14 @@ int AddModule(dl_phdr_info* info, std::size_t, void* target) {
     return 0;
   }
   std::uintptr_t base = UINTPTR_MAX;
+  std::uintptr_t end = 0;
   for (const auto* part = info->dlpi_phdr; part < info->dlpi_phdr + info->dlpi_phnum; ++part) {
-    if (part->p_type == PT_LOAD) base = std::min(base, info->dlpi_addr + part->p_vaddr);
+    if (part->p_type != PT_LOAD) continue;
+    const std::uintptr_t address = info->dlpi_addr + part->p_vaddr;
+    base = std::min(base, address);
+    end = std::max(end, address + part->p_memsz);
   }
-  modules.push_back({base, FromPosixPath(path.native())});
+  modules.push_back({base, end, info->dlpi_name, FromPosixPath(path.native())});
   return 0;
 }
 
@@ -74,13 +81,59 @@ bool HasName(const Module& module, const std::u16string& name) {
   return !library.empty() && (library == wanted || library + FoldedName(u".dll") == wanted);
 }
 
+// The loader's own handle of a loaded module, with a reference that is the caller's.
+void* AddReference(const Module& module, int flags) {
+  return dlopen(module.name.empty() ? nullptr : module.name.c_str(),
+                RTLD_LAZY | RTLD_NOLOAD | flags);
+}
+
+// The module that a call of GetModuleHandleExW means, none where it isn't loaded.
+auto FindModule(const std::vector<Module>& modules, DWORD flags, LPCWSTR name) {
+  if (name == nullptr) return modules.begin();
+  if ((flags & GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS) == 0) {
+    return std::find_if(modules.begin(), modules.end(),
+                        [name](const Module& module) { return HasName(module, name); });
+  }
+  const auto address = reinterpret_cast<std::uintptr_t>(name);
+  return std::find_if(modules.begin(), modules.end(), [address](const Module& module) {
+    return module.base <= address && address < module.end;
+  });
+}
+
 }  // namespace
+
+BOOL WINAPI GetModuleHandleExW(DWORD flags, LPCWSTR name, HMODULE* module) {
+  constexpr DWORD kOneOf =
+      GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+  constexpr DWORD kAll = kOneOf | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS;
+  if (module == nullptr) return Fail(ERROR_INVALID_PARAMETER);
+  *module = nullptr;
+  if ((flags & ~kAll) != 0 || (flags & kOneOf) == kOneOf) return Fail(ERROR_INVALID_PARAMETER);
+  const std::vector<Module> modules = LoadedModules();
+  const auto found = FindModule(modules, flags, name);
+  if (found == modules.end()) return Fail(ERROR_MOD_NOT_FOUND);
+  if ((flags & GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT) == 0) {
+    const bool pins = (flags & GET_MODULE_HANDLE_EX_FLAG_PIN) != 0;
+    if (AddReference(*found, pins ? RTLD_NODELETE : 0) == nullptr) return Fail(ERROR_MOD_NOT_FOUND);
+  }
+  *module = HandleOf(*found);
+  return TRUE;
+}
+
+BOOL WINAPI FreeLibrary(HMODULE module) {
+  const std::vector<Module> modules = LoadedModules();
+  const auto found = std::find_if(modules.begin(), modules.end(),
+                                  [module](const Module& m) { return HandleOf(m) == module; });
+  void* const loaded = found == modules.end() ? nullptr : AddReference(*found, 0);
+  if (loaded == nullptr) return Fail(ERROR_MOD_NOT_FOUND);
+  dlclose(loaded);
+  dlclose(loaded);
+  return TRUE;
+}
 
 HMODULE WINAPI GetModuleHandleW(LPCWSTR name) {
   const std::vector<Module> modules = LoadedModules();
-  if (name == nullptr) return HandleOf(modules.front());
-  const auto found = std::find_if(modules.begin(), modules.end(),
-                                  [name](const Module& module) { return HasName(module, name); });
+  const auto found = FindModule(modules, 0, name);
   if (found != modules.end()) return HandleOf(*found);
   return Fail<HMODULE>(ERROR_MOD_NOT_FOUND);
 }
