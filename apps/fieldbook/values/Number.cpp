@@ -6,6 +6,7 @@
 #include <iterator>
 
 namespace fieldbook {
+
 Message NotANumber() {
   return {KTEXT("not a number"), {}};
 }

@@ -21,6 +21,14 @@
 // In Sesg the sign rides on the degrees alone: an angle between 0 and -1 degree loses it there, and
 // in everything that goes through Sesg. TDMS keeps it.
 //
+// The readers take what digits they find, and traps come with that: "junk" is 0, "S 45 30 00" is
+// positive (a letter counts at the end alone), "45.5" in DMSSymbols is 45°05', "45.3" in DMSPacked
+// 45°03', and minutes of 60 and more count as they are. CheckAngle (ValueCheck.h) is the strict
+// reading.
+//
+// Angles that round to zero keep their sign, and "360°00'00"" can come of an angle below the full
+// circle: what is rounded for a text isn't normalised again.
+//
 // Threads: all functions are pure, but for hemisphere letters, which are translated (Translate.h),
 // and for texts with decimals, which show the decimal point of the process locale.
 #pragma once
@@ -111,8 +119,9 @@ KELP0LANG_API double TDMSToDeg(const TDMS& angle);
 //
 // A negative angle has a leading "-", unless type and translation give a hemisphere letter, which
 // then stands at the end. Any other form gives the empty text. Decimals are those of DegToTDMS and
-// zeros behind them, 230 at most; DMSPacked shows them as an int, which ends at 2147483647 from the
-// tenth on.
+// zeros behind them, 230 at most. DMSPacked
+// shows them as an int, which ends at 2147483647: up to 9 are safe, with ten a fraction of a second
+// above 0.2147483647 ends there, with more a smaller one does.
 KELP0LANG_API kelp::WString DegToDMS(double deg, enumDisplayAngleUnits form, enumLatLonType type,
                                      int dec);
 

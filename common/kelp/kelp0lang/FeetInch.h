@@ -8,7 +8,14 @@
 // half upwards; that carries a fraction into the next inch and the next foot.
 //
 // A value above kelp::kNotSetThreshold is none. NaN counts as zero, and parts that 32 bits don't
-// hold end at their limit.
+// hold end at their limit: feet and inches beyond 2147483647 (654,553 km of feet) are shown as
+// that many, with the inches and the fraction of the real value behind them. A negative length that
+// rounds to zero keeps its sign, "-0'0"0/8".
+//
+// The readers take what digits they find, and traps come with that. Of what people type 12'6.5" is
+// 12 feet, 6 inches and 5 fractions, 12'6-1/2" counts a denominator that no precision has as 64:
+// 1/2 is 1/64 of an inch. 6" is six feet, 12.5 is 12 feet 5 inches, -junk5 minus five feet, and
+// text without digits nothing. CheckLength (ValueCheck.h) is the strict reading.
 //
 // All functions are pure and may be called on any thread.
 #pragma once

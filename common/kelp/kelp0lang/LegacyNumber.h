@@ -23,7 +23,7 @@ KELP0LANG_API bool MinoreDi(double a, double b);
 KELP0LANG_API double ArrotondatoAtDec(double v, int dec);
 // Downwards, also below zero: -2.51 with one decimal gives -2.6.
 KELP0LANG_API double TroncatoAtDec(double v, int dec);
-// To a whole number of steps, a half up; v unchanged if either is not set.
+// To a whole number of steps, a half up; v unchanged if either is not set. A step of 0 gives NaN.
 KELP0LANG_API double ArrotondatoAlVal(double v, double step);
 // To a whole number: a half up, and downwards.
 KELP0LANG_API double DoubleRound(double v);

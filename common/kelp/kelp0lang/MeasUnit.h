@@ -195,8 +195,9 @@ KELP0LANG_API double ConvertSpeed(double value, enumSpeedUnits from, enumSpeedUn
 
 // Angles, by way of degrees. A position also changes its start and its direction, a rotation its
 // direction, a length neither. Then the angle is brought into the range of normalize, in a time
-// that doesn't depend on its size; an infinite one becomes NaN there. Where nothing differs and
-// normalize is None the value comes back unchanged; otherwise zero is positive.
+// that doesn't depend on its size; an infinite one becomes NaN there. An angle a rounding error
+// below the full circle stays there, and shows as the full circle where it is rounded later. Where
+// nothing differs and normalize is None the value comes back unchanged; otherwise zero is positive.
 KELP0LANG_API double ConvertAngle(double value, eConvertAngleType type, enumAngleUnits fromUnits,
                                   enumHorizStartAngle fromStart, enumAngleDir fromDir,
                                   enumAngleUnits toUnits, enumHorizStartAngle toStart,

@@ -233,25 +233,43 @@ class KELP0LANG_API CMeasUnitSystem {
   bool SaveConfig();
   bool LoadDefault();
 
-  // A stored value as text.
+  // A stored value as text, in its unit of display. A unit that the system doesn't know, and a size
+  // that the kind doesn't have, give the empty text. What is rounded is rounded behind everything
+  // else: a position a hair below the full circle reads "400.0000", not "0.0000" (its range ends
+  // before the rounding), and a small negative number "-0.000". NaN reads "nan", and as 0 in parts.
+  //
+  // A length, metres: "12.500", or "41'0"1/8" in feet and inches and "492"1/8" in Smallest of them,
+  // unless plainDecimal. A number of feet or inches in parts ends at 2147483647.
   kelp::WString FromDistToString(double v, enumDistType type = enumDistType::Distance,
                                  enumMeasUnitSize size = enumMeasUnitSize::Normal,
                                  int decimals = -1, bool plainDecimal = false) const;
+  // Metres, in the units of the total station.
   kelp::WString FromTSDistToString(double v) const;
+  // Square metres. In feet and inches the number of square feet is written as a length of feet is;
+  // decimals don't count there. Volumes, cubic metres, likewise.
   kelp::WString FromAreaToString(double v, int decimals = -1) const;
   kelp::WString FromVolumeToString(double v) const;
+  // Cubic metres per metre; a number of cubic units per unit of length.
   kelp::WString FromVolPerDistToString(double v) const;
+  // Metric speed: "1.0", in Normal or Large.
   kelp::WString FromSpeedToString(double v, enumMeasUnitSize size = enumMeasUnitSize::Normal) const;
-  // A direction or, with position false, a signed turn.
+  // Gon: a direction in the full circle or, with position false, a signed turn in the half circles
+  // on both sides of zero; by the system's start and direction. "33.8912", and in the forms of
+  // degrees, minutes and seconds what DegToDMS gives. Geometric angles, radians, likewise.
   kelp::WString FromAngleToString(double v, bool position,
                                   enumMeasUnitSize size = enumMeasUnitSize::Normal) const;
   kelp::WString FromGeomAngleToString(double v, bool position,
                                       enumMeasUnitSize size = enumMeasUnitSize::Normal) const;
+  // A direction, gon, in the units of the total station.
   kelp::WString FromTSAngleToString(double v) const;
+  // An extent, gon and radians, in the full circle.
   kelp::WString FromLenAngleToString(double v,
                                      enumMeasUnitSize size = enumMeasUnitSize::Normal) const;
   kelp::WString FromLenGeomAngleToString(double v,
                                          enumMeasUnitSize size = enumMeasUnitSize::Normal) const;
+  // Radians, with a hemisphere letter: "45°30'15.10000"N". They count by the system's start and
+  // direction too: under another start or sense than north and clockwise what is shown isn't the
+  // latitude or longitude itself, and only reads back under the same.
   kelp::WString FromLatAngleToString(double v) const;
   kelp::WString FromLonAngleToString(double v) const;
   // v is in valueSize of its stored unit, the text in size of the unit of display. An unknown kind
@@ -267,7 +285,14 @@ class KELP0LANG_API CMeasUnitSystem {
   void FromCoordsToStrings(double east, double north, kelp::WString& s1, kelp::WString& s2,
                            bool* eastFirst = nullptr) const;
 
-  // Text as a stored value.
+  // Text as a stored value, the mirror of the above: the text is in the unit of display, or by what
+  // size says of it. Nothing is refused: text without a number reads as 0, what follows a number
+  // doesn't count, and out of range parts count as they are. CheckValue (ValueCheck.h) is the
+  // strict reading, for what people type. An unknown unit or size, and a number above the
+  // threshold, give kelp::kNotSet.
+  //
+  // Numbers are read by DoubleDaString, feet and inches by FeetInchToFeet, degrees, minutes and
+  // seconds by DMSToDeg; their headers tell the traps.
   double FromStringToDist(const kelp::WString& s, enumDistType type = enumDistType::Distance,
                           enumMeasUnitSize size = enumMeasUnitSize::Normal,
                           bool plainDecimal = false) const;
