@@ -44,6 +44,59 @@ std::size_t CountEntries() {
       std::distance(fs::directory_iterator(DataSupportFolder()), fs::directory_iterator()));
 }
 
+// The fields in the order of the file, but for the first, which has a setter of its own.
+struct FieldAccess {
+  int (*get)(const CMeasUnitSystem&);
+  void (*set)(CMeasUnitSystem&, int);
+};
+
+#define FIELD(Getter, Setter)                                                        \
+  {                                                                                  \
+    [](const CMeasUnitSystem& system) { return static_cast<int>(system.Getter()); }, \
+        [](CMeasUnitSystem& system, int value) {                                     \
+          system.Setter(static_cast<decltype(system.Getter())>(value));              \
+        }                                                                            \
+  }
+
+constexpr FieldAccess kFields[] = {
+    {[](const CMeasUnitSystem& system) { return static_cast<int>(system.GetUnitSystem()); },
+     [](CMeasUnitSystem& system, int value) {
+       system.SetUnitSystem(static_cast<enumUnitSystem>(value), false);
+     }},
+    FIELD(GetDistUnits, SetDistUnits),
+    FIELD(GetTSDistUnits, SetTSDistUnits),
+    FIELD(GetAreaUnits, SetAreaUnits),
+    FIELD(GetVolumeUnits, SetVolumeUnits),
+    FIELD(GetSpeedUnits, SetSpeedUnits),
+    FIELD(GetCoordDisplayMode, SetCoordDisplayMode),
+    FIELD(GetTSAngleUnits, SetTSAngleUnits),
+    FIELD(GetAngleUnits, SetAngleUnits),
+    FIELD(GetLatLonAngleUnits, SetLatLonAngleUnits),
+    FIELD(GetTemperatureUnits, SetTemperatureUnits),
+    FIELD(GetPressureUnits, SetPressureUnits),
+    FIELD(GetHorizStartAngle, SetHorizStartAngle),
+    FIELD(GetVertAngle, SetVertAngle),
+    FIELD(GetAngleDir, SetAngleDir),
+    FIELD(GetDateFormatW, SetDateFormat),
+    FIELD(GetNumDistDec, SetNumDistDec),
+    FIELD(GetNumTSDistDec, SetNumTSDistDec),
+    FIELD(GetNumAreaDec, SetNumAreaDec),
+    FIELD(GetNumVolDec, SetNumVolDec),
+    FIELD(GetNumSpeedDec, SetNumSpeedDec),
+    FIELD(GetNumCoordDec, SetNumCoordDec),
+    FIELD(GetNumQuoteDec, SetNumQuoteDec),
+    FIELD(GetNumTSAngleDec, SetNumTSAngleDec),
+    FIELD(GetNumAngleDec, SetNumAngleDec),
+    FIELD(GetNumLatLonAngleDec, SetNumLatLonAngleDec),
+    FIELD(GetDistInchDecPrec, SetDistInchDecPrec),
+    FIELD(GetTSDistInchDecPrec, SetTSDistInchDecPrec),
+    FIELD(GetAreaInchDecPrec, SetAreaInchDecPrec),
+    FIELD(GetVolInchDecPrec, SetVolInchDecPrec),
+    FIELD(GetCoordInchDecPrec, SetCoordInchDecPrec),
+    FIELD(GetQuoteInchDecPrec, SetQuoteInchDecPrec),
+};
+static_assert(std::size(kFields) == 32);
+
 CMeasUnitSystem& Current() {
   return *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
 }
@@ -84,14 +137,9 @@ class CountingListener : public kelp::CSourceEvent::IEvent {
 
 TEST(MeasUnitSystem, DefaultsAreMetric) {
   CMeasUnitSystem system;
-  EXPECT_EQ(system.GetNumLatLonAngleDec(), 5);
-  EXPECT_EQ(system.GetAngleUnits(), enumDisplayAngleUnits::Gon);
-  EXPECT_EQ(system.GetLatLonAngleUnits(), enumDisplayAngleUnits::DMSSymbols);
-  EXPECT_EQ(static_cast<int>(system.GetPressureUnits()), 2);
-  EXPECT_EQ(system.GetNumSpeedDec(), 1);
-  EXPECT_EQ(system.GetNumVolDec(), 2);
-  EXPECT_EQ(system.GetVolInchDecPrec(), enumInchDecPrec::Quarters);
-  EXPECT_EQ(system.GetQuoteInchDecPrec(), enumInchDecPrec::Eighths);
+  constexpr int kDefaults[32] = {0, 0, 0, 0, 0, 0, 0, 1, 1, 2, 0, 2, 0, 0, 0, 0,
+                                 3, 3, 2, 2, 1, 3, 3, 4, 4, 5, 1, 1, 0, 0, 1, 1};
+  for (int i = 0; i < 32; ++i) EXPECT_EQ(kFields[i].get(system), kDefaults[i]) << i;
   EXPECT_EQ(system.GetNumScaleDec(), 8);
   EXPECT_TRUE(system.LoadConfig());
   EXPECT_TRUE(system.SaveConfig());
@@ -180,6 +228,20 @@ TEST_F(CurrentSettings, CopyFromCarriesTheSettingsOver) {
   EXPECT_EQ(Current().GetUnitSystem(), enumUnitSystem::USSurvey);
 }
 
+// Each field by itself: whether CopyFrom carries it over, and whether that is reported.
+TEST_F(CurrentSettings, CopyFromKnowsEachField) {
+  for (int i = 0; i < 32; ++i) {
+    CMeasUnitSystem edited(Current());
+    kFields[i].set(edited, 3);
+    const bool differs = kFields[i].get(Current()) != 3;
+    const bool carried = i <= 9 || i >= 16;
+    CountingListener listener(Current().GetContext());
+    CCurrMeasUnitInfo::GetInstance()->CopyFrom(edited);
+    EXPECT_EQ(kFields[i].get(Current()), carried ? 3 : kFields[i].get(CMeasUnitSystem())) << i;
+    EXPECT_EQ(listener.log, carried && i > 0 && differs ? "bCE" : "") << i;
+  }
+}
+
 TEST_F(CurrentSettings, ReportsFollowTheCurrentSettings) {
   CCurrMeasUnitInfo* info = CCurrMeasUnitInfo::GetInstance();
   EXPECT_EQ(Folders().Read(DataSupportFolder() / "config_raw_report_measunit.dat"),
@@ -197,6 +259,10 @@ TEST_F(CurrentSettings, ReportsFollowTheCurrentSettings) {
   Current().SetNumAreaDec(5);
   CMeasUnitSystem filled;
   raw->ToConcrete(filled);
+  for (const FieldAccess& field : kFields) {
+    const int own = field.get(*raw);
+    EXPECT_EQ(field.get(filled), own == -1 ? field.get(Current()) : own);
+  }
   EXPECT_EQ(filled.GetNumAreaDec(), 5);
   EXPECT_EQ(filled.GetNumDistDec(), 6);
   concrete->SetNumDistDec(Current().GetNumDistDec());
@@ -274,15 +340,13 @@ TEST(MeasUnitFile, EveryFieldHasItsPlace) {
   Folders().Write(DataSupportFolder() / "numbered.dat", NumberedFile(40));
   CMeasUnitSystem system(WString(), KTEXT("numbered.dat"));
   ASSERT_TRUE(system.LoadConfig());
-  EXPECT_EQ(static_cast<int>(system.GetUnitSystem()), 40);
-  EXPECT_EQ(static_cast<int>(system.GetCoordDisplayMode()), 46);
-  EXPECT_EQ(static_cast<int>(system.GetTemperatureUnits()), 50);
-  EXPECT_EQ(static_cast<int>(system.GetDateFormatW()), 55);
-  EXPECT_EQ(system.GetNumDistDec(), 56);
-  EXPECT_EQ(system.GetNumLatLonAngleDec(), 65);
-  EXPECT_EQ(static_cast<int>(system.GetQuoteInchDecPrec()), 71);
+  for (int i = 0; i < 32; ++i) {
+    EXPECT_EQ(kFields[i].get(system), 40 + i);
+    kFields[i].set(system, 80 + i);
+    EXPECT_EQ(kFields[i].get(system), 80 + i);
+  }
   ASSERT_TRUE(system.SaveConfig());
-  EXPECT_EQ(Folders().Read(DataSupportFolder() / "numbered.dat"), NumberedFile(40));
+  EXPECT_EQ(Folders().Read(DataSupportFolder() / "numbered.dat"), NumberedFile(80));
   fs::remove(DataSupportFolder() / "numbered.dat");
 }
 
@@ -294,9 +358,10 @@ TEST(MeasUnitFile, LoadsEveryLength) {
     Folders().Write(path, whole.substr(0, size));
     CMeasUnitSystem system(WString(), KTEXT("short.dat"));
     ASSERT_TRUE(system.LoadConfig()) << size;
-    ASSERT_EQ(static_cast<int>(system.GetUnitSystem()), size >= 11 ? 40 : 0) << size;
-    ASSERT_EQ(system.GetNumDistDec(), size >= 75 ? 56 : 3) << size;
-    ASSERT_EQ(static_cast<int>(system.GetQuoteInchDecPrec()), size >= kFileSize ? 71 : 1) << size;
+    for (std::size_t i = 0; i < 32; ++i) {
+      const int kept = kFields[i].get(CMeasUnitSystem());
+      ASSERT_EQ(kFields[i].get(system), size >= 11 + 4 * i ? 40 + static_cast<int>(i) : kept);
+    }
   }
   fs::remove(path);
 }

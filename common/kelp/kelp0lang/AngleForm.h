@@ -119,9 +119,9 @@ KELP0LANG_API double TDMSToDeg(const TDMS& angle);
 //
 // A negative angle has a leading "-", unless type and translation give a hemisphere letter, which
 // then stands at the end. Any other form gives the empty text. Decimals are those of DegToTDMS and
-// zeros behind them, 230 at most. DMSPacked
-// shows them as an int, which ends at 2147483647: up to 9 are safe, with ten a fraction of a second
-// above 0.2147483647 ends there, with more a smaller one does.
+// zeros behind them, 230 at most. DMSPacked shows them as an int, which ends at 2147483647: up to 9
+// are safe, with ten a fraction of a second above 0.2147483647 ends there, with more a smaller one
+// does.
 KELP0LANG_API kelp::WString DegToDMS(double deg, enumDisplayAngleUnits form, enumLatLonType type,
                                      int dec);
 
