@@ -88,6 +88,7 @@ TEST(ValueCheck, Numbers) {
       {"1 3/2", Fault(2, "a fraction behind")},
       {"1.5 1/2", Fault(4, "this doesn't belong")},
       {"1/", Fault(2, "not a number")},
+      {"1/x", Fault(2, "not a number")},
       {"1e", Fault(1, "this doesn't belong")},
       {"1e200", Fault(0, "out of range")},
       {"-1e999", Fault(0, "out of range")},
@@ -283,6 +284,8 @@ TEST(ValueCheck, Angles) {
       {"W181", Form::Degree, Fault(1, "a longitude lies"), kLon},
       {"1000001", Form::Degree, Fault(0, "an angle lies")},
       {"E45N", Form::Degree, Fault(0, "a bearing has north")},
+      {"N45S", Form::Degree, Fault(0, "a bearing has north")},
+      {"W45E", Form::Degree, Fault(0, "a bearing has north")},
       {"N91E", Form::Degree, Fault(1, "a bearing lies")},
   };
   for (const Case& each : cases) {
@@ -361,6 +364,8 @@ TEST(ValueCheck, KindsUnderASystem) {
       {"5 km", Kind::Speed, &metric, Fault(2, "this doesn't belong")},
       {"90E", Kind::PosAngle, &us, Fault(2, "a bearing has")},
       {"N90E", Kind::RotAngle, &us, Fault(0, "not a number")},
+      {"1e2 m2", Kind::Area, &metric, {100}},
+      {"1e1", Kind::Integer, &metric, Fault(0, "a whole number")},
       {"4.0", Kind::Integer, &metric, Fault(0, "a whole number")},
       {"1", static_cast<Kind>(50), &metric, Fault(0, "there are no values")},
   };
