@@ -191,6 +191,66 @@ TEST(MeasUnitText, ValuesOfEveryKind) {
                    1500.0);
 }
 
+// In feet and inches, degrees that count from east and against the clock, and decimals of their
+// own.
+TEST(MeasUnitText, ValuesOfEveryKindInOtherUnits) {
+  CMeasUnitSystem system;
+  system.SetUnitSystem(enumUnitSystem::Imperial, true);
+  system.SetDistUnits(enumDisplayDistUnits::InternationalFootInch);
+  system.SetTSDistUnits(enumDisplayDistUnits::InternationalFootInch);
+  system.SetAreaUnits(enumDisplayAreaUnits::SquareInternationalFootInch);
+  system.SetVolumeUnits(enumDisplayVolumeUnits::CubicInternationalFootInch);
+  system.SetAngleUnits(enumDisplayAngleUnits::Degree);
+  system.SetTSAngleUnits(enumDisplayAngleUnits::DMSBlanks);
+  system.SetLatLonAngleUnits(enumDisplayAngleUnits::DMSPacked);
+  system.SetHorizStartAngle(enumHorizStartAngle::East);
+  system.SetAngleDir(enumAngleDir::CounterClockwise);
+  system.SetNumAngleDec(1);
+  system.SetNumTSAngleDec(0);
+  system.SetNumLatLonAngleDec(0);
+  const double foot = 0.3048;
+  struct {
+    int kind;
+    double value;
+    const WChar* text;
+  } cases[] = {
+      {0, 5.5 * foot, KTEXT("5'6\"0/8")},
+      {1, 5.5 * foot, KTEXT("5'6\"0/8")},
+      {2, 5.5 * 0.09290304, KTEXT("5'6\"0/4")},
+      {3, 5.5 * foot * foot * foot, KTEXT("5'6\"0/4")},
+      {4, 5.5 * foot * foot * foot * foot, KTEXT("5'6\"0/4")},
+      {5, 10, KTEXT("6.2")},
+      {6, -5.5 * foot, KTEXT("-5'6\"0/8")},
+      {7, 300, KTEXT("180 00 00\"")},
+      {8, 300, KTEXT("180.0")},
+      {9, 300, KTEXT("90.0")},
+      {10, 300, KTEXT("270.0")},
+      {13, kPi, KTEXT("180.0")},
+      {14, -kPi / 2, KTEXT("-90.0")},
+      {15, 1.5 * kPi, KTEXT("270.0")},
+      {16, 5.5 * foot, KTEXT("5'6\"0/8")},
+      {17, 5.5 * foot, KTEXT("5'6\"0/8")},
+      {18, 5.5 * foot, KTEXT("5'6\"0/8")},
+  };
+  for (const auto& c : cases) {
+    const auto kind = static_cast<enumMeasUnitValue>(c.kind);
+    EXPECT_EQ(system.FromValueToString(c.value, kind), WString(c.text)) << c.kind;
+    const double back = c.kind == 9 ? -100 : c.value;
+    const double near = c.kind == 5 ? 0.1 : 1e-9;
+    EXPECT_NEAR(system.FromStringToValue(c.text, kind), back, near) << c.kind;
+  }
+  constexpr auto kSmallest = enumMeasUnitSize::Smallest;
+  constexpr auto kDist = enumMeasUnitValue::Dist;
+  EXPECT_EQ(system.FromValueToString(5.5 * foot, kDist, -1, kSmallest), WString(KTEXT("66\"0/8")));
+  EXPECT_NEAR(system.FromStringToValue(KTEXT("66\"4/8"), kDist, kSmallest), 66.5 / 12 * foot, 1e-9);
+  EXPECT_EQ(system.FromValueToString(5.5 * foot, kDist, 1, enumMeasUnitSize::Normal,
+                                     enumMeasUnitSize::Normal, true),
+            WString(KTEXT("5.5")));
+  EXPECT_NEAR(system.FromStringToValue(KTEXT("5.5"), kDist, enumMeasUnitSize::Normal,
+                                       enumMeasUnitSize::Normal, true),
+              5.5 * foot, 1e-9);
+}
+
 TEST(MeasUnitText, CoordinatesTakeTheOrderOfTheMode) {
   CMeasUnitSystem system;
   double c1 = 0, c2 = 0, east = 0, north = 0;
@@ -279,7 +339,7 @@ TEST_F(ValueText, FreeFunctionsReadTheCurrentSettings) {
   EXPECT_DOUBLE_EQ(StringToSpeed(KTEXT("62.1371")), 100.0);
   EXPECT_EQ(PosAngleToString(-50.0), WString(KTEXT("315.0000")));
   EXPECT_EQ(RotAngleToString(-50.0), WString(KTEXT("-45.0000")));
-  EXPECT_EQ(StringToPosAngle(KTEXT("45")), 50.0);
+  EXPECT_EQ(StringToPosAngle(KTEXT("-45")), 350.0);
   EXPECT_EQ(StringToRotAngle(KTEXT("-45")), -50.0);
   EXPECT_EQ(PosGeomAngleToString(0.0), WString(KTEXT("90.0000")));
   EXPECT_EQ(RotGeomAngleToString(kPi / 4), WString(KTEXT("-45.0000")));
@@ -333,6 +393,7 @@ TEST_F(ValueText, NarrowColumnsLoseDecimals) {
   EXPECT_EQ(narrow(123456789.0, 5), WString(KTEXT(">9999")));
   EXPECT_EQ(narrow(123456789.0, 6), WString(KTEXT(">99999")));
   EXPECT_EQ(narrow(123456789.0, 3), WString(KTEXT(">999999")));
+  EXPECT_EQ(narrow(1, 0), WString(KTEXT(">999999")));
   EXPECT_EQ(narrow(kNotSet, 6), WString());
 }
 
