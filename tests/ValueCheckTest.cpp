@@ -4,6 +4,8 @@
 #include <random>
 #include <string>
 
+#include "kelp0lang/Translate.h"
+#include "tests/TempFolder.h"
 #include "tests/TestText.h"
 
 using kelp::kNotSet;
@@ -71,6 +73,13 @@ TEST(ValueCheck, Numbers) {
       {"\xC2\xBD", {0.5}},
       {"2\xE2\x85\x9B", {2.125}},
       {"9/8", {1.125}},
+      {"\xC2\xBC", {0.25}},
+      {"\xC2\xBE", {0.75}},
+      {"\xE2\x85\x93", {1.0 / 3}},
+      {"\xE2\x85\x94", {2.0 / 3}},
+      {"\xE2\x85\x9C", {0.375}},
+      {"\xE2\x85\x9D", {0.625}},
+      {"\xE2\x85\x9E", {0.875}},
       {"-0", {0}},
       {"0.1234567890123456789012345678901234567890123456789012345678901234567890",
        {0.12345678901234568}},
@@ -232,6 +241,7 @@ TEST(ValueCheck, Angles) {
       {"N50gE", Form::Degree, {45}},
       {"S45dE", Form::Degree, {135}},
       {"N0W", Form::Degree, {0}},
+      {"N0.5W", Form::Degree, {359.5}},
       {"S90E", Form::Degree, {90}},
       {"45\xC2\xB0"
        "30'15.5\"N",
@@ -291,6 +301,22 @@ TEST(ValueCheck, Angles) {
   for (const Case& each : cases) {
     Compare(CheckAngle(Wide(each.text), each.units, each.type), each.expected, each.text);
   }
+}
+
+// German east is O, which is west in Italian: the user's own letter goes first, English ones stay.
+TEST(ValueCheck, LettersOfTheUsersLanguage) {
+  const TempFolder folder;
+  folder.Write("de.po", "msgid \"E@@East (1 char)\"\nmsgstr \"O\"\n");
+  ASSERT_TRUE(kelp::LoadTranslateFile(folder.Wide(KTEXT("de.po")).c_str()));
+  constexpr auto kLon = enumLatLonType::Longitude;
+  const std::pair<const char*, double> cases[] = {{"45O", 45}, {"45e", 45}, {"45W", -45}};
+  for (const auto& [text, degrees] : cases) {
+    Compare(CheckAngle(Wide(text), Form::Degree, kLon), {degrees}, text);
+  }
+  Compare(CheckAngle(Wide("S10O"), Form::Degree, enumLatLonType::None), {170}, "S10O");
+  Compare(CheckAngle(Wide("45N"), Form::Degree, kLon),
+          Fault(2, "the letter of a longitude is O or W"), "45N");
+  kelp::UnloadTranslateFile();
 }
 
 // Values are the stored ones, under units, start and sense of the system.
