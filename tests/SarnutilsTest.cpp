@@ -1,12 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <cstdarg>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "sarnutils/CharacterWidth.h"
 #include "sarnutils/FileNames.h"
 #include "sarnutils/SarnString.h"
+#include "tests/winapi/WideText.h"
 
 using sarn::file_names::extractFileNameWithoutExtFromPathName;
 using Text = sarn_text::CSarnStringT<WChar>;
@@ -78,6 +81,34 @@ TEST(SarnString, Tokenizes) {
   EXPECT_EQ(Tokens(KTEXT(""), KTEXT(" "), false), Words{});
   EXPECT_EQ(Tokens(KTEXT(""), KTEXT(" "), true), Words{KTEXT("")});
   EXPECT_EQ(Tokens(KTEXT("   "), KTEXT(" "), false), Words{});
+}
+
+// What a text becomes character by character, "|" between; "!" ends it where one has no other form.
+template <class To, class From>
+std::basic_string<To> Converted(const From* text) {
+  std::basic_string<To> out;
+  while (*text != 0) {
+    To units[16];
+    const int count = sarn_text::ConvertCharacter(text, units);
+    if (count < 0) return out + To{'!'};
+    out.append(units, static_cast<std::size_t>(count)) += To{'|'};
+  }
+  return out;
+}
+
+TEST(CharacterWidth, TakesOneCharacterAtATime) {
+  EXPECT_EQ(Converted<char>(KTEXT("a\x80\xE0\x20ACz")), "a|\x80|\xE0|!");
+  EXPECT_EQ(Converted<WChar>("a\x7F\xE0z"), KTEXT("a|\x7F|\xE0|z|"));
+  if (std::setlocale(LC_CTYPE, kGermanLocale) == nullptr) GTEST_SKIP() << "no German locale";
+  const std::string euro = Converted<char>(KTEXT("\x20AC"));
+  EXPECT_EQ(Converted<WChar>(euro.c_str()), KTEXT("\x20AC|||")) << "its bytes and the bar";
+#ifndef _WIN32
+  EXPECT_EQ(Converted<char>(u"\U0001F600\xE0z"), "\xF0\x9F\x98\x80|\xC3\xA0|z|");
+  EXPECT_EQ(Converted<WChar>("\xF0\x9F\x98\x80\xC3\xA0z"), u"\U0001F600|\xE0|z|");
+  EXPECT_EQ(Converted<char>(u"\xD83Dz"), "!") << "half a pair";
+  EXPECT_EQ(Converted<WChar>("a\x9F\x98"), u"a|!");
+#endif
+  std::setlocale(LC_CTYPE, "C");
 }
 
 TEST(FileNames, TakesFolderAndExtensionOff) {
