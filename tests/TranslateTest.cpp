@@ -162,6 +162,16 @@ TEST_F(Translate, FindsTextsInEveryFormOfACatalogue) {
   EXPECT_EQ(Xlate(KTEXT("%d point")), WString(KTEXT("%d punto")));
 }
 
+TEST_F(Translate, SentencesAreFilledInTheirLanguage) {
+  ASSERT_TRUE(Load(Po({{"{1} of {2}@@pages", "{2}, {1}"}, {"{1} m", "{2} m"}})));
+  EXPECT_EQ(kelp::XlateFilled(KTEXT("{1} of {2}@@pages"), {KTEXT("a"), KTEXT("b")}), KTEXT("b, a"));
+  EXPECT_EQ(kelp::XlateFilled(KTEXT("{1} m"), {KTEXT("5")}), KTEXT("5 m"))
+      << "a translation that asks for too much is passed over";
+  EXPECT_EQ(kelp::XlateFilled(KTEXT("{1} km@@unit"), {KTEXT("5")}), KTEXT("5 km"));
+  EXPECT_EQ(kelp::XlateFilled(KTEXT("{2}@@unit"), {KTEXT("5")}), KTEXT(""));
+  EXPECT_EQ(kelp::XlateFilled(nullptr, {}), KTEXT(""));
+}
+
 TEST_F(Translate, TheLongerOfTwoKeysStandsFirst) {
   Entries entries;
   for (const char* key :

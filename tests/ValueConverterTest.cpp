@@ -3,6 +3,7 @@
 #include <climits>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "kelp0lang/Exception.h"
 #include "kelp0lang/SafeFormat.h"
@@ -222,7 +223,10 @@ TEST(SafeFormat, PutsArgumentsInTheirPlaces) {
   for (const auto& row : kRows) {
     EXPECT_EQ(kelp_safefmt(row.format, 2, a, b), WString(row.text))
         << WString(row.format).ToUtf8().c_str();
+    EXPECT_EQ(kelp::FillTemplate(row.format, {a, b}), row.text);
   }
+  const std::vector<WString> many(101, KTEXT("{1}"));
+  EXPECT_EQ(kelp::FillTemplate(KTEXT("{101}"), many), KTEXT("{1}"));
   EXPECT_TRUE(kelp_safefmt(KTEXT("text"), 101).empty());
   EXPECT_EQ(kelp_safefmt(KTEXT("text"), 0), WString(KTEXT("text")));
 }

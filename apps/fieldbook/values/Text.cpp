@@ -5,7 +5,6 @@
 #include <cstring>
 #include <iterator>
 
-#include "kelp0lang/SafeFormat.h"
 #include "kelp0lang/Translate.h"
 
 namespace fieldbook {
@@ -93,13 +92,6 @@ WString DecodeUtf8(std::string_view bytes) {
   return narrow.FromUtf8();
 }
 
-WString Filled(const WString& source, const std::vector<WString>& values) {
-  const WChar* texts[4] = {KTEXT(""), KTEXT(""), KTEXT(""), KTEXT("")};
-  const std::size_t count = std::min(values.size(), std::size(texts));
-  for (std::size_t i = 0; i < count; ++i) texts[i] = values[i].c_str();
-  return kelp::detail::kelp_safefmt(source.c_str(), count, texts[0], texts[1], texts[2], texts[3]);
-}
-
 }  // namespace
 
 WString ToWString(WideView text) {
@@ -115,8 +107,7 @@ void AppendUtf8(std::string& bytes, const WString& text) {
 }
 
 WString Message::Text() const {
-  const WString text = Filled(kelp::Xlate(source), values);
-  return text.empty() ? Filled(source, values) : text;
+  return kelp::XlateFilled(source, values);
 }
 
 std::string_view WithoutMark(std::string_view bytes) {

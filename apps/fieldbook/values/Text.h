@@ -24,7 +24,7 @@ void AppendUtf8(std::string& bytes, const WString& text);
 // that one made before the language is loaded is shown in it too.
 struct Message {
   const WChar* source = nullptr;  // null: there is nothing to say
-  std::vector<WString> values;    // for {1} to {4} of the source
+  std::vector<WString> values;    // for {1} and so on of the source
 
   explicit operator bool() const { return source != nullptr; }
   // In the user's language. A translation that can't be filled gives the English text.

@@ -5,7 +5,8 @@
 //   double bearing = AngoloDaAsseRifer(dx, dy);   // 0 to 400
 //
 // The functions have no state and run on any thread. The not-set value (MeasUnit.h) is respected
-// where that is said.
+// where that is said; the others reckon with it as with any number. Squares and products of
+// coordinate differences beyond 1e154 are infinite.
 #pragma once
 
 #include "kelp0lang/Export.h"
@@ -29,7 +30,8 @@ KELP0LANG_API double AngoloDaAsseRifer(double dx, double dy);
 KELP0LANG_API int ItrePtSonoInSensoAntiOrar(double x0, double y0, double x1, double y1, double x2,
                                             double y2);
 
-// Whether the segments ab and cd meet; touching counts.
+// Whether the segments ab and cd meet; touching counts. With NaN among the coordinates the turns
+// that need it are 0, and segments that perhaps don't meet do.
 KELP0LANG_API bool IntersezLine(double ax, double ay, double bx, double by, double cx, double cy,
                                 double dx, double dy);
 // Whether c and d lie strictly on opposite sides of the line through a and b.

@@ -5,7 +5,9 @@
 //   double back = DoubleDaString(text);
 //
 // The not-set value of MeasUnit.h, 1.7e200, stands for no number: an empty text reads as it, and it
-// prints as blanks. No function throws or has state; all run on any thread.
+// prints as blanks. NaN is not "not set": no comparison holds for it, rounding gives it back, and
+// it prints as "nan", minus infinity as "-inf". No function throws or has state; all run on any
+// thread.
 #pragma once
 
 #include "kelp0lang/Export.h"
@@ -17,7 +19,9 @@ KELP0LANG_API bool UgualeA(double a, double b);
 // a below b - 0.0006.
 KELP0LANG_API bool MinoreDi(double a, double b);
 
-// Rounding by decimals, dec from 0 to 5; v comes back unchanged for any other dec.
+// Rounding by decimals, dec from 0 to 5; v comes back unchanged for any other dec. It goes through
+// v * 10^dec + 0.5, which is a double too: the number just below a half goes up with it, and so
+// does an odd whole number of units from 2^52 (4.5e15) on.
 //
 // A half goes up: -2.5 gives -2.
 KELP0LANG_API double ArrotondatoAtDec(double v, int dec);
@@ -25,7 +29,7 @@ KELP0LANG_API double ArrotondatoAtDec(double v, int dec);
 KELP0LANG_API double TroncatoAtDec(double v, int dec);
 // To a whole number of steps, a half up; v unchanged if either is not set. A step of 0 gives NaN.
 KELP0LANG_API double ArrotondatoAlVal(double v, double step);
-// To a whole number: a half up, and downwards.
+// To a whole number: a half up, with the bounds of ArrotondatoAtDec, and downwards.
 KELP0LANG_API double DoubleRound(double v);
 KELP0LANG_API double DoubleTrunk(double v);
 
@@ -60,7 +64,8 @@ KELP0LANG_API long LongDaStringNullZero(const kelp::WString& text);
 
 // Text of v with dec decimals, right-justified in width places; a width below 1 gives the bare
 // number. The decimal separator is that of the process locale. A not-set v gives width blanks. A
-// negative dec prints 6 decimals. A number that takes more than 511 units gives empty text.
+// negative dec prints 6 decimals. A number that takes more than 511 units gives empty text. What
+// rounds to 0 from below keeps its sign: "-0.000".
 KELP0LANG_API kelp::WString StringDaDouble(double v, int width, int dec);
 // The same with every blank as "0": "  1.50" is "001.50", " -1.50" is "0-1.50".
 KELP0LANG_API kelp::WString StringDaDoubleConZeri(double v, int width, int dec);

@@ -42,7 +42,9 @@ KELP0LANG_API double EstrazioneNumero(kelp::WString text, int& start, int& end,
 
 // The next name of a numbered series: the last run of digits grows by step. A scaled step counts in
 // units of the first digit, so step 1 makes "P10" "P20". Leading zeros go: "A007" becomes "A8".
-// Text without digits gets the step behind it.
+// Text without digits gets the step behind it. The number is a double: behind 2^53 (16 digits) the
+// next name may be the same one again, and a number that isn't a set value (from 8.5e199) gives a
+// blank in its place.
 KELP0LANG_API kelp::WString IncrementaNuProg(const WChar* text, bool scaled, int step);
 
 // Reads one line into a buffer of size units, without its line feed. Gives what fgetws gives: the

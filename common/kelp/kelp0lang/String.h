@@ -365,8 +365,9 @@ class KELP0LANG_API String : public detail::BasicText<String, char> {
   // Decodes this text as UTF-8, by its length, see WString::ConvertFromUtf8.
   WString FromUtf8() const;
 
-  // Values as text, the same under every locale: numbers in decimal, with precision decimals, and
-  // pointers as 16 hexadecimal digits.
+  // Values as text, the same under every locale: numbers in decimal, with precision decimals (6
+  // where that is beyond an int), and pointers as 16 hexadecimal digits. A double that takes more
+  // than 527 units gives empty text.
   static String ValueOf(int value);
   static String ValueOf(unsigned int value);
   static String ValueOf(long value);

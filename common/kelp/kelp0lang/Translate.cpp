@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cwchar>
 
+#include "kelp0lang/SafeFormat.h"
 #include "sarnutils/Xlate.h"
 
 namespace kelp {
@@ -76,6 +77,12 @@ WString Xlate(const WChar* text) {
   if (shown.empty()) shown = StripNote(source);
   Unescape(shown);
   return shown;
+}
+
+WString XlateFilled(const WChar* text, std::span<const WString> values) {
+  if (text == nullptr) return WString();
+  WString shown = FillTemplate(Xlate(text).c_str(), values);
+  return shown.empty() ? FillTemplate(StripNote(text).c_str(), values) : shown;
 }
 
 bool LoadTranslateFile(const WString& path) {

@@ -13,6 +13,9 @@
 // Threads: Xlate may run on any thread, but not while another loads or unloads a catalogue.
 #pragma once
 
+#include <initializer_list>
+#include <span>
+
 #include "kelp0lang/Export.h"
 #include "kelp0lang/String.h"
 #include "kelptext/WideChar.h"
@@ -38,6 +41,19 @@ namespace kelp {
 // as the translation of a text of just its beginning, if there is one. Such a text is shown in
 // parts.
 KELP0LANG_API WString Xlate(const WChar* text);
+
+// A sentence in the user's language with values in the places of {1}, {2} and so on, as
+// FillTemplate puts them there.
+//
+//   show(kelp::XlateFilled(KTEXT("{1} points in {2}"), {kelp::WString::ValueOf(count), name}));
+//
+// A translation that asks for a value that isn't given is passed over, and the source text is
+// filled in its place, without its note; where that asks for one too, and for null, the text is
+// empty.
+KELP0LANG_API WString XlateFilled(const WChar* text, std::span<const WString> values);
+inline WString XlateFilled(const WChar* text, std::initializer_list<WString> values) {
+  return XlateFilled(text, std::span(values.begin(), values.size()));
+}
 
 // Takes the translations from a catalogue, in place of those before. False leaves none, and the
 // reason in GetTranslateFileError.
