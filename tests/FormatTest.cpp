@@ -120,18 +120,18 @@ TEST(Format, TextsTakeTheWidthOfTheFamily) {
   EXPECT_STREQ(narrow, "an an aw aw aw aw an");
   EXPECT_EQ(
       kelp_snwprintf(wide, 64, KTEXT("%s %ls %ws %S %hs %hS %lS"), aw, aw, aw, an, an, an, aw), 20);
-  EXPECT_EQ(WString(wide), WString(KTEXT("aw aw aw an an an aw")));
+  EXPECT_EQ(WString(wide), KTEXT("aw aw aw an an an aw"));
   EXPECT_EQ(kelp_sprintf_s(narrow, 64, "%c%hc%C%lc|%3c|%-3c|", 'a', 'b', KTEXT('c'), KTEXT('d'),
                            'e', 'f'),
             13);
   EXPECT_STREQ(narrow, "abcd|  e|f  |");
   EXPECT_EQ(kelp_snwprintf(wide, 64, KTEXT("%c%lc%C%hc%c"), KTEXT('a'), KTEXT('b'), 'c', 'd', 0),
             5);
-  EXPECT_EQ(WString(wide), WString(KTEXT("abcd")));
+  EXPECT_EQ(WString(wide), KTEXT("abcd"));
 
   EXPECT_EQ(kelp_snwprintf(wide, 64, KTEXT("%5ls|%-5hs|%.1ls|%.1hs|%05ls"), aw, an, aw, an, aw),
             21);
-  EXPECT_EQ(WString(wide), WString(KTEXT("   aw|an   |a|a|000aw")));
+  EXPECT_EQ(WString(wide), KTEXT("   aw|an   |a|a|000aw"));
   EXPECT_EQ(kelp_sprintf_s(narrow, 64, "%s|%.3ls", static_cast<char*>(nullptr),
                            static_cast<WChar*>(nullptr)),
             10);
@@ -155,7 +155,7 @@ TEST(Format, TextsPassBetweenTheWidthsByTheProcessLocale) {
     ASSERT_TRUE(german.Ok());
     EXPECT_GT(kelp_sprintf_s(narrow, 64, "%ls", KTEXT("\x20AC\x00E0")), 1);
     EXPECT_EQ(kelp_snwprintf(wide, 64, KTEXT("%hs"), narrow), 2);
-    EXPECT_EQ(WString(wide), WString(KTEXT("\x20AC\x00E0")));
+    EXPECT_EQ(WString(wide), KTEXT("\x20AC\x00E0"));
   }
   LocaleScope utf8(LC_ALL, "C.UTF-8");
   if (!utf8.Ok()) GTEST_SKIP() << "no UTF-8 locale";
@@ -163,7 +163,7 @@ TEST(Format, TextsPassBetweenTheWidthsByTheProcessLocale) {
   EXPECT_STREQ(narrow, "\xE2\x82\xAC\xF0\x9F\x98\x80|");
   EXPECT_EQ(kelp_sprintf_s(narrow, 64, "%.4ls|", KTEXT("\x20AC\x00E0")), 4) << "no half characters";
   EXPECT_EQ(kelp_snwprintf(wide, 64, KTEXT("%4hs|%.2hs"), narrow, "\xF0\x9F\x98\x80z"), 7);
-  EXPECT_EQ(WString(wide), WString(KTEXT("  \x20AC||\xD83D\xDE00")));
+  EXPECT_EQ(WString(wide), KTEXT("  \x20AC||\xD83D\xDE00"));
   EXPECT_EQ(kelp_snwprintf(wide, 64, KTEXT("%hs"), "\x80"), -1);
 }
 
@@ -425,7 +425,7 @@ TEST(Format, ArgumentListsPrintAsArgumentsDo) {
     return kelp_vswprintf(wide, KTEXT("%d+%.1f"), args);
   };
   EXPECT_EQ(WithList(&toWide, 7, 0.5), 5);
-  EXPECT_EQ(WString(wide), WString(KTEXT("7+0.5")));
+  EXPECT_EQ(WString(wide), KTEXT("7+0.5"));
   const auto toFive = [&](std::va_list args) {
     return kelp_vsnwprintf(wide, 5, KTEXT("%d+%.1f"), args);
   };

@@ -168,13 +168,13 @@ TEST(LegacyNumber, PrintsNumbers) {
   EXPECT_EQ(ToText(8e199, 0, 311), "");
   EXPECT_EQ(ToText(-1.5, 0, INT_MAX), "");
 
-  EXPECT_EQ(StringDaInt(INT_MIN), WString(KTEXT("-2147483648")));
+  EXPECT_EQ(StringDaInt(INT_MIN), KTEXT("-2147483648"));
 }
 
 TEST(LegacyNumber, PadsAndStripsZeros) {
-  EXPECT_EQ(StringDaDoubleConZeri(1.5, 6, 2), WString(KTEXT("001.50")));
-  EXPECT_EQ(StringDaDoubleConZeri(-1.5, 7, 2), WString(KTEXT("00-1.50")));
-  EXPECT_EQ(StringDaDoubleConZeri(kNotSet, 3, 2), WString(KTEXT("000")));
+  EXPECT_EQ(StringDaDoubleConZeri(1.5, 6, 2), KTEXT("001.50"));
+  EXPECT_EQ(StringDaDoubleConZeri(-1.5, 7, 2), KTEXT("00-1.50"));
+  EXPECT_EQ(StringDaDoubleConZeri(kNotSet, 3, 2), KTEXT("000"));
 
   struct Case {
     double v;
@@ -188,7 +188,7 @@ TEST(LegacyNumber, PadsAndStripsZeros) {
       {-0.001, 0, 2, KTEXT("-0")}, {100, 0, -1, KTEXT("100.000000")},
   };
   for (const Case& c : kCases) {
-    EXPECT_EQ(StringDaDoubleSenzaZeri(c.v, c.width, c.dec), WString(c.text)) << c.v;
+    EXPECT_EQ(StringDaDoubleSenzaZeri(c.v, c.width, c.dec), c.text) << c.v;
   }
 }
 
@@ -197,15 +197,15 @@ TEST(LegacyNumber, OnlyTheStringFormsFollowTheLocale) {
   if (!german.Ok()) GTEST_SKIP() << "no locale with a decimal comma";
   EXPECT_EQ(ToText(-1.5, 8, 2), "   -1,50");
   EXPECT_EQ(ToText(0.1, 0, 20), "0,10000000000000000555");
-  EXPECT_EQ(StringDaDoubleConZeri(1.5, 6, 2), WString(KTEXT("001,50")));
-  EXPECT_EQ(StringDaDoubleSenzaZeri(1.5, 0, 3), WString(KTEXT("1,5")));
-  EXPECT_EQ(StringDaDoubleSenzaZeri(2, 0, 3), WString(KTEXT("2,")));
+  EXPECT_EQ(StringDaDoubleConZeri(1.5, 6, 2), KTEXT("001,50"));
+  EXPECT_EQ(StringDaDoubleSenzaZeri(1.5, 0, 3), KTEXT("1,5"));
+  EXPECT_EQ(StringDaDoubleSenzaZeri(2, 0, 3), KTEXT("2,"));
   char narrow[32];
   EXPECT_EQ(ArCharDaDouble(narrow, 1.5, 0, 2), 4);
   EXPECT_STREQ(narrow, "1.50");
   WChar wide[32];
   EXPECT_EQ(ArCharDaDouble(wide, 1.5, 0, 2), 4);
-  EXPECT_EQ(WString(wide), WString(KTEXT("1.50")));
+  EXPECT_EQ(WString(wide), KTEXT("1.50"));
 }
 
 TEST(LegacyNumber, PrintsIntoBuffers) {

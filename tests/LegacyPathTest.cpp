@@ -43,11 +43,11 @@ TEST(LegacyPath, TakesNamesApart) {
   };
   for (const Case& c : kCases) {
     SCOPED_TRACE(WString(c.path).ToUtf8().c_str());
-    EXPECT_EQ(apply(EstraiIlPathFile, c.path), WString(c.folder));
-    EXPECT_EQ(apply(EstraiNomeEdEstensFile, c.path), WString(c.nameAndExtension));
-    EXPECT_EQ(apply(EstraiIlNomeFile, c.path), WString(c.name));
-    EXPECT_EQ(apply(EstraiEstensFile, c.path), WString(c.extension));
-    EXPECT_EQ(apply(EliminaEstensioneFile, c.path), WString(c.withoutExtension));
+    EXPECT_EQ(apply(EstraiIlPathFile, c.path), c.folder);
+    EXPECT_EQ(apply(EstraiNomeEdEstensFile, c.path), c.nameAndExtension);
+    EXPECT_EQ(apply(EstraiIlNomeFile, c.path), c.name);
+    EXPECT_EQ(apply(EstraiEstensFile, c.path), c.extension);
+    EXPECT_EQ(apply(EliminaEstensioneFile, c.path), c.withoutExtension);
   }
 }
 
@@ -104,7 +104,7 @@ TEST(LegacyPath, ThreadsMakeTheSameFolders) {
 TEST(LegacyPath, ComposesFileFilters) {
   EXPECT_EQ(ComposeFileFilterFromNameAndExts(KTEXT("Survey"), KTEXT("*.sur;*.dat")),
             WString(KTEXT("Survey (*.sur;*.dat)")));
-  EXPECT_EQ(ComposeFileFilterFromNameAndExts(KTEXT("All"), KTEXT("")), WString(KTEXT("All")));
+  EXPECT_EQ(ComposeFileFilterFromNameAndExts(KTEXT("All"), KTEXT("")), KTEXT("All"));
 }
 
 }  // namespace

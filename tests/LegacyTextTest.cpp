@@ -21,20 +21,20 @@ TEST(LegacyText, CaseIsThatOfAscii) {
   WString text(KTEXT("aZ\u00E0\u00C0@[`{1"));
   const WString shared(text);
   StringToUpper(text);
-  EXPECT_EQ(text, WString(KTEXT("AZ\u00E0\u00C0@[`{1")));
+  EXPECT_EQ(text, KTEXT("AZ\u00E0\u00C0@[`{1"));
   StringToLower(text);
-  EXPECT_EQ(text, WString(KTEXT("az\u00E0\u00C0@[`{1")));
-  EXPECT_EQ(shared, WString(KTEXT("aZ\u00E0\u00C0@[`{1"))) << "other handles keep their text";
+  EXPECT_EQ(text, KTEXT("az\u00E0\u00C0@[`{1"));
+  EXPECT_EQ(shared, KTEXT("aZ\u00E0\u00C0@[`{1")) << "other handles keep their text";
 
   text = KTEXT("\t a b \n");
   StringTrimLeft(text);
-  EXPECT_EQ(text, WString(KTEXT("a b \n")));
+  EXPECT_EQ(text, KTEXT("a b \n"));
   StringTrimRight(text);
-  EXPECT_EQ(text, WString(KTEXT("a b")));
+  EXPECT_EQ(text, KTEXT("a b"));
   text = KTEXT(" \r\n ");
   StringTrimBoth(text);
   EXPECT_EQ(GetLengthInChars(text), 0u);
-  EXPECT_EQ(GetTString('x'), WString(KTEXT("x")));
+  EXPECT_EQ(GetTString('x'), KTEXT("x"));
 }
 
 TEST(LegacyText, AccentsAreDroppedByTheTableAlone) {
@@ -79,7 +79,7 @@ TEST(LegacyText, FindsTheLastNumber) {
     EXPECT_EQ(EstrazioneNumero(c.text, start, end, &digits), c.value);
     EXPECT_EQ(start, c.start);
     EXPECT_EQ(end, c.end);
-    EXPECT_EQ(digits, WString(c.digits));
+    EXPECT_EQ(digits, c.digits);
     EXPECT_EQ(EstrazioneNumero(c.text, start, end, nullptr), c.value);
   }
 }
@@ -99,7 +99,7 @@ TEST(LegacyText, CountsNamesUp) {
       {KTEXT("99"), false, 1, KTEXT("100")},     {KTEXT(""), false, 5, KTEXT("5")},
   };
   for (const Case& c : kCases) {
-    EXPECT_EQ(IncrementaNuProg(c.text, c.scaled, c.step), WString(c.next))
+    EXPECT_EQ(IncrementaNuProg(c.text, c.scaled, c.step), c.next)
         << WString(c.text).ToUtf8().c_str();
   }
 }
@@ -151,7 +151,7 @@ TEST(LegacyText, FieldsLoseQuotesAndBlanks) {
   EliminaApiciESpazi(&fields, true);
   EXPECT_EQ(fields, (std::vector<WString>{KTEXT("a b"), KTEXT("x\"y"), KTEXT("z")}));
   EliminaApiciESpazi(&kept, false);
-  EXPECT_EQ(kept[0], WString(KTEXT("\"a b\"")));
+  EXPECT_EQ(kept[0], KTEXT("\"a b\""));
 }
 
 TEST(LegacyText, ReadsLinesWithoutTheirLineFeed) {

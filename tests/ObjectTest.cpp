@@ -120,13 +120,13 @@ TEST(Exception, MessagesStartWithTheName) {
        KTEXT("FileNotFoundException"), KTEXT("FileNotFoundException: x")},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(c.plain, WString(c.name));
-    EXPECT_EQ(c.withMessage, WString(c.full));
+    EXPECT_EQ(c.plain, c.name);
+    EXPECT_EQ(c.withMessage, c.full);
   }
-  EXPECT_EQ(Message<CExhaustedMemoryException>(), WString(KTEXT("ExhaustedMemoryException")));
+  EXPECT_EQ(Message<CExhaustedMemoryException>(), KTEXT("ExhaustedMemoryException"));
   EXPECT_EQ(Message<CStringIndexOutOfBoundsException>(-3),
-            WString(KTEXT("StringIndexOutOfBoundsException-3")));
-  EXPECT_EQ(Message<CIOException>(WString()), WString(KTEXT("IOException: ")));
+            KTEXT("StringIndexOutOfBoundsException-3"));
+  EXPECT_EQ(Message<CIOException>(WString()), KTEXT("IOException: "));
 }
 
 TEST(Exception, OnlyTheInputOutputBranchIsPolymorphic) {

@@ -88,9 +88,9 @@ TEST(Singleton, TheFoldersBeginAnewBehindTheDeletion) {
   using kelp::WString;
   for (int i = 0; i < 2; ++i) {
     EXPECT_EQ(kelp::GetProgramFolderPath(WString()), WString());
-    EXPECT_EQ(kelp::GetMapsFolderPath(WString()), WString(KTEXT("/Maps")));
+    EXPECT_EQ(kelp::GetMapsFolderPath(WString()), KTEXT("/Maps"));
     kelp::SetFolderFileNames(KTEXT("Fonts"));
-    EXPECT_EQ(kelp::GetFontsFolderPath(WString()), WString(KTEXT("/Fonts")));
+    EXPECT_EQ(kelp::GetFontsFolderPath(WString()), KTEXT("/Fonts"));
     DeleteAll();
   }
 }

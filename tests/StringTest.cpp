@@ -29,7 +29,7 @@ TEST(StringBuffer, EmptyTextIsOneSharedBufferThatIsNeverWritten) {
 
   WChar* text = a.GetBufferSetLength(3);
   text[0] = text[1] = text[2] = KTEXT('x');
-  EXPECT_EQ(a, WString(KTEXT("xxx")));
+  EXPECT_EQ(a, KTEXT("xxx"));
   EXPECT_TRUE(b.empty());
   EXPECT_EQ(b.c_str()[0], 0);
   EXPECT_NE(a.c_str(), b.c_str());
@@ -80,13 +80,13 @@ TEST(StringBuffer, CapacityIsExactAndKept) {
 
 TEST(StringBuffer, RangesReachNoFurtherThanTheText) {
   const String abcdef("abcdef");
-  EXPECT_EQ(String(abcdef, 1, 3), String("bcd"));
-  EXPECT_EQ(String(abcdef, 4, 100), String("ef"));
+  EXPECT_EQ(String(abcdef, 1, 3), "bcd");
+  EXPECT_EQ(String(abcdef, 4, 100), "ef");
   EXPECT_EQ(String(abcdef, 9, 2), String());
-  EXPECT_EQ(String("abcdef", 2, 3), String("cde"));
-  EXPECT_EQ(String("abcdef", 4, INT_MAX), String("ef"));
+  EXPECT_EQ(String("abcdef", 2, 3), "cde");
+  EXPECT_EQ(String("abcdef", 4, INT_MAX), "ef");
   EXPECT_EQ(WString(KTEXT("abc"), 0, -1), WString());
-  EXPECT_EQ(abcdef.Substring(3, 100), String("def"));
+  EXPECT_EQ(abcdef.Substring(3, 100), "def");
 }
 
 TEST(StringBuffer, UnitsAreReadWrittenAndCopiedOut) {
@@ -97,7 +97,7 @@ TEST(StringBuffer, UnitsAreReadWrittenAndCopiedOut) {
   EXPECT_EQ(b.at(1), KTEXT('b'));
   WChar target[] = KTEXT("------");
   b.GetChars(1, 4, target, 2);
-  EXPECT_EQ(WString(target), WString(KTEXT("--bcd-"))) << "without a terminator";
+  EXPECT_EQ(WString(target), KTEXT("--bcd-")) << "without a terminator";
   EXPECT_EQ(b.sizeInBytes(), 12u);
   EXPECT_EQ(String("abc").sizeInBytes(), 3u);
 }
@@ -105,11 +105,11 @@ TEST(StringBuffer, UnitsAreReadWrittenAndCopiedOut) {
 TEST(StringConcat, AppendsInPlaceAlsoItself) {
   WString a(KTEXT("ab"));
   a += a;
-  EXPECT_EQ(a, WString(KTEXT("abab")));
+  EXPECT_EQ(a, KTEXT("abab"));
   a += a.c_str() + 1;
-  EXPECT_EQ(a, WString(KTEXT("ababbab")));
+  EXPECT_EQ(a, KTEXT("ababbab"));
   a = a.c_str() + 4;
-  EXPECT_EQ(a, WString(KTEXT("bab")));
+  EXPECT_EQ(a, KTEXT("bab"));
   a += static_cast<const WChar*>(nullptr);
   EXPECT_EQ(a.Length(), 3);
 
@@ -197,7 +197,7 @@ TEST(StringSearch, EqualsAPointerAndHashesByItsUnits) {
       {"", "", true},     {"", nullptr, true},  {"a", nullptr, false}, {zero, "ab", false},
   };
   for (const auto& row : kRows) EXPECT_EQ(row.text == row.other, row.equal) << row.text.c_str();
-  EXPECT_NE(zero, String("ab"));
+  EXPECT_NE(zero, "ab");
 
   const std::unordered_set<WString> names = {KTEXT("P1"), KTEXT("P2"), KTEXT("P1")};
   EXPECT_EQ(names.size(), 2u);
@@ -207,11 +207,11 @@ TEST(StringSearch, EqualsAPointerAndHashesByItsUnits) {
 
 TEST(StringConcat, JoinsIntoNewText) {
   const String a("ab");
-  EXPECT_EQ(a + 'c', String("abc"));
-  EXPECT_EQ(a + "cd", String("abcd"));
-  EXPECT_EQ('x' + a, String("xab"));
-  EXPECT_EQ("xy" + a, String("xyab"));
-  EXPECT_EQ(a.Concat(String("!")), String("ab!"));
+  EXPECT_EQ(a + 'c', "abc");
+  EXPECT_EQ(a + "cd", "abcd");
+  EXPECT_EQ('x' + a, "xab");
+  EXPECT_EQ("xy" + a, "xyab");
+  EXPECT_EQ(a.Concat(String("!")), "ab!");
   EXPECT_EQ(String().Concat(String()).c_str(), String().c_str());
   EXPECT_EQ((WString(KTEXT("a")) + KTEXT("b")).Capacity(), 2);
 }
@@ -317,42 +317,42 @@ TEST(StringSearch, ComparesUnitsAsUnsigned) {
 
 TEST(StringDerive, EraseInsertAndParts) {
   const String abcdef("abcdef");
-  EXPECT_EQ(abcdef.Erase(2, -1), String("ab"));
-  EXPECT_EQ(abcdef.Erase(2, 100), String("ab"));
-  EXPECT_EQ(abcdef.Erase(2, INT_MAX), String("ab"));
-  EXPECT_EQ(abcdef.Erase(1, 2), String("adef"));
+  EXPECT_EQ(abcdef.Erase(2, -1), "ab");
+  EXPECT_EQ(abcdef.Erase(2, 100), "ab");
+  EXPECT_EQ(abcdef.Erase(2, INT_MAX), "ab");
+  EXPECT_EQ(abcdef.Erase(1, 2), "adef");
   EXPECT_EQ(abcdef.Erase(7, 1).c_str(), abcdef.c_str());
 
   const String abc("abc");
-  EXPECT_EQ(abc.Insert(1, "xy", -1), String("axybc"));
-  EXPECT_EQ(abc.Insert(-3, "xy", 1), String("xabc"));
-  EXPECT_EQ(abc.insert(3, '!'), String("abc!"));
+  EXPECT_EQ(abc.Insert(1, "xy", -1), "axybc");
+  EXPECT_EQ(abc.Insert(-3, "xy", 1), "xabc");
+  EXPECT_EQ(abc.insert(3, '!'), "abc!");
   const String padded = abc.Insert(1, "x", 3);
   EXPECT_EQ(padded.Length(), 6);
   EXPECT_EQ(std::string(padded.c_str(), 6), std::string("ax\0\0bc", 6));
   String target(abc);
-  EXPECT_EQ(target.assign(String("xy"), 1, kAll), String("axybc"));
-  EXPECT_EQ(target, String("axybc"));
-  EXPECT_EQ(target.assign(String("xy"), 0, 1), String("xaxybc"));
+  EXPECT_EQ(target.assign(String("xy"), 1, kAll), "axybc");
+  EXPECT_EQ(target, "axybc");
+  EXPECT_EQ(target.assign(String("xy"), 0, 1), "xaxybc");
 
-  EXPECT_EQ(abc.substr(1, -1), String("bc"));
-  EXPECT_EQ(abc.substr(1, 100), String("bc"));
+  EXPECT_EQ(abc.substr(1, -1), "bc");
+  EXPECT_EQ(abc.substr(1, 100), "bc");
   EXPECT_EQ(abc.substr(5), String());
   EXPECT_EQ(abc.Substring(-1, 2), String());
   EXPECT_EQ(abc.Substring(0, 3).c_str(), abc.c_str());
 }
 
 TEST(StringDerive, ReplaceTrimAndCase) {
-  EXPECT_EQ(String("a.b.a").Replace('a', 'c'), String("c.b.c"));
-  EXPECT_EQ(WString(KTEXT("MiXed")).ToLowerCase(), WString(KTEXT("mixed")));
-  EXPECT_EQ(String("MiXed").ToUpperCase(), String("MIXED"));
+  EXPECT_EQ(String("a.b.a").Replace('a', 'c'), "c.b.c");
+  EXPECT_EQ(WString(KTEXT("MiXed")).ToLowerCase(), KTEXT("mixed"));
+  EXPECT_EQ(String("MiXed").ToUpperCase(), "MIXED");
 
   const WString padded(KTEXT(" \t ab \n"));
-  EXPECT_EQ(padded.TrimLeft(), WString(KTEXT("ab \n")));
-  EXPECT_EQ(padded.TrimRight(), WString(KTEXT(" \t ab")));
-  EXPECT_EQ(padded.Trim(), WString(KTEXT("ab")));
+  EXPECT_EQ(padded.TrimLeft(), KTEXT("ab \n"));
+  EXPECT_EQ(padded.TrimRight(), KTEXT(" \t ab"));
+  EXPECT_EQ(padded.Trim(), KTEXT("ab"));
   EXPECT_EQ(WString(KTEXT(" \n ")).Trim(), WString());
-  EXPECT_EQ(String("--a--").TrimLeft('-').TrimRight('-'), String("a"));
+  EXPECT_EQ(String("--a--").TrimLeft('-').TrimRight('-'), "a");
   const WString plain(KTEXT("ab"));
   EXPECT_EQ(plain.TrimLeft().c_str(), plain.c_str());
 }
@@ -377,8 +377,8 @@ TEST(StringDerive, ReplacesInPlace) {
     WString text(c.text);
     const WString other(text);
     EXPECT_EQ(text.ReplaceInPlace(c.from, c.to), c.count);
-    EXPECT_EQ(text, WString(c.result));
-    EXPECT_EQ(other, WString(c.text));
+    EXPECT_EQ(text, c.result);
+    EXPECT_EQ(other, c.text);
   }
 
   WString zero(KTEXT("a?a?"));
@@ -391,7 +391,7 @@ TEST(StringDerive, ReplacesInPlace) {
 
   WString own(KTEXT("ab"));
   EXPECT_EQ(own.ReplaceInPlace(own.c_str() + 1, own.c_str()), 1);
-  EXPECT_EQ(own, WString(KTEXT("aab")));
+  EXPECT_EQ(own, KTEXT("aab"));
 }
 
 TEST(StringUtf8, DecodesEveryKindOfSequence) {
@@ -414,20 +414,20 @@ TEST(StringUtf8, DecodesEveryKindOfSequence) {
       {"ab\xE2\x82", KTEXT("ab\x2080")},  // cut short: zero bits follow
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(String(c.bytes).FromUtf8(), WString(c.units)) << c.bytes;
-    EXPECT_EQ(WString::ConvertFromUtf8(c.bytes), WString(c.units)) << c.bytes;
+    EXPECT_EQ(String(c.bytes).FromUtf8(), c.units) << c.bytes;
+    EXPECT_EQ(WString::ConvertFromUtf8(c.bytes), c.units) << c.bytes;
   }
   EXPECT_EQ(WString::ConvertFromUtf8(nullptr), WString());
 }
 
 TEST(StringUtf8, EncodesPairsAndLoneSurrogates) {
-  EXPECT_EQ(WString(KTEXT("\xD83D\xDE00")).ToUtf8(), String("\xF0\x9F\x98\x80"));
-  EXPECT_EQ(WString(KTEXT("\xDE00")).ToUtf8(), String("\xED\xB8\x80"));
-  EXPECT_EQ(WString(KTEXT("x\xD83D")).ToUtf8(), String("x\xED\xA0\xBD"));
+  EXPECT_EQ(WString(KTEXT("\xD83D\xDE00")).ToUtf8(), "\xF0\x9F\x98\x80");
+  EXPECT_EQ(WString(KTEXT("\xDE00")).ToUtf8(), "\xED\xB8\x80");
+  EXPECT_EQ(WString(KTEXT("x\xD83D")).ToUtf8(), "x\xED\xA0\xBD");
   // A high surrogate is joined with whatever follows: (0xD83D << 10) + 'A' - 0x035FDC00.
   EXPECT_EQ(String::ConvertToUtf8(KTEXT("\xD83D"
                                         "A")),
-            String("\xF0\x91\xA1\x81"));
+            "\xF0\x91\xA1\x81");
 }
 
 // All code points, alone and in text long enough for blocks and for two passes.
@@ -525,11 +525,11 @@ TEST(StringUtf8, DecodesByItsStepsWhateverTheBytes) {
 }
 
 TEST(StringLocale, ConvertsByTheProcessLocale) {
-  EXPECT_EQ(ConvertString(KTEXT("plain"), 0), String("plain"));
-  EXPECT_EQ(ConvertString("plain", 2, 0), WString(KTEXT("ain")));
+  EXPECT_EQ(ConvertString(KTEXT("plain"), 0), "plain");
+  EXPECT_EQ(ConvertString("plain", 2, 0), KTEXT("ain"));
   EXPECT_EQ(ConvertString(static_cast<const char*>(nullptr), 0), WString());
   EXPECT_EQ(String::AcceptString(KTEXT("a\x20AC")), String()) << "no partial text";
-  EXPECT_EQ(WString::AcceptString("caff\xE8", 99), WString(KTEXT("caff\x00E8")));
+  EXPECT_EQ(WString::AcceptString("caff\xE8", 99), KTEXT("caff\x00E8"));
 
   LocaleScope german(LC_ALL, kGermanLocale);
   ASSERT_TRUE(german.Ok());
@@ -557,7 +557,7 @@ TEST(StringThreads, HandlesOnOneBufferAreIndependent) {
     });
   }
   for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(shared, WString(KTEXT("shared text")));
+  EXPECT_EQ(shared, KTEXT("shared text"));
 }
 
 }  // namespace

@@ -99,7 +99,7 @@ TEST(ValueConverter, PrintsNumbers) {
   };
   for (const auto& row : kReals) {
     CIOState state = State(row.flags, row.precision);
-    EXPECT_EQ(CAValueConverter::ToString(state, row.value), String(row.text));
+    EXPECT_EQ(CAValueConverter::ToString(state, row.value), row.text);
     EXPECT_EQ(CWValueConverter::ToString(state, row.value), String(row.text).FromUtf8());
     EXPECT_EQ(CWValueConverter::ToString(state, static_cast<long double>(row.value)),
               String(row.text).FromUtf8());
@@ -109,28 +109,28 @@ TEST(ValueConverter, PrintsNumbers) {
     CIOState state = State(flags);
     return CAValueConverter::ToString(state, value);
   };
-  EXPECT_EQ(text(F::dec, INT_MIN), String("-2147483648"));
-  EXPECT_EQ(text(F::dec | F::showpos, 5), String("+5"));
-  EXPECT_EQ(text(F::hex, -1), String("ffffffff")) << "an int has 32 bits in every base";
-  EXPECT_EQ(text(F::oct | F::showbase, 8u), String("010"));
-  EXPECT_EQ(text(F::dec, UINT_MAX), String("4294967295"));
+  EXPECT_EQ(text(F::dec, INT_MIN), "-2147483648");
+  EXPECT_EQ(text(F::dec | F::showpos, 5), "+5");
+  EXPECT_EQ(text(F::hex, -1), "ffffffff") << "an int has 32 bits in every base";
+  EXPECT_EQ(text(F::oct | F::showbase, 8u), "010");
+  EXPECT_EQ(text(F::dec, UINT_MAX), "4294967295");
   EXPECT_EQ(text(F::dec, LLONG_MIN), "-9223372036854775808");
   EXPECT_EQ(text(F::hex, -1L), String().Insert(0, "ffffffffffffffff", 2 * sizeof(long)));
   EXPECT_EQ(text(F::oct, 8UL), "10");
-  EXPECT_EQ(text(F::hex | F::showbase | F::uppercase, std::uint64_t{0xABC}), String("0XABC"));
+  EXPECT_EQ(text(F::hex | F::showbase | F::uppercase, std::uint64_t{0xABC}), "0XABC");
   EXPECT_EQ(text(F::hex | F::showpos, reinterpret_cast<const void*>(0x1234ABCD)),
-            String("000000001234ABCD"));
+            "000000001234ABCD");
 }
 
 TEST(ValueConverter, FillsToTheWidthOnce) {
   using F = CIOState;
   CIOState state = State(F::dec | F::internal, 2, 8, '*');
-  EXPECT_EQ(CWValueConverter::ToString(state, -12), WString(KTEXT("-*****12")));
+  EXPECT_EQ(CWValueConverter::ToString(state, -12), KTEXT("-*****12"));
   EXPECT_EQ(state.GetWidth(), 0);
   EXPECT_EQ(state.GetPrecision(), 2);
   EXPECT_EQ(state.GetFill(), '*');
   EXPECT_EQ(state.GetFlags(), F::dec | F::internal);
-  EXPECT_EQ(CWValueConverter::ToString(state, -12), WString(KTEXT("-12")));
+  EXPECT_EQ(CWValueConverter::ToString(state, -12), KTEXT("-12"));
 
   const struct {
     int flags;
@@ -151,16 +151,16 @@ TEST(ValueConverter, FillsToTheWidthOnce) {
   };
   for (const auto& row : kRows) {
     CIOState one = State(row.flags, 6, row.width, '*');
-    EXPECT_EQ(CAValueConverter::ToString(one, row.value), String(row.text));
+    EXPECT_EQ(CAValueConverter::ToString(one, row.value), row.text);
   }
 
   CIOState logical = State(F::right, 6, 3, '.');
-  EXPECT_EQ(CAValueConverter::ToString(logical, true), String("..1"));
+  EXPECT_EQ(CAValueConverter::ToString(logical, true), "..1");
   logical = State(F::boolalpha | F::right, 6, 7, '.');
-  EXPECT_EQ(CWValueConverter::ToString(logical, false), WString(KTEXT("..false")));
+  EXPECT_EQ(CWValueConverter::ToString(logical, false), KTEXT("..false"));
   CIOState texts = State(F::right, 6, 4, '\xE0');
   EXPECT_EQ(CWValueConverter::ToString(texts, KTEXT("abc")).GetChar(0), WChar{0xFFE0});
-  EXPECT_EQ(CAValueConverter::ToString(texts, 'x'), String("x"));
+  EXPECT_EQ(CAValueConverter::ToString(texts, 'x'), "x");
 }
 
 TEST(ValueConverter, TextThatOutgrowsTheWorkAreaIsEmpty) {
@@ -173,18 +173,18 @@ TEST(ValueConverter, TextThatOutgrowsTheWorkAreaIsEmpty) {
 TEST(ValueOf, IsPlainText) {
   LocaleScope german(LC_ALL, kGermanLocale);
   ASSERT_TRUE(german.Ok());
-  EXPECT_EQ(WString::ValueOf(-5), WString(KTEXT("-5")));
-  EXPECT_EQ(WString::ValueOf(4000000000u), WString(KTEXT("4000000000")));
+  EXPECT_EQ(WString::ValueOf(-5), KTEXT("-5"));
+  EXPECT_EQ(WString::ValueOf(4000000000u), KTEXT("4000000000"));
   EXPECT_EQ(WString::ValueOf(LONG_MIN).ToUtf8(), std::to_string(LONG_MIN).c_str());
   EXPECT_EQ(String::ValueOf(ULONG_MAX), std::to_string(ULONG_MAX).c_str());
   EXPECT_EQ(String::ValueOf(-1LL << 62), "-4611686018427387904");
   EXPECT_EQ(WString::ValueOf(ULLONG_MAX), KTEXT("18446744073709551615"));
-  EXPECT_EQ(WString::ValueOf(1234.5, 2), WString(KTEXT("1234.50")));
-  EXPECT_EQ(WString::ValueOf(1234.5, 0), WString(KTEXT("1234")));
-  EXPECT_EQ(String::ValueOf(static_cast<const void*>(nullptr)), String("0000000000000000"));
-  EXPECT_EQ(String::ValueOf(true), String("true"));
-  EXPECT_EQ(WString::ValueOf(false), WString(KTEXT("false")));
-  EXPECT_EQ(WString::ValueOf(WChar{0x20AC}), WString(KTEXT("\x20AC")));
+  EXPECT_EQ(WString::ValueOf(1234.5, 2), KTEXT("1234.50"));
+  EXPECT_EQ(WString::ValueOf(1234.5, 0), KTEXT("1234"));
+  EXPECT_EQ(String::ValueOf(static_cast<const void*>(nullptr)), "0000000000000000");
+  EXPECT_EQ(String::ValueOf(true), "true");
+  EXPECT_EQ(WString::ValueOf(false), KTEXT("false"));
+  EXPECT_EQ(WString::ValueOf(WChar{0x20AC}), KTEXT("\x20AC"));
   EXPECT_TRUE(String::ValueOf('\0').empty());
 }
 
@@ -221,14 +221,13 @@ TEST(SafeFormat, PutsArgumentsInTheirPlaces) {
       {KTEXT("{1{2}"), KTEXT("{2}")},   {KTEXT("}{ 2x}"), KTEXT("}b")},  {KTEXT(""), KTEXT("")},
   };
   for (const auto& row : kRows) {
-    EXPECT_EQ(kelp_safefmt(row.format, 2, a, b), WString(row.text))
-        << WString(row.format).ToUtf8().c_str();
+    EXPECT_EQ(kelp_safefmt(row.format, 2, a, b), row.text) << WString(row.format).ToUtf8().c_str();
     EXPECT_EQ(kelp::FillTemplate(row.format, {a, b}), row.text);
   }
   const std::vector<WString> many(101, KTEXT("{1}"));
   EXPECT_EQ(kelp::FillTemplate(KTEXT("{101}"), many), KTEXT("{1}"));
   EXPECT_TRUE(kelp_safefmt(KTEXT("text"), 101).empty());
-  EXPECT_EQ(kelp_safefmt(KTEXT("text"), 0), WString(KTEXT("text")));
+  EXPECT_EQ(kelp_safefmt(KTEXT("text"), 0), KTEXT("text"));
 }
 
 }  // namespace
