@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "CopyText.h"
+#include "kernel32/Drive.h"
 #include "kernel32/PathName.h"
 #include "kernel32/ProfileFile.h"
 #include "kernel32/ProfileText.h"
@@ -26,13 +27,32 @@ using winapi::FileStamp;
 using winapi::ProfileLineKind;
 
 // Names are looked up by their folded form.
-std::u16string NameKey(std::u16string_view name) {
-  const auto isPlain = [](char16_t unit) { return unit < 0x80; };
-  if (!std::all_of(name.begin(), name.end(), isPlain)) return FoldedName(name);
-  std::u16string folded(name);
-  for (char16_t& unit : folded) {
-    if (unit >= 'a' && unit <= 'z') unit -= 'a' - 'A';
+void AppendFolded(std::u16string& text, std::u16string_view name) {
+  const std::size_t begin = text.size();
+  text += name;
+  char16_t bits = 0;
+  for (auto unit = text.begin() + static_cast<std::ptrdiff_t>(begin); unit != text.end(); ++unit) {
+    bits |= *unit;
+    if (*unit >= 'a' && *unit <= 'z') *unit -= 'a' - 'A';
   }
+  if (bits < 0x80) return;
+  text.resize(begin);
+  text += FoldedName(name);
+}
+
+std::u16string NameKey(std::u16string_view name) {
+  std::u16string folded;
+  AppendFolded(folded, name);
+  return folded;
+}
+
+// No name of a file holds the end of a line, which so parts section and key.
+std::u16string ValueKey(std::u16string_view section, std::u16string_view key) {
+  std::u16string folded;
+  folded.reserve(section.size() + key.size() + 1);
+  AppendFolded(folded, section);
+  folded += u'\n';
+  AppendFolded(folded, key);
   return folded;
 }
 
@@ -41,18 +61,15 @@ class Profile {
  public:
   explicit Profile(std::u16string text) : m_text(std::move(text)) {
     std::u16string_view rest = m_text;
-    std::u16string prefix;
     bool counts = false;
     while (!rest.empty()) {
       const auto line = winapi::TakeProfileLine(rest);
       if (line.kind == ProfileLineKind::kSection) {
         m_names.push_back({line.name, m_keys.size()});
-        prefix = NameKey(line.name);
-        counts = m_sections.try_emplace(prefix, m_names.size() - 1).second;
-        prefix += u'\n';
+        counts = m_sections.try_emplace(NameKey(line.name), m_names.size() - 1).second;
       } else if (line.kind == ProfileLineKind::kKey && !m_names.empty()) {
         m_keys.push_back(line.name);
-        if (counts) m_values.try_emplace(prefix + NameKey(line.name), line.value);
+        if (counts) m_values.try_emplace(ValueKey(m_names.back().name, line.name), line.value);
       }
     }
   }
@@ -60,9 +77,8 @@ class Profile {
   Profile& operator=(const Profile&) = delete;
 
   const std::u16string_view* Find(std::u16string_view section, std::u16string_view key) const {
-    // No name of a file holds the end of a line.
     if (section.find(u'\n') != section.npos) return nullptr;
-    const auto found = m_values.find(NameKey(section) + u'\n' + NameKey(key));
+    const auto found = m_values.find(ValueKey(section, key));
     return found == m_values.end() ? nullptr : &found->second;
   }
   std::vector<std::u16string_view> Sections() const {
@@ -101,6 +117,12 @@ std::u16string WithFolder(std::u16string_view name) {
   return std::u16string(folder) + u'\\' + std::u16string(name);
 }
 
+// Whether a path means the same file whatever the program sets: one of the root drive does.
+bool IsFixed(std::u16string_view path) {
+  if (path.size() > 2 && (path[0] | 0x20) == 'c' && path[1] == ':') return IsSeparator(path[2]);
+  return !path.empty() && IsSeparator(path[0]) && (CurrentDrive() | 0x20) == 'c';
+}
+
 // The file behind a name; empty with the last error.
 std::string PosixPathOf(LPCWSTR file) {
   if (file == nullptr) {
@@ -121,11 +143,8 @@ class Cache {
     const auto kept = std::find_if(m_entries.begin(), m_entries.end(),
                                    [name](const Entry& entry) { return entry.name == name; });
     if (kept != m_entries.end()) {
-      // Only a path of the root drive means the same whatever the program has set meanwhile.
-      const bool fixed =
-          name.size() > 2 && (name[0] | 0x20) == 'c' && name[1] == ':' && IsSeparator(name[2]);
-      if ((fixed || PosixPathOf(file) == kept->path) &&
-          kept->stamp == winapi::StampOf(kept->path)) {
+      const bool samePath = IsFixed(name) || PosixPathOf(file) == kept->path;
+      if (samePath && kept->stamp == winapi::StampOf(kept->path)) {
         m_entries.splice(m_entries.begin(), m_entries, kept);
         return m_entries.front().profile;
       }
