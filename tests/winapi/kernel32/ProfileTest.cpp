@@ -102,6 +102,9 @@ TEST_F(Profile, CutsWhatDoesNotFit) {
   EXPECT_EQ(GetPrivateProfileStringW(WTEXT("s"), WTEXT("k"), nullptr, buffer, 0, m_path.c_str()),
             0u);
   EXPECT_EQ(buffer[0], 'v');
+  EXPECT_EQ(GetPrivateProfileStringW(WTEXT("s"), WTEXT("k"), nullptr, buffer, 1, m_path.c_str()),
+            0u);
+  EXPECT_EQ(buffer[0], 0);
 }
 
 TEST_F(Profile, ReadsNumbers) {
