@@ -95,6 +95,17 @@ TEST(XmlStreamWriter, EncodesText) {
             }));
 }
 
+TEST(XmlStreamWriter, TextEndsAtItsTerminator) {
+  WString cut(KTEXT("abxcd"));
+  cut.SetChar(2, 0);
+  EXPECT_EQ("<r a=\"ab\">ab</r>\n", Written([&](Writer& w) {
+              w.writeStartElement("r");
+              w.writeAttr("a", cut);
+              w.writeText(cut);
+              w.writeEndElement("r");
+            }));
+}
+
 TEST(XmlStreamWriter, BeginsWithTheMarkWhereWanted) {
   Stream stream;
   kelp::XmlWriter writer(stream, false, true);

@@ -97,6 +97,7 @@ class KELP0LANG_API XmlWriter {
  private:
   static constexpr std::size_t kBufferSize = 4096;
   void EnsureRoomForPiece();
+  void AppendUnits(const WChar* unit, const WChar* end);
   bool AppendReference(WChar unit);
 
   IStream* m_pStream;

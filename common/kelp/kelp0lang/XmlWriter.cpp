@@ -65,12 +65,13 @@ void XmlWriter::writeEndElement(const char* name) {
 void XmlWriter::writeAttr(const char* name, const WString& value) {
   if (m_bTagClosed) return;
   appendAnsi7f(' ').appendAnsi7f(name).appendAnsi7f("=\"");
-  append(value.c_str()).appendAnsi7f('"');
+  AppendUnits(value.c_str(), value.c_str() + value.Length());
+  appendAnsi7f('"');
 }
 
 void XmlWriter::writeText(const WString& text) {
   closeOpenElement();
-  append(text.c_str());
+  AppendUnits(text.c_str(), text.c_str() + text.Length());
   m_bTextWritten = true;
 }
 
@@ -143,8 +144,12 @@ bool XmlWriter::AppendReference(WChar unit) {
 }
 
 XmlWriter& XmlWriter::append(const WChar* text) {
-  const WChar* unit = text;
-  const WChar* const end = text + std::char_traits<WChar>::length(text);
+  AppendUnits(text, text + std::char_traits<WChar>::length(text));
+  return *this;
+}
+
+// Up to the end or a terminator, which isn't plain.
+void XmlWriter::AppendUnits(const WChar* unit, const WChar* end) {
   while (unit != end) {
     EnsureRoomForPiece();
     // As many plain units as can follow before room for a piece is lacking.
@@ -154,6 +159,7 @@ XmlWriter& XmlWriter::append(const WChar* text) {
     m_nUsed += plain;
     unit += plain;
     if (plain == count) continue;
+    if (*unit == 0) return;
     if (AppendReference(*unit)) {
       ++unit;
     } else {
@@ -162,7 +168,6 @@ XmlWriter& XmlWriter::append(const WChar* text) {
       m_nUsed = static_cast<std::size_t>(behind - m_Buffer);
     }
   }
-  return *this;
 }
 
 XmlWriter& XmlWriter::append(const char* text) {
