@@ -51,11 +51,12 @@ class CXmlDiffManager::CEditedLayout {
   // The children of an element, by tag and id.
   class CSiblings {
    public:
-    explicit CSiblings(CGenericXmlElement& parent) : m_parent(&parent) { Build(); }
+    explicit CSiblings(CGenericXmlElement& parent) : m_parent(&parent) {}
 
     // The place of the first child with a tag, and with an id unless that is empty; null where
     // there is none.
     const std::size_t* Find(const WString& tag, const WString& id) {
+      if (!m_isBuilt) Build();
       const auto found = m_places.find({tag, id});
       if (found == m_places.end()) return nullptr;
       return FirstPlace(found->second, [&](std::size_t place) {
@@ -67,7 +68,8 @@ class CXmlDiffManager::CEditedLayout {
 
     void Append(std::unique_ptr<CGenericXmlElement> child) {
       m_parent->m_Children.push_back(child.get());
-      Add(*child.release(), m_parent->m_Children.size() - 1);
+      const CGenericXmlElement& added = *child.release();
+      if (m_isBuilt) Add(added, m_parent->m_Children.size() - 1);
     }
     std::unique_ptr<CGenericXmlElement> TakeOut(std::size_t place) {
       m_hasGaps = true;
@@ -80,10 +82,11 @@ class CXmlDiffManager::CEditedLayout {
       const WString id = GetXmlElementId(child);
       if (!id.empty()) AddPlace(m_places[{child.m_sTag, id}], place);
     }
-    // Closes the gaps. The places are to be built anew where children have moved.
+    // Closes the gaps.
     void Settle() {
       if (!std::exchange(m_hasGaps, false)) return;
       std::erase(m_parent->m_Children, nullptr);
+      m_isBuilt = false;
     }
     void Sort(const std::vector<WString>& ids);
 
@@ -97,6 +100,7 @@ class CXmlDiffManager::CEditedLayout {
     };
 
     void Build() {
+      m_isBuilt = true;
       m_places.clear();
       for (std::size_t place = 0; place < m_parent->m_Children.size(); ++place) {
         Add(*At(place), place);
@@ -111,6 +115,7 @@ class CXmlDiffManager::CEditedLayout {
     CGenericXmlElement* m_parent;
     std::unordered_map<TKey, Places, HashKey> m_places;
     bool m_hasGaps = false;
+    bool m_isBuilt = false;  // the places, for the first search since children have moved
   };
 
   CGenericXmlElement& Root() { return m_root; }
@@ -150,26 +155,32 @@ void CXmlDiffManager::CEditedLayout::ChangedId(const TFound& found) {
 // there is none the place stays as it is.
 void CXmlDiffManager::CEditedLayout::CSiblings::Sort(const std::vector<WString>& ids) {
   Settle();
+  m_isBuilt = false;
   Children& children = m_parent->m_Children;
-  std::vector<WString> idsNow;
-  std::unordered_map<WString, Places> places;
+  // Each id as a number, by which the places of its children are kept.
+  std::unordered_map<WString, std::size_t> numbers;
+  std::vector<Places> places;
+  std::vector<std::size_t> numberAt;
   for (std::size_t place = 0; place < children.size(); ++place) {
-    idsNow.push_back(GetXmlElementId(*children[place]));
-    places[idsNow.back()].push_back(place);
+    const std::size_t number =
+        numbers.try_emplace(GetXmlElementId(*children[place]), places.size()).first->second;
+    if (number == places.size()) places.emplace_back();
+    places[number].push_back(place);
+    numberAt.push_back(number);
   }
   for (std::size_t place = 0; place < std::min(children.size(), ids.size()); ++place) {
-    const auto wanted = places.find(ids[place]);
-    if (wanted == places.end()) continue;
-    const std::size_t* const from = FirstPlace(wanted->second, [&](std::size_t candidate) {
-      return candidate >= place && idsNow[candidate] == ids[place];
+    const auto wanted = numbers.find(ids[place]);
+    if (wanted == numbers.end()) continue;
+    const std::size_t number = wanted->second;
+    const std::size_t* const from = FirstPlace(places[number], [&](std::size_t candidate) {
+      return candidate >= place && numberAt[candidate] == number;
     });
     if (from == nullptr || *from == place) continue;
     const std::size_t source = *from;
     std::swap(children[place], children[source]);
-    std::swap(idsNow[place], idsNow[source]);
-    AddPlace(places[idsNow[source]], source);
+    std::swap(numberAt[place], numberAt[source]);
+    AddPlace(places[numberAt[source]], source);
   }
-  Build();
 }
 
 namespace {
