@@ -181,17 +181,14 @@ TEST_F(ChangeTransactionTest, WhatEndsWhileItWaitsForOthersIsNotTouched) {
     Source& dependant = atBegin ? *waiting : d;
     Source& dependency = atBegin ? d : *waiting;
     dependant.AddDependsOn(&dependency);
-    // The transaction is another's, which outlives it.
-    Source opener(&m_log, "O", &m_manager);
-    if (atBegin) opener.AddDependsOn(waiting.get());
     listener.act = [&](const std::string& what) {
       if (what != when) return;
-      if (atBegin) opener.RemoveDependsOn(waiting.get());
       dependant.RemoveDependsOn(&dependency);
       waiting.reset();
     };
     TakeLog();
-    { const CSourceEventScope scope(atBegin ? &opener : &d); }
+    // At the beginning it is the source that has opened the transaction.
+    { const CSourceEventScope scope(atBegin ? waiting.get() : &d); }
     EXPECT_EQ(waiting, nullptr);
     const Log log = TakeLog();
     EXPECT_EQ(std::count(log.begin(), log.end(), "]W"), 0) << when;

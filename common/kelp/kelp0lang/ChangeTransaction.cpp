@@ -113,8 +113,8 @@ void CSourceEvent::BeginEvent() {
   if (m_manager != nullptr) m_manager->BeginEvent(this);
 }
 
-void CSourceEvent::EndEvent() {
-  if (m_manager != nullptr) m_manager->EndEvent();
+void CSourceEvent::EndEvent(CChangeTransactionManager* manager) {
+  manager->EndEvent();
 }
 
 void CSourceEvent::DoBeginEvent() {

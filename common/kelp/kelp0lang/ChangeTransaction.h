@@ -48,9 +48,9 @@ class KELP0LANG_API CSourceEvent : public IRefCounter {
  public:
   // A listener. It may register and unregister listeners, sources and dependencies, open and close
   // transactions, and end sources: any that isn't just telling a listener, this one or another up
-  // the stack, nor has opened a transaction that is still open, and that has left the dependencies
-  // of those that remain. A source that is beginning those on which it depends, or closing its
-  // dependants, goes no further then.
+  // the stack, and that has left the dependencies of those that remain. A source that is beginning
+  // those on which it depends, or closing its dependants, goes no further then; a transaction that
+  // it has opened is closed without it.
   //
   //   class View : public CSourceEvent::IEvent {
   //     void OnBeginEvent(CSourceEvent*) override { FreezeDrawing(); }
@@ -110,7 +110,8 @@ class KELP0LANG_API CSourceEvent : public IRefCounter {
   friend class CSourceEventScope;
 
   void BeginEvent();
-  void EndEvent();
+  // Of a source that may have ended.
+  static void EndEvent(CChangeTransactionManager* manager);
   void DoBeginEvent();
   void OnBeforeEnd();
   void OnEnd();
@@ -126,21 +127,23 @@ class KELP0LANG_API CSourceEvent : public IRefCounter {
   std::set<CSourceEvent*> m_dependencies;
 };
 
-// An open transaction for as long as it lives; with null it is none. An exception out of the
-// closing ends the process.
+// An open transaction for as long as it lives; with null, or a source without a manager, it is
+// none. It closes with the manager with which it was opened, also where the source has left that or
+// ended meanwhile. An exception out of the closing ends the process.
 class KELP0LANG_API CSourceEventScope {
  public:
-  explicit CSourceEventScope(CSourceEvent* source) : m_source(source) {
-    if (m_source != nullptr) m_source->BeginEvent();
+  explicit CSourceEventScope(CSourceEvent* source)
+      : m_manager(source != nullptr ? source->GetChangeTransactionManager() : nullptr) {
+    if (m_manager != nullptr) source->BeginEvent();
   }
   ~CSourceEventScope() {
-    if (m_source != nullptr) m_source->EndEvent();
+    if (m_manager != nullptr) CSourceEvent::EndEvent(m_manager);
   }
   CSourceEventScope(const CSourceEventScope&) = delete;
   CSourceEventScope& operator=(const CSourceEventScope&) = delete;
 
  private:
-  CSourceEvent* m_source;
+  CChangeTransactionManager* m_manager;
 };
 
 // Counts the open levels, closes the outermost and keeps the last 20 steps to undo. It outlives its
