@@ -281,6 +281,10 @@ TEST_F(CurrentSettings, ReportsFollowTheCurrentSettings) {
 
 // For the thread sanitizer; a field never reads as anything but what was set.
 TEST_F(CurrentSettings, OneThreadSetsWhileOthersRead) {
+  CMeasUnitSystem metric(Current());
+  CMeasUnitSystem other(Current());
+  other.SetNumDistDec(5);
+  other.SetNumAreaDec(6);
   std::atomic<bool> stop{false};
   std::thread reader([&stop] {
     while (!stop) {
@@ -290,10 +294,6 @@ TEST_F(CurrentSettings, OneThreadSetsWhileOthersRead) {
       EXPECT_TRUE(copy.GetNumAreaDec() == 2 || copy.GetNumAreaDec() == 6);
     }
   });
-  CMeasUnitSystem metric(Current());
-  CMeasUnitSystem other(Current());
-  other.SetNumDistDec(5);
-  other.SetNumAreaDec(6);
   for (int round = 0; round < 2000; ++round) {
     CCurrMeasUnitInfo::GetInstance()->CopyFrom(round % 2 == 0 ? other : metric);
   }

@@ -123,14 +123,6 @@ TValueCheck CheckKind(const WString& text, const AngleKind& kind, const CMeasUni
 
 }  // namespace
 
-WString TValueCheck::Reason() const {
-  if (IsValue()) return WString();
-  WString reason = kelp::Xlate(source);
-  reason.ReplaceInPlace(KTEXT("{2}"), second.c_str());
-  reason.ReplaceInPlace(KTEXT("{1}"), first.c_str());
-  return reason;
-}
-
 TValueCheck CheckNumber(const WString& text) {
   return CheckPlain(text, {});
 }

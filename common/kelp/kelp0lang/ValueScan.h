@@ -6,9 +6,10 @@
 
 #include <string_view>
 
+#include "kelp0lang/MeasUnit.h"
 #include "kelp0lang/String.h"
 #include "kelp0lang/Translate.h"
-#include "kelp0lang/ValueCheck.h"
+#include "kelp0lang/ValueCheckResult.h"
 
 namespace kelp::detail {
 

@@ -48,6 +48,7 @@
 #include "kelp0lang/TranslateWindow.h"
 #include "kelp0lang/UtcTime.h"
 #include "kelp0lang/ValueCheck.h"
+#include "kelp0lang/ValueCheckResult.h"
 #include "kelp0lang/ValueConverter.h"
 #include "kelp0lang/XmlDiffManager.h"
 #include "kelp0lang/XmlGeneric.h"
