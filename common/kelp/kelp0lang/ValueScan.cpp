@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "kelptext/DecimalText.h"
+#include "kelptext/Digits.h"
 
 namespace kelp::detail {
 namespace {
@@ -30,10 +31,6 @@ constexpr FractionSign kFractionSigns[] = {
 
 bool Contains(WideView units, WChar unit) {
   return unit != 0 && units.find(unit) != WideView::npos;
-}
-
-bool IsDigit(WChar unit) {
-  return unit >= KTEXT('0') && unit <= KTEXT('9');
 }
 
 WChar Lower(WChar unit) {
@@ -127,7 +124,7 @@ double ValueScan::Read(const WChar* begin, const WChar* end) const {
 bool ValueScan::TakeNumber(Amount& amount, bool allowExponent) {
   const auto digits = [this] {
     const WChar* const begin = m_at;
-    m_at = std::find_if_not(m_at, m_end, IsDigit);
+    m_at = std::find_if_not(m_at, m_end, IsDigit<WChar>);
     return WideView(begin, static_cast<std::size_t>(m_at - begin));
   };
   const WChar* const begin = m_at;
@@ -150,7 +147,7 @@ bool ValueScan::TakeNumber(Amount& amount, bool allowExponent) {
 
 bool ValueScan::IsFractionAhead() const {
   if (FindFraction(Ahead()) != nullptr) return true;
-  const WChar* const slash = std::find_if_not(m_at, m_end, IsDigit);
+  const WChar* const slash = std::find_if_not(m_at, m_end, IsDigit<WChar>);
   return slash != m_at && slash != m_end && IsSlash(*slash);
 }
 
@@ -162,9 +159,9 @@ bool ValueScan::TakeFraction(double& value) {
     return true;
   }
   const WChar* const begin = m_at;
-  const WChar* const slash = std::find_if_not(m_at, m_end, IsDigit);
+  const WChar* const slash = std::find_if_not(m_at, m_end, IsDigit<WChar>);
   if (slash == begin || slash == m_end || !IsSlash(*slash)) return Fail(kNumberFault);
-  m_at = std::find_if_not(slash + 1, m_end, IsDigit);
+  m_at = std::find_if_not(slash + 1, m_end, IsDigit<WChar>);
   if (m_at == slash + 1) return Fail(kNumberFault);
   const double denominator = Read(slash + 1, m_at);
   if (denominator == 0) return Fail(kDenominatorFault, slash + 1);

@@ -12,8 +12,8 @@ constexpr char32_t NextOfUtf16(const char16_t*& unit, const char16_t* end) {
   return 0x10000 + ((first - 0xD800) << 10) + (*unit++ - 0xDC00);
 }
 
-// Writes a character's units; gives how many there are, 1 or 2.
-constexpr int ToUtf16(char32_t character, char16_t (&units)[2]) {
+// Writes a character's units where there is room for them; gives how many there are, 1 or 2.
+constexpr int ToUtf16(char32_t character, char16_t* units) {
   if (character < 0x10000) {
     units[0] = static_cast<char16_t>(character);
     return 1;

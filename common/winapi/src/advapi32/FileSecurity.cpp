@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 
+#include "Fail.h"
 #include "kernel32/PathName.h"
 
 namespace {
@@ -17,11 +18,6 @@ struct Descriptor {
 };
 
 constexpr mode_t kRights = 07777;
-
-BOOL Fail(DWORD error) {
-  SetLastError(error);
-  return FALSE;
-}
 
 }  // namespace
 

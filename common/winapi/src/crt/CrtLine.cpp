@@ -11,6 +11,7 @@
 #include <cstring>
 #include <cwchar>
 
+#include "Utf16.h"
 #include "crt/Multibyte.h"
 #include "crt/OpenStreams.h"
 #include "crt/TextStream.h"
@@ -136,7 +137,7 @@ LineEnd ReadMultibyte(ByteSource& source, char16_t* buffer, int room, int& lengt
       source.PutBack(bytes, count);
       return length > 0 ? LineEnd::kGood : LineEnd::kNoCharacter;
     }
-    length += PutUtf16(character, buffer + length);
+    length += ToUtf16(static_cast<char32_t>(character), buffer + length);
     if (character == '\n') break;
   }
   return LineEnd::kGood;

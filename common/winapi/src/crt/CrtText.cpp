@@ -11,6 +11,7 @@
 #include <cwctype>
 #include <string>
 
+#include "Utf16.h"
 #include "crt/Multibyte.h"
 
 namespace {
@@ -168,7 +169,7 @@ std::size_t mbstowcs(char16_t* target, const char* source, std::size_t size) {
     }
     source += taken;
     char16_t units[2];
-    const auto count = static_cast<std::size_t>(PutUtf16(character, units));
+    const auto count = static_cast<std::size_t>(ToUtf16(static_cast<char32_t>(character), units));
     if (target != nullptr) {
       if (written + count > size) return written;
       std::copy_n(units, count, target + written);

@@ -27,13 +27,3 @@ int PutCharacter(std::wint_t character, char* bytes, bool cLocale) {
   const std::size_t size = std::wcrtomb(bytes, static_cast<wchar_t>(character), &state);
   return size == static_cast<std::size_t>(-1) ? -1 : static_cast<int>(size);
 }
-
-int PutUtf16(wchar_t character, char16_t* units) {
-  if (character < 0x10000) {
-    *units = static_cast<char16_t>(character);
-    return 1;
-  }
-  units[0] = static_cast<char16_t>(0xD7C0 + (character >> 10));
-  units[1] = static_cast<char16_t>(0xDC00 + (character & 0x3FF));
-  return 2;
-}

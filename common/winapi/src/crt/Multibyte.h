@@ -11,6 +11,3 @@ std::wint_t NextCharacter(const char16_t*& text);
 
 // One character as bytes of the locale, at most MB_LEN_MAX; -1 where it has none, and for WEOF.
 int PutCharacter(std::wint_t character, char* bytes, bool cLocale);
-
-// One character as UTF-16; gives the number of units, 1 or 2.
-int PutUtf16(wchar_t character, char16_t* units);

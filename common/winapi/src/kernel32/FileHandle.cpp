@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "Fail.h"
 #include "kernel32/FileInfo.h"
 #include "kernel32/KernelObject.h"
 #include "kernel32/PathName.h"
@@ -40,11 +41,6 @@ class File : public KernelObject {
   const bool writes;
 };
 
-HANDLE Fail(DWORD error) {
-  SetLastError(error);
-  return INVALID_HANDLE_VALUE;
-}
-
 int AccessFlags(DWORD access) {
   const bool reads = (access & GENERIC_READ) != 0;
   if ((access & GENERIC_WRITE) != 0) return reads ? O_RDWR : O_WRONLY;
@@ -70,19 +66,21 @@ HANDLE WINAPI CreateFileW(LPCWSTR path, DWORD access, DWORD, LPSECURITY_ATTRIBUT
   const bool known = disposition >= CREATE_NEW && disposition <= TRUNCATE_EXISTING &&
                      (flags & ~kKnownFlags) == 0 && (access & ~kReadWrite) == 0;
   const bool writes = (access & GENERIC_WRITE) != 0;
-  if (!known || (disposition == TRUNCATE_EXISTING && !writes)) return Fail(ERROR_INVALID_PARAMETER);
+  if (!known || (disposition == TRUNCATE_EXISTING && !writes))
+    return Fail(ERROR_INVALID_PARAMETER, INVALID_HANDLE_VALUE);
   const std::string posix = ToPosixPath(path);
   if (posix.empty()) return INVALID_HANDLE_VALUE;
 
   FileInfo info{};
   const bool exists = ReadFileInfo(posix, info);
-  if (exists && disposition == CREATE_NEW) return Fail(ERROR_FILE_EXISTS);
+  if (exists && disposition == CREATE_NEW) return Fail(ERROR_FILE_EXISTS, INVALID_HANDLE_VALUE);
   const bool isFolder = (info.attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-  if (isFolder && (flags & FILE_FLAG_BACKUP_SEMANTICS) == 0) return Fail(ERROR_ACCESS_DENIED);
+  if (isFolder && (flags & FILE_FLAG_BACKUP_SEMANTICS) == 0)
+    return Fail(ERROR_ACCESS_DENIED, INVALID_HANDLE_VALUE);
   // The user who may do everything is kept off too.
   const bool changes = writes || disposition == CREATE_ALWAYS;
   if (exists && changes && (info.attributes & FILE_ATTRIBUTE_READONLY) != 0 && !isFolder) {
-    return Fail(ERROR_ACCESS_DENIED);
+    return Fail(ERROR_ACCESS_DENIED, INVALID_HANDLE_VALUE);
   }
 
   // What asks only about a file neither makes nor empties it.
@@ -92,7 +90,7 @@ HANDLE WINAPI CreateFileW(LPCWSTR path, DWORD access, DWORD, LPSECURITY_ATTRIBUT
   const int descriptor = open(posix.c_str(), how | kOpenFlags[disposition] | O_CLOEXEC, mode);
   if (descriptor < 0) {
     const int error = errno;
-    if (error == EEXIST) return Fail(ERROR_FILE_EXISTS);
+    if (error == EEXIST) return Fail(ERROR_FILE_EXISTS, INVALID_HANDLE_VALUE);
     SetFileError(error, posix);
     return INVALID_HANDLE_VALUE;
   }

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "CopyText.h"
+#include "Fail.h"
 #include "kernel32/Drive.h"
 #include "kernel32/PathName.h"
 #include "kernel32/ProfileFile.h"
@@ -222,11 +223,6 @@ DWORD GiveNames(const std::vector<std::u16string_view>& names, LPWSTR buffer, DW
 
 std::u16string_view TrimmedArgument(LPCWSTR text) {
   return winapi::WithoutBlanks(std::u16string_view(text));
-}
-
-BOOL Fail(DWORD error) {
-  SetLastError(error);
-  return FALSE;
 }
 
 BOOL Write(LPCWSTR file, std::u16string_view section, LPCWSTR key, LPCWSTR value) {
