@@ -19,14 +19,10 @@ void EndLine(std::string& line) {
   line += '\n';
 }
 
-bool IsBlankByte(char byte) {
-  return byte == ' ' || byte == '\t' || byte == '\r';
-}
-
 bool NeedsQuotes(std::string_view field, bool isFirst) {
   if (field.empty()) return false;
   if (isFirst && field.front() == '#') return true;  // a line with it would be a comment
-  return IsBlankByte(field.front()) || IsBlankByte(field.back()) ||
+  return IsBlank(field.front()) || IsBlank(field.back()) ||
          field.find_first_of(",;\"\t\r\n") != field.npos;
 }
 

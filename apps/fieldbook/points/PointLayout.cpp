@@ -174,7 +174,7 @@ WString Joined(const std::vector<WString>& texts) {
 
 bool HoldsDigit(const WString& text) {
   const WideView view = ViewOf(text);
-  return std::any_of(view.begin(), view.end(), IsDigit);
+  return std::any_of(view.begin(), view.end(), IsDigit<WChar>);
 }
 
 // The columns that the words tell. Throws LayoutFailure where two heads are of one column.

@@ -13,10 +13,6 @@ namespace {
 
 constexpr char kSeparators[] = {'\t', ';', ',', ' '};
 
-bool IsDigitByte(char byte) {
-  return byte >= '0' && byte <= '9';
-}
-
 bool IsRow(std::string_view line) {
   const std::string_view trimmed = TrimmedBytes(line);
   return !trimmed.empty() && trimmed.front() != '#';
@@ -47,7 +43,7 @@ std::vector<WString> Decoded(const std::vector<std::string_view>& fields) {
 // A plain decimal number, as nearly all are; nothing where a closer look is needed.
 std::optional<double> PlainNumber(std::string_view text) {
   if (!text.empty() && text.front() == '+') text.remove_prefix(1);
-  if (text.empty() || !(IsDigitByte(text.back()) || text.back() == '.')) return std::nullopt;
+  if (text.empty() || !(IsDigit(text.back()) || text.back() == '.')) return std::nullopt;
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
@@ -56,7 +52,7 @@ std::optional<double> PlainNumber(std::string_view text) {
 
 bool IsWhole(std::string_view text) {
   if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
-  return !text.empty() && std::all_of(text.begin(), text.end(), IsDigitByte);
+  return !text.empty() && std::all_of(text.begin(), text.end(), IsDigit<char>);
 }
 
 // Whether the fields behind the first look like numbers that decimal commas have cut: at least two
@@ -68,7 +64,7 @@ bool LooksCutByCommas(std::string_view row) {
   while (whole + 1 < fields.size() && IsWhole(fields[whole + 1])) ++whole;
   if (whole < 4) return false;
   for (std::size_t i = 2; i <= whole; i += 2) {
-    if (!IsDigitByte(fields[i].front())) return false;
+    if (!IsDigit(fields[i].front())) return false;
   }
   return true;
 }
@@ -259,7 +255,7 @@ Message PointScan::ReadFields() {
   for (const Column column : m_layout.columns) {
     if (Message fault = ReadCoordinate(column)) return fault;
   }
-  const bool endsInDigits = !m_row.description.empty() && IsDigitByte(m_row.description.front());
+  const bool endsInDigits = !m_row.description.empty() && IsDigit(m_row.description.front());
   if (endsInDigits && m_layout.separator == ',' && LooksCutByCommas(m_line)) {
     return {KTEXT("the numbers seem to have decimal commas, and commas separate the fields"), {}};
   }

@@ -1,20 +1,20 @@
 #include "fieldbook/points/RowSplitter.h"
 
+#include <utility>
+
+#include "fieldbook/values/Text.h"
+
 namespace fieldbook {
 namespace {
 
 constexpr char kQuote = '"';
 constexpr char kBlanks = ' ';
 
-bool IsBlankByte(char byte) {
-  return byte == ' ' || byte == '\t' || byte == '\r';
-}
-
 }  // namespace
 
 std::string_view TrimmedBytes(std::string_view bytes) {
-  while (!bytes.empty() && IsBlankByte(bytes.front())) bytes.remove_prefix(1);
-  while (!bytes.empty() && IsBlankByte(bytes.back())) bytes.remove_suffix(1);
+  while (!bytes.empty() && IsBlank(bytes.front())) bytes.remove_prefix(1);
+  while (!bytes.empty() && IsBlank(bytes.back())) bytes.remove_suffix(1);
   return bytes;
 }
 
@@ -35,7 +35,7 @@ const std::vector<std::string_view>& RowSplitter::Split(std::string_view row) {
 }
 
 bool RowSplitter::IsSeparator(char byte) const {
-  return m_separator == kBlanks ? IsBlankByte(byte) : byte == m_separator;
+  return m_separator == kBlanks ? IsBlank(byte) : byte == m_separator;
 }
 
 bool RowSplitter::TakeSeparator() {
@@ -46,7 +46,7 @@ bool RowSplitter::TakeSeparator() {
 }
 
 void RowSplitter::SkipBlanks() {
-  while (!m_rest.empty() && IsBlankByte(m_rest.front()) && m_rest.front() != m_separator) {
+  while (!m_rest.empty() && IsBlank(m_rest.front()) && m_rest.front() != m_separator) {
     m_rest.remove_prefix(1);
   }
 }
@@ -70,7 +70,7 @@ bool RowSplitter::TakeQuoted(std::string_view& field) {
     text += kQuote;
     rest.remove_prefix(1);
   }
-  while (!rest.empty() && IsBlankByte(rest.front()) && !IsSeparator(rest.front())) {
+  while (!rest.empty() && IsBlank(rest.front()) && !IsSeparator(rest.front())) {
     rest.remove_prefix(1);
   }
   if (!rest.empty() && !IsSeparator(rest.front())) return false;
@@ -95,7 +95,7 @@ std::string_view RowSplitter::TakeRest() {
   m_rest = TrimmedBytes(m_rest);
   std::string_view quoted;
   const bool isQuoted = TakeQuoted(quoted);
-  while (!m_rest.empty() && (IsSeparator(m_rest.back()) || IsBlankByte(m_rest.back()))) {
+  while (!m_rest.empty() && (IsSeparator(m_rest.back()) || IsBlank(m_rest.back()))) {
     m_rest.remove_suffix(1);
   }
   if (!isQuoted) return m_rest;

@@ -2,12 +2,10 @@
 
 #include <algorithm>
 
+#include "fieldbook/values/Text.h"
+
 namespace fieldbook {
 namespace {
-
-bool IsDigitByte(char byte) {
-  return byte >= '0' && byte <= '9';
-}
 
 unsigned char Folded(char byte) {
   return static_cast<unsigned char>(byte >= 'A' && byte <= 'Z' ? byte + 0x20 : byte);
@@ -15,7 +13,7 @@ unsigned char Folded(char byte) {
 
 // Takes a run of digits, without the zeros in front.
 std::string_view TakeNumber(std::string_view& rest) {
-  const auto end = std::find_if_not(rest.begin(), rest.end(), IsDigitByte);
+  const auto end = std::find_if_not(rest.begin(), rest.end(), IsDigit<char>);
   std::string_view digits = rest.substr(0, static_cast<std::size_t>(end - rest.begin()));
   rest.remove_prefix(digits.size());
   digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
@@ -25,7 +23,7 @@ std::string_view TakeNumber(std::string_view& rest) {
 // Negative, 0 or positive.
 int CompareNaturally(std::string_view a, std::string_view b) {
   while (!a.empty() && !b.empty()) {
-    if (IsDigitByte(a.front()) && IsDigitByte(b.front())) {
+    if (IsDigit(a.front()) && IsDigit(b.front())) {
       const std::string_view x = TakeNumber(a);
       const std::string_view y = TakeNumber(b);
       if (x.size() != y.size()) return x.size() < y.size() ? -1 : 1;

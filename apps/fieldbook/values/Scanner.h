@@ -39,7 +39,7 @@ class Scanner {
     return false;
   }
   WideView TakeDigits() {
-    const auto end = std::find_if_not(m_rest.begin(), m_rest.end(), IsDigit);
+    const auto end = std::find_if_not(m_rest.begin(), m_rest.end(), IsDigit<WChar>);
     const WideView digits = m_rest.substr(0, static_cast<std::size_t>(end - m_rest.begin()));
     m_rest.remove_prefix(digits.size());
     return digits;

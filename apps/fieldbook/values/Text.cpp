@@ -178,14 +178,6 @@ int DisplayColumns(const WString& text) {
   return columns;
 }
 
-bool IsBlank(WChar unit) {
-  return unit == KTEXT(' ') || unit == KTEXT('\t') || unit == KTEXT('\r');
-}
-
-bool IsDigit(WChar unit) {
-  return unit >= KTEXT('0') && unit <= KTEXT('9');
-}
-
 WideView Trimmed(WideView text) {
   while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
   while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);

@@ -59,8 +59,15 @@ WString Quoted(const WString& text);
 // Columns that a text takes on a terminal: combining characters take none, wide ones two.
 int DisplayColumns(const WString& text);
 
-bool IsBlank(WChar unit);
-bool IsDigit(WChar unit);
+// Of text of either width.
+template <class C>
+constexpr bool IsBlank(C unit) {
+  return unit == ' ' || unit == '\t' || unit == '\r';
+}
+template <class C>
+constexpr bool IsDigit(C unit) {
+  return unit >= '0' && unit <= '9';
+}
 WideView Trimmed(WideView text);
 
 }  // namespace fieldbook
