@@ -1,35 +1,38 @@
 #!/usr/bin/env bash
-# The texts of fieldbook for its translators, who work on apps/fieldbook/data/LANGUAGE.po.
+# The texts of the programs for their translators, who work on apps/PROGRAM/data/LANGUAGE.po.
 #   scripts/translations.sh              brings every language up to the texts of the sources
 #   scripts/translations.sh de           begins a language
 #   scripts/translations.sh --check it   says which texts a language doesn't have, and which of its
 #                                        own no source has; nothing is changed
 #
-# In fieldbook every text of KTEXT is for translators, but for those of not-translated.po. In the
-# library it is those of KXLATE.
+# In the programs every text of KTEXT is for translators, but for those of not-translated.po; what
+# stands in apps/console belongs to each of them. In the library it is those of KXLATE.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/setup.sh
 
-data=apps/fieldbook/data
+programs=(fieldbook)
 template=$(mktemp --suffix=.pot)
 trap 'rm -f "$template"' EXIT
 
-# collect KEYWORD FOLDER [OPTIONS...]: adds the texts of a folder to the template. What is said is
+# collect PROGRAM KEYWORD FOLDER [OPTIONS...]: adds the texts of a folder to the template. What is said is
 # shown where it fails; otherwise it warns of texts that aren't for translators.
 collect() {
-  local keyword=$1 folder=$2 said
-  shift 2
+  local program=$1 keyword=$2 folder=$3 said
+  shift 3
   said=$(find "$folder" -name '*.cpp' -o -name '*.h' | sort |
     xgettext --files-from=- --output="$template" --language=C++ --from-code=UTF-8 \
-      --keyword --keyword="$keyword" --no-location --no-wrap --package-name=fieldbook \
+      --keyword --keyword="$keyword" --no-location --no-wrap --package-name="$program" \
       "$@" 2>&1) || die "$said"
 }
 
+# make_template PROGRAM
 make_template() {
-  collect KTEXT apps/fieldbook --exclude-file="$data/../not-translated.po"
+  collect "$1" KTEXT apps/console --exclude-file=apps/console/not-translated.po
+  collect "$1" KTEXT "apps/$1" --exclude-file=apps/console/not-translated.po \
+    --exclude-file="apps/$1/not-translated.po" --join-existing
   sed -i -e 's/charset=CHARSET/charset=UTF-8/' "$template"
-  collect KXLATE common/kelp/kelp0lang --join-existing
+  collect "$1" KXLATE common/kelp/kelp0lang --join-existing
 }
 
 # The source texts of a catalogue that are translated, or all those of a template, one a line.
@@ -52,18 +55,22 @@ CONTRIBUTING.md says what to do"
 }
 
 command -v xgettext >/dev/null || need_packages gettext
-make_template
-case ${1-} in
-  --check)
-    check "$data/${2-it}.po"
-    ;;
-  '')
-    for catalogue in "$data"/*.po; do
-      msgmerge --quiet --update --backup=none --no-wrap "$catalogue" "$template"
-    done
-    ;;
-  *)
-    [ ! -e "$data/$1.po" ] || die "$data/$1.po is there already"
-    msginit --no-translator --no-wrap --locale="$1" --input="$template" --output="$data/$1.po"
-    ;;
-esac
+for program in "${programs[@]}"; do
+  data=apps/$program/data
+  rm -f "$template"
+  make_template "$program"
+  case ${1-} in
+    --check)
+      check "$data/${2-it}.po"
+      ;;
+    '')
+      for catalogue in "$data"/*.po; do
+        msgmerge --quiet --update --backup=none --no-wrap "$catalogue" "$template"
+      done
+      ;;
+    *)
+      [ ! -e "$data/$1.po" ] || die "$data/$1.po is there already"
+      msginit --no-translator --no-wrap --locale="$1" --input="$template" --output="$data/$1.po"
+      ;;
+  esac
+done

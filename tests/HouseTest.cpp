@@ -32,6 +32,7 @@ const std::string kFolders[] = {
     "common/winapi/src/oleaut32",
     "common/sarnutils",
     "common/kelp/kelp0lang",
+    "apps/console",
     "apps/fieldbook/values",
     "apps/fieldbook/console",
     "apps/fieldbook/points",

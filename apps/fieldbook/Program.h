@@ -3,11 +3,12 @@
 
 #include <vector>
 
-#include "fieldbook/console/Console.h"
+#include "console/Console.h"
+#include "fieldbook/values/Text.h"
 
 namespace fieldbook {
 
-// Runs one command line and gives the exit status, see Status. Nothing is thrown.
+// Runs one command line and gives the exit status, see console::Status. Nothing is thrown.
 int Run(const std::vector<Argument>& arguments, Console& console);
 
 }  // namespace fieldbook

@@ -1,6 +1,6 @@
 #include "fieldbook/Program.h"
 
 int main(int argc, char** argv) {
-  fieldbook::Console console;
-  return fieldbook::Run(fieldbook::Console::Arguments(argc, argv), console);
+  console::Console console(KTEXT("fieldbook"));
+  return fieldbook::Run(console::Console::Arguments(argc, argv), console);
 }

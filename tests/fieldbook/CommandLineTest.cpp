@@ -1,10 +1,10 @@
-#include "fieldbook/console/CommandLine.h"
+#include "console/CommandLine.h"
 
 #include "tests/TestText.h"
 
-using fieldbook::Argument;
-using fieldbook::CommandLine;
-using fieldbook::Option;
+using console::Argument;
+using console::CommandLine;
+using console::Option;
 using kelp::WString;
 
 namespace {

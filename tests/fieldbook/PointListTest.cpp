@@ -4,7 +4,7 @@
 #include <random>
 #include <utility>
 
-#include "fieldbook/console/Console.h"
+#include "console/Console.h"
 #include "fieldbook/console/Words.h"
 #include "tests/TestText.h"
 

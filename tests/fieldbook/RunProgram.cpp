@@ -1,45 +1,32 @@
 #include "RunProgram.h"
 
-#include <fstream>
-#include <iterator>
+namespace {
 
-#include "RunProcess.h"
-
-namespace fs = std::filesystem;
-
-std::string DataFolder::Write(const std::string& name, const std::string& bytes) const {
-  TempFolder::Write(FromUtf8(name), bytes);
-  const std::u8string text = (Path() / FromUtf8(name)).u8string();
-  return {text.begin(), text.end()};
-}
-
-std::string DataFolder::Read(const std::string& name) const {
-  return TempFolder::Read(FromUtf8(name));
-}
-
-ProgramResult RunFieldbook(const std::vector<std::string>& arguments, const std::string& input,
-                           const fs::path& output) {
-  const DataFolder folder;
-  const fs::path out = output.empty() ? folder.PathOf("out") : output;
-  const fs::path err = folder.PathOf("err");
-  folder.Write("in", input);
-  const int status =
-      RunProcess(WithDefaultSettings(arguments, folder), folder.PathOf("in"), out, err);
-  return {status, output.empty() ? ReadFile(out) : std::string(), ReadFile(err)};
-}
-
-fs::path FromUtf8(const std::string& text) {
-  return fs::path(std::u8string(text.begin(), text.end()));
-}
-
-std::string ReadFile(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
+// The arguments behind --data and a folder that isn't there; an option that comes twice counts the
+// last time.
 std::vector<std::string> WithDefaultSettings(const std::vector<std::string>& arguments,
                                              const DataFolder& folder) {
   std::vector<std::string> all = {"--data", folder.PathOf("settings").string()};
   all.insert(all.end(), arguments.begin(), arguments.end());
   return all;
+}
+
+}  // namespace
+
+ProgramResult RunFieldbook(const std::vector<std::string>& arguments, const std::string& input,
+                           const std::filesystem::path& output) {
+  const DataFolder folder;
+  return RunProgram("fieldbook", WithDefaultSettings(arguments, folder), input, output);
+}
+
+#ifndef _WIN32
+ProgramResult RunFieldbookOnTerminal(const std::vector<std::string>& arguments) {
+  const DataFolder folder;
+  return RunOnTerminal("fieldbook", WithDefaultSettings(arguments, folder));
+}
+#endif
+
+ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
+                                 const std::string& input) {
+  return Interrupt("fieldbook", arguments, input);
 }

@@ -1,40 +1,15 @@
-// Runs the built fieldbook as a user does: arguments, standard input, and what it prints.
+// Runs the built fieldbook as a user does.
 #pragma once
 
-#include <filesystem>
-#include <string>
-#include <vector>
+#include "tests/console/RunProcess.h"
 
-#include "tests/TempFolder.h"
-
-// A folder of its own, with the names and paths of its files in UTF-8.
-class DataFolder : public TempFolder {
- public:
-  std::filesystem::path PathOf(const std::string& name) const { return Path() / name; }
-  // Writes a file and gives its path.
-  std::string Write(const std::string& name, const std::string& bytes) const;
-  std::string Read(const std::string& name) const;
-};
-
-struct ProgramResult {
-  int status;
-  std::string out;
-  std::string err;
-};
-
-// Arguments are UTF-8. The settings are the defaults, unless --data is among them. An output path
-// takes standard output in place of the result's text.
+// As RunProgram does. The settings are the defaults, unless --data is among the arguments.
 ProgramResult RunFieldbook(const std::vector<std::string>& arguments, const std::string& input = "",
                            const std::filesystem::path& output = {});
-
 #ifndef _WIN32
-// With standard error on a terminal; its text is as the terminal gets it.
 ProgramResult RunFieldbookOnTerminal(const std::vector<std::string>& arguments);
 #endif
 
-// False where the tests themselves print on a console of Windows, which they would leave.
-bool CanPressCtrlC();
-// Presses Ctrl-C once something stands on standard error. Standard input gives this text, again and
-// again where the program doesn't hear of the key at once.
+// As Interrupt does.
 ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
                                  const std::string& input);

@@ -81,10 +81,6 @@ void ComplainOfRows(const FaultList& faults, const Argument& file, Console& cons
   }
 }
 
-void ComplainOfFailure(const WString& what, Console& console) {
-  console.Complain(WString(KTEXT("fieldbook: ")).Concat(what));
-}
-
 WString WithUnit(const WChar* head, const LengthUnit& unit) {
   return Message{KTEXT("{1} ({2})"), {kelp::Xlate(head), kelp::Xlate(unit.symbol)}}.Text();
 }

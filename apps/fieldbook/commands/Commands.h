@@ -1,29 +1,12 @@
 // The commands, and what they have in common.
 #pragma once
 
-#include "fieldbook/console/Console.h"
+#include "console/Program.h"
 #include "fieldbook/points/PointFile.h"
 #include "fieldbook/values/Length.h"
 #include "kelp0lang/MeasUnitSystem.h"
 
 namespace fieldbook {
-
-enum Status {
-  kDone = 0,
-  kFailed = 1,  // nothing, or not all, could be done; one line on standard error says why
-  kPartly = 2,  // some rows or values couldn't be read; each has a line on standard error
-};
-
-struct Command {
-  const WChar* name;
-  Status (*run)(const CommandLine& line, Console& console);
-  const WChar* help;  // a source text
-  unsigned options;   // those that it takes, one bit each
-};
-
-constexpr unsigned Bit(Option option) {
-  return 1U << static_cast<int>(option);
-}
 
 // Every command throws Failure when it can't go on.
 Status ShowCommand(const CommandLine& line, Console& console);
@@ -48,16 +31,6 @@ extern const WChar* const kEditHelp;
 
 // "--to: "yd" isn't one of m, ft, ...".
 [[noreturn]] void FailOnChoice(const WChar* name, const WString& given, const WString& choices);
-
-template <class Entry, std::size_t N>
-WString NamesOf(const Entry (&entries)[N]) {
-  WString names;
-  for (const Entry& entry : entries) {
-    if (!names.empty()) names += KTEXT(", ");
-    names += entry.name;
-  }
-  return names;
-}
 
 // The entry of a table whose name an option gives; null where the option isn't given.
 template <class Entry, std::size_t N>
@@ -105,8 +78,6 @@ LengthStyle ChooseDistanceStyle(const CMeasUnitSystem& settings, const CommandLi
 
 // Complains of the rows that can't be read.
 void ComplainOfRows(const FaultList& faults, const Argument& file, Console& console);
-// Complains of what ends the program, or of what one of several files can't be read for.
-void ComplainOfFailure(const WString& what, Console& console);
 
 // A head with its unit: "Northing (m)".
 WString WithUnit(const WChar* head, const LengthUnit& unit);

@@ -4,7 +4,8 @@
 
 #include <vector>
 
-#include "fieldbook/console/Console.h"
+#include "console/Console.h"
+#include "fieldbook/values/Text.h"
 #include "kelp0lang/MeasUnitSystem.h"
 
 namespace fieldbook {

@@ -14,7 +14,8 @@
 
 #include <chrono>
 
-#include "fieldbook/console/Console.h"
+#include "console/Console.h"
+#include "fieldbook/values/Text.h"
 #include "kelp0lang/ProcessProgress.h"
 
 namespace fieldbook {

@@ -1,6 +1,6 @@
 #include "fieldbook/console/Words.h"
 
-#include "fieldbook/console/Console.h"
+#include "console/Console.h"
 #include "fieldbook/values/Scanner.h"
 
 namespace fieldbook {

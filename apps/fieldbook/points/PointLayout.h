@@ -9,8 +9,9 @@
 #include <string_view>
 #include <vector>
 
-#include "fieldbook/console/Console.h"
+#include "console/Console.h"
 #include "fieldbook/values/Length.h"
+#include "fieldbook/values/Text.h"
 
 namespace fieldbook {
 

@@ -4,7 +4,7 @@
 #include <functional>
 #include <utility>
 
-#include "fieldbook/console/Console.h"
+#include "console/Console.h"
 #include "fieldbook/console/Table.h"
 
 namespace fieldbook {

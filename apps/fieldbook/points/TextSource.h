@@ -16,7 +16,8 @@
 #include <string>
 #include <string_view>
 
-#include "fieldbook/console/Console.h"
+#include "console/Console.h"
+#include "fieldbook/values/Text.h"
 
 namespace fieldbook {
 

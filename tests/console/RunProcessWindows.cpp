@@ -4,16 +4,16 @@
 #include <stdexcept>
 #include <string>
 
-#include "RunProcess.h"
+#include "tests/console/RunProcess.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-fs::path ProgramPath() {
+fs::path ProgramPath(const std::string& program) {
   wchar_t self[32768];
   GetModuleFileNameW(nullptr, self, static_cast<DWORD>(std::size(self)));
-  return fs::path(self).parent_path() / "fieldbook.exe";
+  return fs::path(self).parent_path() / (program + ".exe");
 }
 
 // As CommandLineToArgvW takes it apart: backslashes count double before a quote only.
@@ -37,9 +37,9 @@ HANDLE OpenInherited(const fs::path& path, DWORD access, DWORD creation) {
 // A program that was started, with the handles of its process and of its first thread.
 class Program {
  public:
-  Program(const std::vector<std::string>& arguments, HANDLE in, const fs::path& out,
-          const fs::path& err, DWORD flags) {
-    std::wstring line = QuotedArgument(ProgramPath().wstring());
+  Program(const std::string& program, const std::vector<std::string>& arguments, HANDLE in,
+          const fs::path& out, const fs::path& err, DWORD flags) {
+    std::wstring line = QuotedArgument(ProgramPath(program).wstring());
     for (const std::string& argument : arguments) {
       line += L' ' + QuotedArgument(FromUtf8(argument).wstring());
     }
@@ -98,9 +98,9 @@ class CtrlC {
 
 }  // namespace
 
-int RunProcess(const std::vector<std::string>& arguments, const fs::path& in, const fs::path& out,
-               const fs::path& err) {
-  return Program(arguments, OpenInherited(in, GENERIC_READ, OPEN_EXISTING), out, err, 0)
+int RunProcess(const std::string& program, const std::vector<std::string>& arguments,
+               const fs::path& in, const fs::path& out, const fs::path& err) {
+  return Program(program, arguments, OpenInherited(in, GENERIC_READ, OPEN_EXISTING), out, err, 0)
       .WaitForStatus();
 }
 
@@ -109,8 +109,8 @@ bool CanPressCtrlC() {
   return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) == 0;
 }
 
-ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
-                                 const std::string& input) {
+ProgramResult Interrupt(const std::string& name, const std::vector<std::string>& arguments,
+                        const std::string& input) {
   const DataFolder folder;
   const fs::path out = folder.PathOf("out");
   const fs::path err = folder.PathOf("err");
@@ -118,7 +118,7 @@ ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
   HANDLE pipe = nullptr;
   if (!CreatePipe(&in, &pipe, nullptr, 0)) throw std::runtime_error("no pipe can be made");
   SetHandleInformation(in, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
-  const Program program(arguments, in, out, err, CREATE_NO_WINDOW);
+  const Program program(name, arguments, in, out, err, CREATE_NO_WINDOW);
   while (ReadFile(err).empty() && !program.HasEnded()) Sleep(5);
   const CtrlC key(program);
   // The program hears of the key on another thread, and looks behind each part of its input.

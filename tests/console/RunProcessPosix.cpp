@@ -9,14 +9,14 @@
 #include <stdexcept>
 #include <thread>
 
-#include "RunProcess.h"
+#include "tests/console/RunProcess.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-fs::path ProgramPath() {
-  return fs::read_symlink("/proc/self/exe").parent_path() / "fieldbook";
+fs::path ProgramPath(const std::string& program) {
+  return fs::read_symlink("/proc/self/exe").parent_path() / program;
 }
 
 void Redirect(const fs::path& path, int flags, int target) {
@@ -25,10 +25,10 @@ void Redirect(const fs::path& path, int flags, int target) {
   close(file);
 }
 
-pid_t Start(const std::vector<std::string>& arguments, const fs::path& in, const fs::path& out,
-            const fs::path& err) {
-  const std::string program = ProgramPath();
-  std::vector<char*> texts = {const_cast<char*>(program.c_str())};
+pid_t Start(const std::string& program, const std::vector<std::string>& arguments,
+            const fs::path& in, const fs::path& out, const fs::path& err) {
+  const std::string path = ProgramPath(program);
+  std::vector<char*> texts = {const_cast<char*>(path.c_str())};
   for (const std::string& argument : arguments)
     texts.push_back(const_cast<char*>(argument.c_str()));
   texts.push_back(nullptr);
@@ -37,7 +37,7 @@ pid_t Start(const std::vector<std::string>& arguments, const fs::path& in, const
     Redirect(in, O_RDONLY, STDIN_FILENO);
     Redirect(out, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
     Redirect(err, O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
-    execv(program.c_str(), texts.data());
+    execv(path.c_str(), texts.data());
     _exit(127);
   }
   return child;
@@ -51,20 +51,19 @@ int WaitFor(pid_t child) {
 
 }  // namespace
 
-int RunProcess(const std::vector<std::string>& arguments, const fs::path& in, const fs::path& out,
-               const fs::path& err) {
-  return WaitFor(Start(arguments, in, out, err));
+int RunProcess(const std::string& program, const std::vector<std::string>& arguments,
+               const fs::path& in, const fs::path& out, const fs::path& err) {
+  return WaitFor(Start(program, arguments, in, out, err));
 }
 
-ProgramResult RunFieldbookOnTerminal(const std::vector<std::string>& arguments) {
+ProgramResult RunOnTerminal(const std::string& program, const std::vector<std::string>& arguments) {
   const DataFolder folder;
   const fs::path out = folder.PathOf("out");
   const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
   if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
     throw std::runtime_error("no terminal can be made");
   }
-  const pid_t child =
-      Start(WithDefaultSettings(arguments, folder), "/dev/null", out, ptsname(terminal));
+  const pid_t child = Start(program, arguments, "/dev/null", out, ptsname(terminal));
   std::string err;
   char part[4096];
   // It fails once the program has left the terminal.
@@ -80,14 +79,14 @@ bool CanPressCtrlC() {
   return true;
 }
 
-ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,
-                                 const std::string& input) {
+ProgramResult Interrupt(const std::string& program, const std::vector<std::string>& arguments,
+                        const std::string& input) {
   const DataFolder folder;
   const fs::path in = folder.PathOf("in");
   const fs::path out = folder.PathOf("out");
   const fs::path err = folder.PathOf("err");
   if (mkfifo(in.c_str(), 0600) != 0) throw std::runtime_error("no pipe can be made");
-  const pid_t child = Start(arguments, in, out, err);
+  const pid_t child = Start(program, arguments, in, out, err);
   const int pipe = open(in.c_str(), O_WRONLY);
   if (write(pipe, input.data(), input.size()) < 0) throw std::runtime_error("nobody reads");
   while (ReadFile(err).empty()) std::this_thread::sleep_for(std::chrono::milliseconds(5));

@@ -1,8 +1,8 @@
-#include "fieldbook/values/LocalTime.h"
+#include "console/LocalTime.h"
 
 #include "kelp0lang/UtcTime.h"
 
-namespace fieldbook {
+namespace console {
 namespace {
 
 WString TwoDigits(int value) {
@@ -24,4 +24,4 @@ WString LocalTimeText(std::uint64_t utcMs) {
   return text;
 }
 
-}  // namespace fieldbook
+}  // namespace console

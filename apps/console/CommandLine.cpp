@@ -1,10 +1,10 @@
-#include "fieldbook/console/CommandLine.h"
+#include "console/CommandLine.h"
 
 #include <algorithm>
 #include <iterator>
 #include <utility>
 
-namespace fieldbook {
+namespace console {
 namespace {
 
 struct OptionRule {
@@ -120,4 +120,4 @@ void CommandLine::SetFault(const WChar* source, std::vector<WString> values) {
   if (!m_fault) m_fault = {source, std::move(values)};
 }
 
-}  // namespace fieldbook
+}  // namespace console

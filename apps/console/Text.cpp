@@ -1,4 +1,4 @@
-#include "fieldbook/values/Text.h"
+#include "console/Text.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 #include "kelp0lang/Translate.h"
 
-namespace fieldbook {
+namespace console {
 namespace {
 
 constexpr WChar kReplacement = 0xFFFD;
@@ -184,4 +184,4 @@ WideView Trimmed(WideView text) {
   return text;
 }
 
-}  // namespace fieldbook
+}  // namespace console

@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "fieldbook/console/CommandLine.h"
+#include "console/CommandLine.h"
 #include "kelp0lang/Exception.h"
 
-namespace fieldbook {
+namespace console {
 
 // What ends the program: one line for the user, in the user's language.
 class Failure : public kelp::IException {
@@ -30,11 +30,13 @@ class UsageFailure : public Failure {
 // The standard streams, as UTF-8 with line feeds on every platform. There is one object, in main.
 class Console {
  public:
-  Console();
+  // The name of the program, which its own messages begin with.
+  explicit Console(const WChar* programName);
   ~Console();
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
+  const WString& ProgramName() const { return m_programName; }
   // The arguments behind the program's name.
   static std::vector<Argument> Arguments(int argc, char** argv);
 
@@ -69,6 +71,7 @@ class Console {
   void Flush();
 
  private:
+  WString m_programName;
   bool m_hasColour = false;
   bool m_isInteractive = false;
   bool m_isStatusTerminal = false;
@@ -107,4 +110,4 @@ void WriteAll(const Argument& file, const std::string& bytes);
 // A path of the library's as this system writes it.
 WString SystemPath(const WString& path);
 
-}  // namespace fieldbook
+}  // namespace console

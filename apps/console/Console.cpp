@@ -1,4 +1,4 @@
-#include "fieldbook/console/Console.h"
+#include "console/Console.h"
 
 #include <algorithm>
 #include <atomic>
@@ -21,7 +21,7 @@
 #include <unistd.h>
 #endif
 
-namespace fieldbook {
+namespace console {
 namespace {
 
 namespace fs = std::filesystem;
@@ -265,7 +265,7 @@ void RequireInputRead() {
 
 }  // namespace
 
-Console::Console() {
+Console::Console(const WChar* programName) : m_programName(programName) {
   SetUpStreams();
   m_hasColour = WantsColour() && IsAnsiTerminal();
   m_isInteractive = IsBetweenTerminals();
@@ -472,4 +472,4 @@ void WriteAll(const Argument& file, const std::string& bytes) {
   FailOn(file, error);
 }
 
-}  // namespace fieldbook
+}  // namespace console

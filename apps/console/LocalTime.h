@@ -3,11 +3,11 @@
 
 #include <cstdint>
 
-#include "fieldbook/values/Text.h"
+#include "console/Text.h"
 
-namespace fieldbook {
+namespace console {
 
 // A moment in UTC ms, such as "2026-11-25 00:34:05".
 WString LocalTimeText(std::uint64_t utcMs);
 
-}  // namespace fieldbook
+}  // namespace console

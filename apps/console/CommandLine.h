@@ -12,9 +12,9 @@
 #include <optional>
 #include <vector>
 
-#include "fieldbook/values/Text.h"
+#include "console/Text.h"
 
-namespace fieldbook {
+namespace console {
 
 // One argument: its text, and the same as a name of a file, with the bytes that the system gave.
 struct Argument {
@@ -78,4 +78,4 @@ class CommandLine {
 // The name of an option, with its dashes.
 const WChar* NameOf(Option option);
 
-}  // namespace fieldbook
+}  // namespace console
