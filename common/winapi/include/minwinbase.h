@@ -39,3 +39,6 @@ typedef struct _WIN32_FIND_DATAW {
   WCHAR cFileName[MAX_PATH];
   WCHAR cAlternateFileName[14];
 } WIN32_FIND_DATAW, *LPWIN32_FIND_DATAW;
+
+// Calls don't go on behind their return here, so nobody has one.
+typedef struct _OVERLAPPED* LPOVERLAPPED;

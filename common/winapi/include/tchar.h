@@ -103,9 +103,9 @@ WINAPI_EXPORT void _unlock_file(FILE* file);
 // or UTF-8. A new or empty file gets a byte-order mark; one that has a mark is gone on with in its
 // encoding. Such a stream takes wide text only.
 WINAPI_EXPORT FILE* _wfopen(const char16_t* path, const char16_t* mode);
-// The same, with the file kept from others who open it so: null and EACCES while one has it open.
+// The same, with the file kept from others: null and EACCES while one has it open.
 // Of the ways of sharing it knows _SH_DENYNO, which keeps nobody off, and, with the modes "rb" and
-// "wb", _SH_DENYRW. Who opens a file in another way isn't kept off.
+// "wb", _SH_DENYRW: handles of CreateFileW are kept off too, streams of _wfopen aren't.
 WINAPI_EXPORT FILE* _wfsopen(const char16_t* path, const char16_t* mode, int share);
 // Up to size - 1 units, or up to and including a line feed, of multibyte text of the locale, or of
 // 16-bit units as they are from a stream that _wfopen opened with b (half a unit at the end is

@@ -4,13 +4,23 @@
 #include "windef.h"
 
 #define MOVEFILE_REPLACE_EXISTING 0x00000001
+#define MOVEFILE_COPY_ALLOWED 0x00000002
 #define MOVEFILE_WRITE_THROUGH 0x00000008
 
 // Renames a file or folder, in one step for everyone who looks. A target that is there is an error
-// (ERROR_ALREADY_EXISTS) unless it may be replaced; a folder isn't replaced (ERROR_ACCESS_DENIED).
-// Between file systems nothing moves (ERROR_NOT_SAME_DEVICE). With WRITE_THROUGH the new name is on
-// the disk when the call returns. Other flags are ERROR_INVALID_PARAMETER.
+// (ERROR_ALREADY_EXISTS) unless it may be replaced; a folder doesn't replace and isn't replaced, a
+// write-protected file and one that is open without FILE_SHARE_DELETE aren't (ERROR_ACCESS_DENIED).
+// A source that is open so stays (ERROR_SHARING_VIOLATION), and a folder doesn't move into itself
+// (ERROR_INVALID_PARAMETER). Between file systems only files move, and only with COPY_ALLOWED
+// (else ERROR_NOT_SAME_DEVICE): the target is there when the copy is whole. With WRITE_THROUGH the
+// new name is on the disk when the call returns. Other flags are ERROR_INVALID_PARAMETER.
 WINAPI_EXPORT BOOL WINAPI MoveFileExW(LPCWSTR source, LPCWSTR target, DWORD flags);
+// With COPY_ALLOWED.
+WINAPI_EXPORT BOOL WINAPI MoveFileW(LPCWSTR source, LPCWSTR target);
+// The content, the time of writing and READONLY; a new file also has the source's permissions. The
+// target is there, or replaced, when the copy is whole. It must not be open, nor be write-protected
+// or a folder (ERROR_ACCESS_DENIED).
+WINAPI_EXPORT BOOL WINAPI CopyFileW(LPCWSTR source, LPCWSTR target, BOOL failIfExists);
 
 // Settings files of "[section]" and "key=value" lines. A file without a folder in its name is one
 // of the Windows folder. A file that begins with the mark FF FE holds UTF-16, any other bytes of

@@ -12,11 +12,13 @@ typedef uint16_t WORD;
 typedef uint32_t DWORD;
 typedef int32_t LONG;
 typedef uint32_t ULONG;
+typedef int64_t LONGLONG;
 typedef uint64_t ULONGLONG;
 typedef unsigned int UINT;
 typedef uintptr_t ULONG_PTR;
 typedef ULONG_PTR SIZE_T;
 typedef void* LPVOID;
+typedef const void* LPCVOID;
 
 typedef char16_t WCHAR;
 typedef WCHAR* LPWSTR;

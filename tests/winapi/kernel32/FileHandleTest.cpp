@@ -39,6 +39,8 @@ TEST(FileHandle, DispositionsMakeEmptyAndRefuse) {
       {WTEXT("none"), OPEN_EXISTING, ERROR_FILE_NOT_FOUND, kNone},
       {WTEXT("no/ne"), OPEN_ALWAYS, ERROR_PATH_NOT_FOUND, kNone},
       {WTEXT("none"), OPEN_ALWAYS, ERROR_SUCCESS, 0},
+      {WTEXT("there"), OPEN_ALWAYS, ERROR_SUCCESS, 3},
+      {WTEXT("none"), CREATE_ALWAYS, ERROR_SUCCESS, 0},
       {WTEXT("there"), TRUNCATE_EXISTING, ERROR_SUCCESS, 0},
       {WTEXT("none"), TRUNCATE_EXISTING, ERROR_FILE_NOT_FOUND, kNone},
       {WTEXT("there"), 9, ERROR_INVALID_PARAMETER, 3},
@@ -54,9 +56,15 @@ TEST(FileHandle, DispositionsMakeEmptyAndRefuse) {
     folder.Write("locked", "old");
     fs::create_directory(folder.Path() / "folder");
     fs::permissions(folder.Path() / "locked", fs::perms::owner_read);
+    SetLastError(ERROR_INVALID_HANDLE);
     const HANDLE file = Open(folder, each.name, kWrite, each.disposition);
+    const DWORD left = GetLastError();
     EXPECT_EQ(ErrorOf(file, INVALID_HANDLE_VALUE), each.error)
         << each.disposition << Wide(each.name).size();
+    const bool tells = each.disposition == CREATE_ALWAYS || each.disposition == OPEN_ALWAYS;
+    if (file != INVALID_HANDLE_VALUE && tells) {
+      EXPECT_EQ(left, each.name[0] == 't' ? DWORD{ERROR_ALREADY_EXISTS} : DWORD{ERROR_SUCCESS});
+    }
     if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
     const fs::path path = folder.Path() / Wide(each.name);
     if (each.sizeBehind != kNone) {

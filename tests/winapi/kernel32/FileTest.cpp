@@ -257,6 +257,7 @@ TEST(Path, TheCurrentFolderChanges) {
   EXPECT_EQ(CurrentFolder(), before);
   ASSERT_TRUE(SetCurrentDirectoryW(inner.c_str()));
   EXPECT_EQ(CurrentFolder(), FullPathOf(inner.c_str()));
+  EXPECT_EQ(ErrorOf(RemoveDirectoryW(inner.c_str())), ERROR_SHARING_VIOLATION);
   EXPECT_TRUE(SetCurrentDirectoryW(WTEXT("..")));
   EXPECT_TRUE(IsFolder(WTEXT("inner")));
 

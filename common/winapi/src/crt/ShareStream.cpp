@@ -1,9 +1,5 @@
 // Streams that keep others off their file.
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
 #include <tchar.h>
-#include <unistd.h>
 #include <windows.h>
 
 #include <cerrno>
@@ -11,33 +7,27 @@
 #include <string>
 #include <string_view>
 
+#include "kernel32/OpenFile.h"
 #include "kernel32/PathName.h"
 
 namespace {
 
-// Whether the path still leads to the open file: who held it may have deleted it.
-bool IsCurrent(int descriptor, const std::string& path) {
-  struct stat open;
-  struct stat named;
-  return fstat(descriptor, &open) == 0 && stat(path.c_str(), &named) == 0 &&
-         open.st_ino == named.st_ino && open.st_dev == named.st_dev;
-}
-
-int Refuse(int descriptor, int error) {
-  if (descriptor >= 0) close(descriptor);
-  errno = error;
-  return -1;
-}
-
-int OpenAlone(const std::string& path, int flags) {
-  for (;;) {
-    const int descriptor = open(path.c_str(), flags | O_CLOEXEC, 0666);
-    if (descriptor < 0) return Refuse(descriptor, errno == EISDIR ? EACCES : errno);
-    if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
-      return Refuse(descriptor, errno == EWOULDBLOCK ? EACCES : errno);
-    }
-    if (IsCurrent(descriptor, path)) return descriptor;
-    close(descriptor);
+int ErrnoOf(DWORD error) {
+  switch (error) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+      return ENOENT;
+    case ERROR_TOO_MANY_OPEN_FILES:
+      return EMFILE;
+    case ERROR_DISK_FULL:
+      return ENOSPC;
+    case ERROR_ACCESS_DENIED:
+    case ERROR_WRITE_PROTECT:
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_USER_MAPPED_FILE:
+      return EACCES;
+    default:
+      return EINVAL;
   }
 }
 
@@ -56,15 +46,15 @@ std::FILE* _wfsopen(const char16_t* path, const char16_t* mode, int share) {
     errno = ENOENT;
     return nullptr;
   }
-  const int descriptor = OpenAlone(posix, reads ? O_RDONLY : O_WRONLY | O_CREAT);
-  // Only now that nobody else has it is it emptied.
-  if (descriptor < 0 || (!reads && ftruncate(descriptor, 0) != 0)) {
-    const int error = errno;
-    SetFileError(error, posix);
-    Refuse(descriptor, error);
+  const winapi::OpenRequest request = {static_cast<DWORD>(reads ? GENERIC_READ : GENERIC_WRITE), 0,
+                                       static_cast<DWORD>(reads ? OPEN_EXISTING : CREATE_ALWAYS),
+                                       FILE_ATTRIBUTE_NORMAL};
+  winapi::OpenedFile opened = winapi::OpenFile(posix, request);
+  if (opened.file < 0) {
+    errno = ErrnoOf(GetLastError());
     return nullptr;
   }
-  std::FILE* const file = fdopen(descriptor, reads ? "r" : "w");
-  if (file == nullptr) Refuse(descriptor, errno);
+  std::FILE* const file = fdopen(opened.file, reads ? "r" : "w");
+  if (file != nullptr) opened.file.Release();
   return file;
 }

@@ -126,7 +126,7 @@ bool KernelLock::Close(HANDLE handle) {
   }
   Table().free.push_back(static_cast<std::size_t>(entry - Table().entries.data()));
   ++entry->use;
-  entry->object.reset();
+  m_closed = std::move(entry->object);
   return true;
 }
 

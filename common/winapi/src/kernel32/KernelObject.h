@@ -107,6 +107,7 @@ class KernelLock {
  private:
   KernelObject* FindOfType(HANDLE handle, KernelType type) const;
   std::vector<Parking::Place> m_woken;
+  std::shared_ptr<KernelObject> m_closed;  // its end may take time, so it comes behind the lock
 };
 
 // A thread, made by CreateThread or known by its first wait.

@@ -12,28 +12,11 @@
 #include <ctime>
 #include <utility>
 
+#include "kernel32/Descriptor.h"
+#include "kernel32/FileInfo.h"
+
 namespace winapi {
 namespace {
-
-constexpr mode_t kAnyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
-
-// Closes a descriptor at the end of a scope and leaves errno alone.
-class Descriptor {
- public:
-  explicit Descriptor(int number) : m_number(number) {}
-  ~Descriptor() { Close(); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  operator int() const { return m_number; }
-
- private:
-  void Close() const {
-    const int error = errno;
-    if (m_number >= 0) close(m_number);
-    errno = error;
-  }
-  const int m_number;
-};
 
 std::string FolderOf(const std::string& path) {
   return path.substr(0, path.rfind('/') + 1);
@@ -49,45 +32,24 @@ bool IsSame(const timespec& a, const timespec& b) {
 }
 
 bool ReadAll(int file, std::string& bytes) {
-  std::size_t size = 0;
-  while (size < bytes.size()) {
-    const ssize_t count = read(file, bytes.data() + size, bytes.size() - size);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return false;
-    if (count == 0) break;
-    size += static_cast<std::size_t>(count);
-  }
-  bytes.resize(size);
-  return true;
+  const Transfer read = ReadBytes(file, bytes.data(), bytes.size());
+  bytes.resize(read.count);
+  errno = read.error;
+  return read.error == 0;
 }
 
 bool WriteAll(int file, const std::string& bytes) {
-  std::size_t size = 0;
-  while (size < bytes.size()) {
-    const ssize_t count = write(file, bytes.data() + size, bytes.size() - size);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return false;
-    size += static_cast<std::size_t>(count);
-  }
-  return true;
+  const Transfer written = WriteBytes(file, bytes.data(), bytes.size());
+  errno = written.error;
+  return written.count == bytes.size();
 }
 
-// A file without any write permission is closed to everybody, the user who may do everything too.
 bool MayBeWritten(const std::string& path, const struct stat& status) {
-  if (S_ISREG(status.st_mode) && (status.st_mode & kAnyWrite) != 0) {
+  if (S_ISREG(status.st_mode) && !IsWriteProtected(status.st_mode)) {
     return access(path.c_str(), W_OK) == 0;
   }
   errno = EACCES;
   return false;
-}
-
-// A group that can't be given gets no rights of its own.
-bool CopyRights(const struct stat& status, int file) {
-  mode_t mode = status.st_mode & 07777;
-  const bool sameGroup = fchown(file, status.st_uid, status.st_gid) == 0 ||
-                         fchown(file, static_cast<uid_t>(-1), status.st_gid) == 0;
-  if (!sameGroup) mode &= ~static_cast<mode_t>(S_IRWXG | S_ISUID | S_ISGID);
-  return fchmod(file, mode) == 0;
 }
 
 bool WriteNew(const std::string& path, const std::string& bytes, const struct stat* old) {
