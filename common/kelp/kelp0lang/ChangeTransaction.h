@@ -86,8 +86,13 @@ class KELP0LANG_API CSourceEvent : public IRefCounter {
   virtual void OnAfterEndEvent();
 
  public:
-  // Without a manager a source takes part in no transaction. One that has another manager leaves
-  // it. In an open transaction it takes part from its own next beginning on.
+  // Without a manager a source takes part in no transaction. In an open transaction it takes part
+  // from its own next beginning on. The manager isn't null; Detach leaves one.
+  //
+  // Of a source that is attached already: the same manager again changes nothing; another one takes
+  // it from the first. Whether it has acted goes along: one that moves out of an open transaction
+  // hears its end there no more, is told no beginning by the new manager, and ends with the next
+  // transaction that closes there. So a source is moved between transactions.
   void Attach(CChangeTransactionManager* manager);
   void Detach() noexcept;
   CChangeTransactionManager* GetChangeTransactionManager() const noexcept { return m_manager; }
@@ -95,7 +100,10 @@ class KELP0LANG_API CSourceEvent : public IRefCounter {
   // Whether this source takes part in the open transaction.
   bool HasActed() const noexcept { return m_acted; }
 
-  // Dependencies mustn't form a cycle.
+  // Dependencies mustn't form a cycle, and have one manager. Of another manager's source only half
+  // is told: as a dependency it begins with this one and ends with the next transaction of its own
+  // manager; as a dependant it ends with this one, where it had begun, but without
+  // OnBeforeEndEvent.
   void AddDependsOn(CSourceEvent* other);
   void RemoveDependsOn(CSourceEvent* other);
 
@@ -157,8 +165,16 @@ class KELP0LANG_API CChangeTransactionManager {
 
   // Closes the transaction: each source that took part tells its listeners OnBeforeEndEvent, then
   // each, its dependants first, OnEndEvent. Called by the handler of kEndEventMessage, nobody else.
-  // If a listener throws, the sources that haven't ended do so with the next transaction; if one
-  // throws at the beginning of a transaction, the transaction stays open by one level for good.
+  // If a listener throws here, the sources that haven't ended do so with the next transaction (and
+  // where a CSourceEventScope closes, the process ends).
+  //
+  // If a listener or an OnBeforeBeginEvent throws at the beginning, the exception leaves the
+  // constructor of the scope, which has no destructor then, and so nobody closes the level that it
+  // opened, an inner one no less than the outermost. From then on no transaction of this manager is
+  // closed: the source and the dependencies before it count as begun and are never told an end, and
+  // all commands gather in one record that isn't in the undo list, so that CanUndo doesn't see it.
+  // A GetMemSize that throws in Add leaves a level open likewise. There is no way back but a new
+  // manager: beginnings mustn't throw.
   void DoEndEvent();
 
   // Records a command that has just been carried out, and takes it over. Outside a transaction it

@@ -82,6 +82,13 @@ class KELP0LANG_API CCmdExecuted {
 class KELP0LANG_API CCmdExecutedList : public IRefCounter {
  public:
   // Decides how much is kept.
+  //
+  //   class ByMemory : public kelp::CCmdExecutedList::IStrategy {
+  //     void OnAdd(kelp::CCmdExecutedList* list, kelp::CCmdExecuted* group) override {
+  //       while (list->GetUndoMemSize() + group->GetMemSize() > kMost && list->PopFrontCmd()) {
+  //       }
+  //     }
+  //   };
   class KELP0LANG_API IStrategy {
    public:
     virtual ~IStrategy();
@@ -91,6 +98,23 @@ class KELP0LANG_API CCmdExecutedList : public IRefCounter {
   };
 
   // Hears of each undo (true) and redo (false).
+  //
+  //   class View : public kelp::CCmdExecutedList::IEvents {
+  //    public:
+  //     explicit View(kelp::CCmdExecutedList& list) : m_list(list) { m_list.Register(this); }
+  //     ~View() { m_list.Unregister(this); }
+  //
+  //    private:
+  //     void OnBeforeUndoRedo(bool) override { FreezeDrawing(); }
+  //     void OnAfterUndoRedo(bool undo) override {
+  //       Redraw(undo ? KTEXT("undone") : KTEXT("redone"));
+  //     }
+  //
+  //     kelp::CCmdExecutedList& m_list;  // outlives the view
+  //   };
+  //
+  // While they are called the group is in neither list: CanUndo, CanRedo, the sizes and the memory
+  // count it again only when Undo or Redo has returned, which is when menus are brought up to date.
   class KELP0LANG_API IEvents {
    public:
     virtual void OnBeforeUndoRedo(bool undo) = 0;

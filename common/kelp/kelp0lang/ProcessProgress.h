@@ -34,7 +34,32 @@ class KELP0LANG_API CProcessProgressManager {
     psAborted,   // Abort came while it ran
   };
 
-  // A listener. It neither registers nor unregisters while it is called.
+  // A listener. It neither registers nor unregisters while it is called. What it doesn't override
+  // does nothing.
+  //
+  //   class Dialog : public kelp::CProcessProgressManager::IProgressNotification {
+  //    public:
+  //     explicit Dialog(kelp::CProcessProgressManager& progress) : m_progress(progress) {
+  //       m_progress.Register(this);
+  //     }
+  //     ~Dialog() { m_progress.Unregister(this); }
+  //
+  //    private:
+  //     void OnNewTaskStarted(kelp::CProcessProgressManager*, const WChar* name) override {
+  //       ShowTask(name);
+  //     }
+  //     void OnProcessProgress(kelp::CProcessProgressManager* progress, double overall,
+  //                            double currentTask) override {
+  //       ShowBars(overall, currentTask);
+  //       if (CancelWasPressed()) progress->Abort();  // OnAbort comes within this call
+  //     }
+  //     void OnCurTaskTerminated(kelp::CProcessProgressManager* progress) override {
+  //       if (progress->IsProcessFinished()) Close();
+  //     }
+  //     void OnAbort(kelp::CProcessProgressManager*) override { ShowTask(KTEXT("stopping")); }
+  //
+  //     kelp::CProcessProgressManager& m_progress;  // outlives the dialog
+  //   };
   class KELP0LANG_API IProgressNotification {
    public:
     virtual void OnNewTaskStarted(CProcessProgressManager* manager, const WChar* name);
