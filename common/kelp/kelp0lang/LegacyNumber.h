@@ -27,7 +27,9 @@ KELP0LANG_API bool MinoreDi(double a, double b);
 KELP0LANG_API double ArrotondatoAtDec(double v, int dec);
 // Downwards, also below zero: -2.51 with one decimal gives -2.6.
 KELP0LANG_API double TroncatoAtDec(double v, int dec);
-// To a whole number of steps, a half up; v unchanged if either is not set. A step of 0 gives NaN.
+// To a whole number of steps, a half up, with the bounds of ArrotondatoAtDec, which count in steps
+// here; v unchanged if either is not set. A step of 0 gives NaN, also for v of 0. Under a negative
+// step a half goes down. More than 1.8e308 steps give infinity.
 KELP0LANG_API double ArrotondatoAlVal(double v, double step);
 // To a whole number: a half up, with the bounds of ArrotondatoAtDec, and downwards.
 KELP0LANG_API double DoubleRound(double v);
