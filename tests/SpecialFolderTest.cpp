@@ -15,6 +15,8 @@
 
 #ifndef _WIN32
 #include <winapi_host.h>
+
+#include "tests/winapi/Variable.h"
 #endif
 
 using kelp::String;
@@ -88,8 +90,8 @@ TEST_F(SpecialFolder, OnlyTheFontsFolderHasANameToSet) {
 }
 
 TEST_F(SpecialFolder, RootsOfTheSystem) {
-  kelp::FInitializeSpecialFolder(nullptr, CSIDL_LOCAL_APPDATA, KTEXT("Product"), nullptr);
-  const WString data = SystemFolder(CSIDL_LOCAL_APPDATA);
+  kelp::FInitializeSpecialFolder(nullptr, CSIDL_PROFILE, KTEXT("Product"), nullptr);
+  const WString data = SystemFolder(CSIDL_PROFILE);
   EXPECT_EQ(kelp::GetProgramDataFolderPath(kNone), data + KTEXT("\\Product"));
   EXPECT_EQ(kelp::GetProgramDataGlobalFolderPath(kNone), data + KTEXT("\\Halden"));
 
@@ -110,15 +112,28 @@ TEST_F(SpecialFolder, AnUnknownFolderLeavesTheDataFolders) {
   EXPECT_TRUE(kelp::GetTempFolderPath(kNone).empty());
 }
 
+#ifndef _WIN32
+TEST_F(SpecialFolder, AFolderThatIsNotThereIsUnknownUntilItIsMade) {
+  const TempFolder folder;
+  const Variable config("XDG_CONFIG_HOME", (folder.Path() / "none").c_str());
+  kelp::FInitializeSpecialFolder(nullptr, CSIDL_APPDATA, KTEXT("Y"), nullptr);
+  EXPECT_EQ(kelp::GetProgramDataFolderPath(kNone), WString(KTEXT("C:\\D\\X")));
+  WChar path[MAX_PATH];
+  ASSERT_TRUE(SHGetSpecialFolderPathW(nullptr, path, CSIDL_APPDATA, TRUE));
+  kelp::FInitializeSpecialFolder(nullptr, CSIDL_APPDATA, KTEXT("Y"), nullptr);
+  EXPECT_EQ(kelp::GetProgramDataFolderPath(kNone), WString(path) + KTEXT("\\Y"));
+}
+#endif
+
 TEST_F(SpecialFolder, LongTextsAreStoredWhole) {
   WString text;
   text.resize(1000, KTEXT('x'));
   kelp::FInitializeSpecialFolder(text.c_str(), -1, text.c_str(), text.c_str());
   EXPECT_EQ(kelp::GetProgramFolderPath(kNone), text);
   EXPECT_EQ(kelp::GetTempFolderPath(kNone), text);
-  kelp::FInitializeSpecialFolder(nullptr, CSIDL_APPDATA, text.c_str(), nullptr);
+  kelp::FInitializeSpecialFolder(nullptr, CSIDL_PROFILE, text.c_str(), nullptr);
   EXPECT_EQ(kelp::GetProgramDataFolderPath(kNone),
-            (SystemFolder(CSIDL_APPDATA) + KTEXT('\\')).Concat(text));
+            (SystemFolder(CSIDL_PROFILE) + KTEXT('\\')).Concat(text));
 }
 
 TEST_F(SpecialFolder, CommandsRunOnceTheFoldersAreKnown) {

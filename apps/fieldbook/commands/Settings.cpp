@@ -105,6 +105,9 @@ void SetUpFolder(const CommandLine& line) {
     const WString folder = WithoutSeparatorAtEnd(given->text);
     kelp::FInitializeSpecialFolder(nullptr, kFolderAsItStands, folder.c_str(), nullptr);
   } else {
+    // A new user of Linux may have no such folder yet, and the library makes none.
+    WChar made[MAX_PATH];
+    SHGetSpecialFolderPathW(nullptr, made, CSIDL_APPDATA, TRUE);
     kelp::FInitializeSpecialFolder(nullptr, CSIDL_APPDATA, kDataFolder, nullptr);
   }
   if (!kelp::GetProgramDataFolderPath(WString()).empty()) return;

@@ -28,11 +28,16 @@ namespace kelp {
 // machine-wide folder of application data. tempFolder: null means the system's.
 //
 // Texts may have any length and are stored whole. A question to the system whose answer is missing
-// or longer than 259 characters leaves the folders that hang on it as they were.
+// or longer than 259 characters leaves the folders that hang on it as they were: both data folders,
+// where the special folder is unknown or isn't there. At the first call they are then empty, and
+// GetProgramDataSupportFolderPath("") gives "/Support", so a host looks at
+// GetProgramDataFolderPath("") before it saves. Windows makes CSIDL_APPDATA and its like with the
+// user; elsewhere a new user has none, and a host calls SHGetSpecialFolderPathW with TRUE first.
+// CSIDL_COMMON_APPDATA always has an answer.
 //
 // No folder is made, and none of this library's saves makes one: a save into a folder that isn't
-// there fails. A host makes (CheckSeDirExist, LegacyPath.h), or its set-up, those into which it
-// saves:
+// there fails. A host makes (CheckSeDirExist, LegacyPath.h, which makes those on the way too), or
+// its set-up, those into which it saves:
 //   GetProgramDataSupportFolderPath("")  before CCurrMeasUnitInfo or CMeasUnitSystem::SaveConfig,
 //   the product's other data folders     before its own files there,
 //   GetProgramDataGlobalFolderPath("")   before files that the family's programs share,

@@ -17,13 +17,15 @@
 #define CSIDL_MYPICTURES 0x0027
 #define CSIDL_PROFILE 0x0028
 
-// The folder of an id, without a separator at its end, into a buffer of MAX_PATH units. FALSE for
-// an id that isn't above, for a longer path, and where the folder was to be made and can't be.
+// The folder of an id, without a separator at its end, into a buffer of MAX_PATH units. FALSE, and
+// the buffer as it was, for an id that isn't above, for a longer path, for a folder that isn't
+// there and where it was to be made and can't be.
 //
 // The folders are those of the XDG specifications: APPDATA is $XDG_CONFIG_HOME, LOCAL_APPDATA
 // $XDG_DATA_HOME, DESKTOP, PERSONAL (documents) and the like what user-dirs.dirs names, PROFILE the
-// home folder. COMMON_APPDATA is /var/lib, where the programs of a machine keep their data. As
-// these specifications have it a folder counts as known before it is first made.
+// home folder. COMMON_APPDATA is /var/lib, where the programs of a machine keep their data. On
+// Windows these folders come with the user; here many a user has none of APPDATA, LOCAL_APPDATA or
+// DESKTOP before a program makes it, and a program that needs one asks with create.
 WINAPI_EXPORT BOOL WINAPI SHGetSpecialFolderPathW(HWND owner, LPWSTR path, int id, BOOL create);
 
 // A place in the shell: a list of items, each with its size in front, ended by a size of 0. Here it

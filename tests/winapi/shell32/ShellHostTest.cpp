@@ -4,6 +4,7 @@
 #include <winapi_host.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -13,56 +14,73 @@
 namespace {
 
 std::u16string Folder(int id, BOOL create = FALSE) {
-  WCHAR path[MAX_PATH] = {};
-  return SHGetSpecialFolderPathW(nullptr, path, id, create) ? path : u"(none)";
+  WCHAR path[MAX_PATH] = u"as it was";
+  if (SHGetSpecialFolderPathW(nullptr, path, id, create)) return path;
+  EXPECT_EQ(std::u16string(path), u"as it was");
+  return u"(none)";
+}
+
+// A path below a folder, as the layer shows it.
+std::u16string Shown(const TempFolder& folder, const char* below = "") {
+  std::u16string path = u"C:" + (folder.Path() / below).u16string();
+  if (path.ends_with(u'/')) path.pop_back();
+  std::replace(path.begin(), path.end(), u'/', u'\\');
+  return path;
 }
 
 TEST(ShellHost, FoldersFollowTheXdgVariables) {
-  const Variable home("HOME", "/home/me");
+  const TempFolder me, other;
+  const Variable home("HOME", me.Path().c_str());
   {
-    const Variable config("XDG_CONFIG_HOME", "/c/d"), data("XDG_DATA_HOME", "/e");
-    EXPECT_EQ(Folder(CSIDL_APPDATA), u"C:\\c\\d");
-    EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA), u"C:\\e");
+    const Variable config("XDG_CONFIG_HOME", other.Path().c_str()), data("XDG_DATA_HOME", "/tmp");
+    EXPECT_EQ(Folder(CSIDL_APPDATA), Shown(other));
+    EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA), u"C:\\tmp");
   }
   const Variable config("XDG_CONFIG_HOME", nullptr), data("XDG_DATA_HOME", "not/absolute");
-  EXPECT_EQ(Folder(CSIDL_APPDATA), u"C:\\home\\me\\.config");
-  EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA), u"C:\\home\\me\\.local\\share");
-  EXPECT_EQ(Folder(CSIDL_PROFILE), u"C:\\home\\me");
+  EXPECT_EQ(Folder(CSIDL_APPDATA, TRUE), Shown(me, ".config"));
+  EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA, TRUE), Shown(me, ".local/share"));
+  EXPECT_EQ(Folder(CSIDL_PROFILE), Shown(me));
   EXPECT_EQ(Folder(CSIDL_COMMON_APPDATA), u"C:\\var\\lib");
 }
 
 TEST(ShellHost, FoldersOfTheDesktopAreThoseOfUserDirs) {
   const TempFolder folder;
-  const Variable home("HOME", "/home/me");
+  const Variable home("HOME", folder.Path().c_str());
   const Variable config("XDG_CONFIG_HOME", folder.Path().c_str());
-  EXPECT_EQ(Folder(CSIDL_DESKTOP), u"C:\\home\\me\\Desktop") << "there is no file";
-  EXPECT_EQ(Folder(CSIDL_PERSONAL), u"C:\\home\\me");
+  EXPECT_EQ(Folder(CSIDL_DESKTOP), u"(none)");
+  EXPECT_EQ(Folder(CSIDL_DESKTOP, TRUE), Shown(folder, "Desktop")) << "there is no file";
+  EXPECT_EQ(Folder(CSIDL_PERSONAL), Shown(folder));
   folder.Write("user-dirs.dirs",
                "# comment\n"
                "XDG_DESKTOP_DIR=\"$HOME/Scrivania\"\n"
-               "  XDG_DOCUMENTS_DIR=\"/data/docs \\\"x\\\"\"\n"
-               "XDG_MUSIC_DIR=\"relative\"\n"
-               "#XDG_PICTURES_DIR=\"/no\"\n");
-  EXPECT_EQ(Folder(CSIDL_DESKTOPDIRECTORY), u"C:\\home\\me\\Scrivania");
-  EXPECT_EQ(Folder(CSIDL_PERSONAL), u"C:\\data\\docs \"x\"");
-  EXPECT_EQ(Folder(CSIDL_MYMUSIC), u"C:\\home\\me");
-  EXPECT_EQ(Folder(CSIDL_MYPICTURES), u"C:\\home\\me");
+               "  XDG_DOCUMENTS_DIR=\"" +
+                   folder.Path().string() +
+                   "/docs \\\"x\\\"\"\n"
+                   "XDG_MUSIC_DIR=\"relative\"\n"
+                   "#XDG_PICTURES_DIR=\"/no\"\n");
+  EXPECT_EQ(Folder(CSIDL_DESKTOPDIRECTORY, TRUE), Shown(folder, "Scrivania"));
+  EXPECT_EQ(Folder(CSIDL_PERSONAL, TRUE), Shown(folder, "docs \"x\""));
+  EXPECT_EQ(Folder(CSIDL_MYMUSIC), Shown(folder));
+  EXPECT_EQ(Folder(CSIDL_MYPICTURES), Shown(folder));
 }
 
 TEST(ShellHost, AFolderIsMadeOnlyWhenAsked) {
   const TempFolder folder;
   const std::filesystem::path wanted = folder.Path() / "a" / "b";
   const Variable data("XDG_DATA_HOME", wanted.c_str());
-  EXPECT_NE(Folder(CSIDL_LOCAL_APPDATA), u"(none)");
+  EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA), u"(none)");
   EXPECT_FALSE(std::filesystem::exists(wanted));
-  EXPECT_NE(Folder(CSIDL_LOCAL_APPDATA, TRUE), u"(none)");
+  EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA, TRUE), Shown(folder, "a/b"));
+  EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA), Shown(folder, "a/b"));
   EXPECT_TRUE(std::filesystem::is_directory(wanted));
 
   folder.Write("file", "");
-  const Variable below("XDG_DATA_HOME", (folder.Path() / "file" / "x").c_str());
-  EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA, TRUE), u"(none)");
-  const Variable tooLong("XDG_DATA_HOME", ("/" + std::string(300, 'x')).c_str());
-  EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA), u"(none)");
+  const std::string nested = std::string(200, 'x') + '/' + std::string(200, 'x');
+  for (const std::string& bad : {std::string("file"), std::string("file/x"), nested}) {
+    const Variable none("XDG_DATA_HOME", (folder.Path() / bad).c_str());
+    EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA, TRUE), u"(none)");
+    EXPECT_EQ(Folder(CSIDL_LOCAL_APPDATA), u"(none)");
+  }
 }
 
 // What a chooser was asked, and what it answers.

@@ -37,10 +37,15 @@ constexpr SpecialFolder kFolders[] = {
     {CSIDL_PROFILE, winapi::HomeFolder},
 };
 
+bool IsFolder(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::is_directory(path, error);
+}
+
 // Only the user may enter a folder that is made here.
 bool MakeFolder(const std::string& path) {
   std::error_code error;
-  if (!std::filesystem::create_directories(path, error)) return std::filesystem::is_directory(path);
+  if (!std::filesystem::create_directories(path, error)) return IsFolder(path);
   std::filesystem::permissions(path, std::filesystem::perms::owner_all, error);
   return true;
 }
@@ -136,7 +141,7 @@ BOOL WINAPI SHGetSpecialFolderPathW(HWND, LPWSTR path, int id, BOOL create) {
                                   [id](const SpecialFolder& folder) { return folder.id == id; });
   if (path == nullptr || found == std::end(kFolders)) return FALSE;
   const std::string folder = found->path();
-  if (create != FALSE && !MakeFolder(folder)) return FALSE;
+  if (create != FALSE ? !MakeFolder(folder) : !IsFolder(folder)) return FALSE;
   return GivePath(FromPosixPath(folder), path);
 }
 
