@@ -2,8 +2,10 @@
 //
 // Here both belong to the user. They are empty until a program writes something, and are kept in
 // the text file "winapi/registry.txt" of the user's data folder, which every call reads and every
-// change writes anew as a whole, so that the programs of a user see one state. The file goes with
-// the last key. Names are compared without regard to case and keep the case of their first use.
+// change writes anew as a whole, so that the programs of a user see one state: the new file takes
+// the place of the old one in one step, and who changes holds a lock from its reading on. The file
+// goes with the last key. Names are compared without regard to case and keep the case of their
+// first use.
 #pragma once
 
 #include "minwinbase.h"
@@ -40,10 +42,15 @@ typedef BYTE* LPBYTE;
 
 // All give ERROR_SUCCESS or an error code and leave the last error alone. ERROR_INVALID_HANDLE is a
 // key that isn't open, ERROR_KEY_DELETED one that is open but was deleted, ERROR_FILE_NOT_FOUND a
-// subkey or value that isn't there, ERROR_BADDB a file that can't be read.
+// subkey or value that isn't there. A file that can't be read whole is never taken for an empty or
+// shorter one and stays as it is: ERROR_BADDB is one of another form or cut short,
+// ERROR_ACCESS_DENIED one that the user may not read, ERROR_REGISTRY_IO_FAILED a disk that fails.
+// ERROR_CANTWRITE is a change that can't be written; what was there before stands.
 //
 // A null or empty subkey opens the key itself once more. Access holds for the values of the key
-// that is opened: KEY_QUERY_VALUE to read, KEY_SET_VALUE to write and delete them.
+// that is opened: KEY_QUERY_VALUE to read, KEY_SET_VALUE to write and delete them. GENERIC_READ,
+// GENERIC_WRITE, GENERIC_EXECUTE and GENERIC_ALL stand for KEY_READ, KEY_WRITE, KEY_READ and
+// KEY_ALL_ACCESS, and MAXIMUM_ALLOWED for all, since the keys are the user's.
 WINAPI_EXPORT LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access,
                                            PHKEY result);
 // Makes the keys on the way too. The class and the security attributes have no effect here, and

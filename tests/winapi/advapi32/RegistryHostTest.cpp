@@ -1,9 +1,13 @@
 // The file behind the registry, which only the layer has.
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <windows.h>
 #include <winreg.h>
+
+#include <cerrno>
+#include <filesystem>
 
 #include <string>
 #include <thread>
@@ -11,6 +15,36 @@
 
 #include "tests/TempFolder.h"
 #include "tests/winapi/Variable.h"
+
+namespace {
+
+// Reads that work, each of half of what was asked, before all fail; -1 for no fault.
+int readsLeft = -1;
+
+// The disk fails at a later read, for a scope.
+class DiskFault {
+ public:
+  explicit DiskFault(int readsBefore) { readsLeft = readsBefore; }
+  ~DiskFault() { readsLeft = -1; }
+  DiskFault(const DiskFault&) = delete;
+  DiskFault& operator=(const DiskFault&) = delete;
+};
+
+}  // namespace
+
+// In place of the C library's, for the layer too.
+extern "C" __attribute__((visibility("default"))) ssize_t read(int file, void* bytes,
+                                                               std::size_t size) {
+  if (readsLeft == 0) {
+    errno = EIO;
+    return -1;
+  }
+  if (readsLeft > 0) {
+    --readsLeft;
+    size = (size + 1) / 2;
+  }
+  return syscall(SYS_read, file, bytes, size);
+}
 
 namespace {
 
@@ -47,8 +81,9 @@ TEST_F(RegistryHost, TheFileStandsAsLongAsThereAreKeys) {
 
 TEST_F(RegistryHost, ADamagedFileIsLeftAlone) {
   std::filesystem::create_directories(m_folder.Path() / "winapi");
-  for (const char* text : {"[HKEY_CURRENT_USER\\\\K\n", "\"v\"=1:00\n", "[K]\n\"v\"=x:00\n",
-                           "[K]\n\"v\"=1:0\n", "[K]\n\"v\"=1:0g\n", "[K]\n\"v=1:00\n", "\n"}) {
+  for (const char* text :
+       {"[HKEY_CURRENT_USER\\\\K\n", "\"v\"=1:00\n", "[K]\n\"v\"=x:00\n", "[K]\n\"v\"=1:0\n",
+        "[K]\n\"v\"=1:0g\n", "[K]\n\"v=1:00\n", "\n", "[K]\n\"v\"=1:00"}) {
     m_folder.Write("winapi/registry.txt", text);
     HKEY key = nullptr;
     EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_READ, &key), ERROR_BADDB) << text;
@@ -57,6 +92,26 @@ TEST_F(RegistryHost, ADamagedFileIsLeftAlone) {
         ERROR_BADDB);
     EXPECT_EQ(m_folder.Read("winapi/registry.txt"), text);
   }
+}
+
+TEST_F(RegistryHost, AFileThatCannotBeReadWholeIsLeftAlone) {
+  HKEY key = Create(u"K");
+  for (WCHAR name[] = u"a"; name[0] <= u'z'; ++name[0]) {
+    EXPECT_EQ(RegSetValueExW(key, name, 0, REG_BINARY, nullptr, 0), ERROR_SUCCESS);
+  }
+  const std::string whole = m_folder.Read("winapi/registry.txt");
+  for (const int readsBeforeFault : {0, 1}) {
+    const DiskFault fault(readsBeforeFault);
+    EXPECT_EQ(RegSetValueExW(key, u"new", 0, REG_BINARY, nullptr, 0), ERROR_REGISTRY_IO_FAILED);
+    EXPECT_EQ(RegQueryValueExW(key, u"z", nullptr, nullptr, nullptr, nullptr),
+              ERROR_REGISTRY_IO_FAILED);
+  }
+  EXPECT_EQ(m_folder.Read("winapi/registry.txt"), whole);
+  RegCloseKey(key);
+
+  std::filesystem::remove(m_folder.Path() / "winapi/registry.txt");
+  std::filesystem::create_directory(m_folder.Path() / "winapi/registry.txt");
+  EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_READ, &key), ERROR_ACCESS_DENIED);
 }
 
 void SetMany(WCHAR head) {

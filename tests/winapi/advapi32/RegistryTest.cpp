@@ -136,6 +136,42 @@ TEST_F(Registry, KeysAreMadeOpenedAndDeleted) {
   EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
 }
 
+TEST_F(Registry, GenericRightsAreThoseOfKeys) {
+  Set(WTEXT("v"), REG_DWORD, {1, 2, 3, 4});
+  const struct {
+    DWORD access;
+    bool reads, writes;
+  } cases[] = {{static_cast<DWORD>(GENERIC_READ), true, false},
+               {GENERIC_WRITE, false, true},
+               {static_cast<DWORD>(GENERIC_READ | GENERIC_WRITE), true, true},
+               {GENERIC_ALL, true, true},
+               {MAXIMUM_ALLOWED, true, true}};
+  for (const auto& c : cases) {
+    HKEY key = nullptr;
+    ASSERT_EQ(Open(nullptr, c.access, &key), ERROR_SUCCESS) << c.access;
+    EXPECT_EQ(Look(key, WTEXT("v")) == ERROR_SUCCESS, c.reads) << c.access;
+    EXPECT_EQ(RegSetValueExW(key, WTEXT("w"), 0, REG_BINARY, nullptr, 0) == ERROR_SUCCESS, c.writes)
+        << c.access;
+    RegCloseKey(key);
+  }
+}
+
+TEST_F(Registry, CallsLeaveTheLastErrorAlone) {
+  HKEY key = nullptr;
+  SetLastError(77);
+  Set(nullptr, REG_BINARY, {1});
+  Set(WTEXT(""), REG_BINARY, {});
+  EXPECT_EQ(Look(m_key, nullptr), ERROR_SUCCESS);
+  EXPECT_EQ(Look(m_key, WTEXT("none")), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(Open(WTEXT(""), KEY_READ, &key), ERROR_SUCCESS);
+  EXPECT_EQ(RegDeleteValueW(key, nullptr), ERROR_ACCESS_DENIED);
+  RegCloseKey(key);
+  EXPECT_EQ(RegDeleteValueW(m_key, nullptr), ERROR_SUCCESS);
+  EXPECT_EQ(Open(WTEXT("none"), KEY_READ, &key), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(RegCloseKey(nullptr), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(GetLastError(), 77u);
+}
+
 TEST(RegistryHandle, WhatIsNotAKey) {
   HKEY key = reinterpret_cast<HKEY>(0x123456);
   EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, WTEXT("SOFTWARE\\kelp0lang-no"), 0, KEY_READ, &key),

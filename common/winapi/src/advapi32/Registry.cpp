@@ -6,9 +6,7 @@
 //
 // (type in decimal, bytes in hexadecimal; backslash, quote, carriage return and line feed in names
 // escaped by a backslash).
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
+#include <sys/types.h>
 #include <unistd.h>
 #include <windows.h>
 #include <winreg.h>
@@ -16,10 +14,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <map>
 #include <mutex>
@@ -27,8 +23,11 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <utility>
 
 #include "kernel32/PathName.h"
+#include "kernel32/ProfileFile.h"
 #include "kernel32/UserFolders.h"
 
 // What an open handle leads to.
@@ -121,11 +120,15 @@ std::optional<Value> ParseValue(std::string_view line) {
   return value;
 }
 
-std::optional<Keys> ParseKeys(std::istream& file) {
+// Nothing for a text that isn't whole: each line has its end.
+std::optional<Keys> ParseKeys(std::string_view text) {
   Keys keys;
   Key* key = nullptr;
-  for (std::string line; std::getline(file, line);) {
-    std::string_view rest = line;
+  while (!text.empty()) {
+    const std::size_t end = text.find('\n');
+    if (end == std::string_view::npos) return std::nullopt;
+    std::string_view rest = text.substr(0, end);
+    text.remove_prefix(end + 1);
     if (rest.starts_with('[')) {
       rest.remove_prefix(1);
       const auto path = TakeEscaped(rest, ']');
@@ -157,31 +160,8 @@ std::string FormatKeys(const Keys& keys) {
   return text;
 }
 
-// Closes at the end of its scope, and with that gives back the lock that it holds.
-class Descriptor {
- public:
-  explicit Descriptor(int value) : m_value(value) {}
-  ~Descriptor() {
-    if (m_value >= 0) close(m_value);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int Get() const { return m_value; }
-
- private:
-  int m_value;
-};
-
-bool WriteWhole(const std::string& path, const std::string& text) {
-  const Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
-  if (file.Get() < 0) return false;
-  for (std::size_t done = 0; done < text.size();) {
-    const ssize_t count = write(file.Get(), text.data() + done, text.size() - done);
-    if (count < 0 && errno != EINTR) return false;
-    if (count > 0) done += static_cast<std::size_t>(count);
-  }
-  return fsync(file.Get()) == 0;
-}
+// The user's own: nobody else has to know what programs keep there.
+constexpr mode_t kRights = 0600;
 
 enum class Purpose { kRead, kChange };
 
@@ -189,47 +169,36 @@ enum class Purpose { kRead, kChange };
 // lives; a reader finds a whole file at any time.
 class Store {
  public:
-  explicit Store(Purpose purpose)
-      : m_folder(winapi::DataFolder() + "/winapi"),
-        m_lock(purpose == Purpose::kChange ? Lock(m_folder) : -1) {}
+  explicit Store(Purpose purpose) {
+    const std::string folder = winapi::DataFolder() + "/winapi";
+    std::error_code ignored;
+    if (purpose == Purpose::kChange) std::filesystem::create_directories(folder, ignored);
+    m_path = winapi::BehindLinks(folder + "/registry.txt");
+    if (purpose == Purpose::kChange) m_lock.emplace(m_path);
+  }
 
   LSTATUS Read(Keys& keys) const {
-    errno = 0;
-    std::ifstream file(Path());
-    if (!file.is_open()) return errno == ENOENT ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
-    const auto read = ParseKeys(file);
+    std::string text;
+    if (!winapi::ReadWholeFile(m_path, text)) {
+      if (errno == ENOENT) return ERROR_SUCCESS;
+      return errno == EACCES ? ERROR_ACCESS_DENIED : ERROR_REGISTRY_IO_FAILED;
+    }
+    auto read = ParseKeys(text);
     if (!read) return ERROR_BADDB;
-    keys = *read;
+    keys = std::move(*read);
     return ERROR_SUCCESS;
   }
 
-  // The old file stands until the new one is whole.
   LSTATUS Write(const Keys& keys) const {
-    if (m_lock.Get() < 0) return ERROR_CANTWRITE;
-    if (keys.empty()) {
-      return unlink(Path().c_str()) == 0 || errno == ENOENT ? ERROR_SUCCESS : ERROR_CANTWRITE;
-    }
-    const std::string fresh = Path() + ".new";
-    if (WriteWhole(fresh, FormatKeys(keys)) && std::rename(fresh.c_str(), Path().c_str()) == 0) {
-      return ERROR_SUCCESS;
-    }
-    unlink(fresh.c_str());
-    return ERROR_CANTWRITE;
+    if (!m_lock || !m_lock->IsHeld()) return ERROR_CANTWRITE;
+    const bool done = keys.empty() ? unlink(m_path.c_str()) == 0 || errno == ENOENT
+                                   : winapi::ReplaceWholeFile(m_path, FormatKeys(keys), kRights);
+    return done ? ERROR_SUCCESS : ERROR_CANTWRITE;
   }
 
  private:
-  static int Lock(const std::string& folder) {
-    std::error_code ignored;
-    std::filesystem::create_directories(folder, ignored);
-    const int file = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    while (file >= 0 && flock(file, LOCK_EX) != 0 && errno == EINTR) {
-    }
-    return file;
-  }
-  std::string Path() const { return m_folder + "/registry.txt"; }
-
-  std::string m_folder;
-  Descriptor m_lock;
+  std::string m_path;
+  std::optional<winapi::ProfileLock> m_lock;
 };
 
 std::mutex handlesMutex;
@@ -247,9 +216,24 @@ LSTATUS FindHandle(HKEY key, HKEY__& found) {
   return ERROR_SUCCESS;
 }
 
+// What the rights that hold for any object mean for a key.
+REGSAM OfKeys(REGSAM access) {
+  constexpr struct {
+    REGSAM any, ofKey;
+  } kRightsOfKeys[] = {{static_cast<REGSAM>(GENERIC_READ), KEY_READ},
+                       {GENERIC_WRITE, KEY_WRITE},
+                       {GENERIC_EXECUTE, KEY_READ},
+                       {GENERIC_ALL, KEY_ALL_ACCESS},
+                       {MAXIMUM_ALLOWED, KEY_ALL_ACCESS}};
+  for (const auto& right : kRightsOfKeys) {
+    if ((access & right.any) != 0) access |= right.ofKey;
+  }
+  return access;
+}
+
 HKEY NewHandle(const std::string& path, REGSAM access) {
   const std::lock_guard lock(handlesMutex);
-  return *openHandles.insert(new HKEY__{path, access}).first;
+  return *openHandles.insert(new HKEY__{path, OfKeys(access)}).first;
 }
 
 bool IsRoot(const std::string& path) {

@@ -29,6 +29,7 @@ std::string ToUtf8(std::u16string_view text) {
 }
 
 std::u16string FromUtf8(std::string_view text) {
+  if (text.empty()) return {};  // which is an error for the call below
   std::u16string units(text.size(), u'\0');
   units.resize(MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
                                    units.data(), static_cast<int>(units.size())));

@@ -52,9 +52,10 @@ bool MayBeWritten(const std::string& path, const struct stat& status) {
   return false;
 }
 
-bool WriteNew(const std::string& path, const std::string& bytes, const struct stat* old) {
+bool WriteNew(const std::string& path, const std::string& bytes, mode_t mode,
+              const struct stat* old) {
   const Descriptor file(
-      open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+      open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
   if (file < 0) return false;
   if (old != nullptr && !CopyRights(*old, file)) return false;
   return WriteAll(file, bytes) && fsync(file) == 0;
@@ -146,7 +147,7 @@ ProfileLock::~ProfileLock() {
   if (m_descriptor >= 0) close(m_descriptor);
 }
 
-bool ReplaceWholeFile(const std::string& path, const std::string& bytes) {
+bool ReplaceWholeFile(const std::string& path, const std::string& bytes, mode_t ofNew) {
   struct stat old;
   const bool exists = stat(path.c_str(), &old) == 0;
   if (!exists && errno != ENOENT) return false;
@@ -154,7 +155,7 @@ bool ReplaceWholeFile(const std::string& path, const std::string& bytes) {
 
   const std::string written = BesideName(path, ".new");
   unlink(written.c_str());
-  if (WriteNew(written, bytes, exists ? &old : nullptr) &&
+  if (WriteNew(written, bytes, ofNew, exists ? &old : nullptr) &&
       rename(written.c_str(), path.c_str()) == 0) {
     return true;
   }

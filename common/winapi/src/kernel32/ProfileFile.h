@@ -1,4 +1,4 @@
-// Profile files on the disk; internal to the layer.
+// Profile files, and the registry's, on the disk; internal to the layer.
 #pragma once
 
 #include <sys/stat.h>
@@ -51,8 +51,8 @@ class ProfileLock {
 };
 
 // Puts new content in place of a file in one step, flushed to the disk, with the permissions of the
-// old one. The caller holds the lock of the file. False, and the reason in errno, leaves it as it
-// was.
-bool ReplaceWholeFile(const std::string& path, const std::string& bytes);
+// old one, or those given, less the process' mask, for a file that wasn't there. The caller holds
+// the lock of the file. False, and the reason in errno, leaves it as it was.
+bool ReplaceWholeFile(const std::string& path, const std::string& bytes, mode_t ofNew = 0666);
 
 }  // namespace winapi
