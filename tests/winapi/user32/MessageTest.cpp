@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <functional>
 #include <future>
 #include <string>
@@ -377,6 +378,54 @@ TEST_F(MessageTest, ManySendersLoseNothing) {
     for (int t = 0; t < 4; ++t) senders.emplace_back(send, t);
   }
   while (SendMessageW(thread.Window(), WM_APP, 0, 0) != 800) Pause();  // the posted ones come later
+}
+
+// A window's whole life, and what was posted to the thread before.
+bool WindowsWork() {
+  Handler handler = [](HWND window, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT {
+    return message == WM_APP ? 9 : DefWindowProcW(window, message, wParam, lParam);
+  };
+  MSG message = {};
+  PeekMessageW(&message, nullptr, WM_APP, WM_APP, PM_NOREMOVE);  // makes the queue
+  const bool posted = PostThreadMessageW(GetCurrentThreadId(), WM_APP + 1, 0, 0) != FALSE &&
+                      PeekMessageW(&message, nullptr, WM_APP + 1, WM_APP + 1, PM_REMOVE) != FALSE;
+  const HWND window = Create(&handler);
+  return SendMessageW(window, WM_APP, 0, 0) == 9 && DestroyWindow(window) && posted;
+}
+
+// Objects that come before the first window of their thread or process, and so end behind it.
+bool workedAtEnd = false;
+struct LastOfThread {
+  ~LastOfThread() { workedAtEnd = WindowsWork(); }
+};
+struct LastOfProcess {
+  ~LastOfProcess() { std::_Exit(WindowsWork() ? 7 : 1); }
+};
+
+TEST_F(MessageTest, WorksToTheEndOfAThread) {
+  bool before = false;
+  HWND left = nullptr;
+  std::thread([&] {
+    thread_local LastOfThread last;
+    EXPECT_NE(&last, nullptr);
+    before = WindowsWork();
+    static Handler none = DefWindowProcW;
+    left = Create(&none);
+  }).join();
+  EXPECT_TRUE(before);
+  EXPECT_TRUE(workedAtEnd);
+  EXPECT_FALSE(IsWindow(left));
+}
+
+TEST_F(MessageTest, WorksToTheEndOfTheProcess) {
+  EXPECT_EXIT(
+      {
+        static LastOfProcess last;
+        EXPECT_NE(&last, nullptr);
+        WindowsWork();
+        std::exit(0);
+      },
+      testing::ExitedWithCode(7), "");
 }
 
 }  // namespace

@@ -110,7 +110,7 @@ class KernelLock {
   std::shared_ptr<KernelObject> m_closed;  // its end may take time, so it comes behind the lock
 };
 
-// A thread, made by CreateThread or known by its first wait.
+// A thread, made by CreateThread or known by its first wait or window.
 class Thread : public KernelObject {
  public:
   static constexpr KernelType kType = KernelType::kThread;
@@ -131,6 +131,7 @@ class Thread : public KernelObject {
   DWORD exitCode = 0;
   Times times;  // those of the end, but for the creation
   std::vector<KernelObject*> owned;
+  std::shared_ptr<void> windows;  // what user32 keeps of it; goes before waits for the thread end
   Parking parking;
 };
 

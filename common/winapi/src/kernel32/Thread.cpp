@@ -74,6 +74,7 @@ using Record = std::shared_ptr<Thread>;
 void EndThread(void* pointer) {
   const std::unique_ptr<Record> record(static_cast<Record*>(pointer));
   Thread& thread = **record;
+  thread.windows.reset();
   currentThread = nullptr;
 
   KernelLock lock;

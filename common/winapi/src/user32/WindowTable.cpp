@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "kernel32/KernelObject.h"
+
 namespace winapi {
 
 void SentMessage::Answer(LRESULT answer) {
@@ -17,7 +19,8 @@ void SentMessage::Fail() {
 
 namespace {
 
-// The thread's hold on its queue.
+// The thread's hold on its queue. No thread_local object: these end one by one, those of the main
+// thread even before the static ones, and one that ends later may still call.
 class QueueOwner {
  public:
   QueueOwner() {
@@ -70,8 +73,9 @@ void WindowTable::Erase(HWND window) {
 }
 
 std::shared_ptr<MessageQueue> ThreadQueue() {
-  thread_local const QueueOwner owner;
-  return owner.Queue();
+  std::shared_ptr<void>& owner = Thread::Current().windows;
+  if (owner == nullptr) owner = std::make_shared<QueueOwner>();
+  return static_cast<const QueueOwner*>(owner.get())->Queue();
 }
 
 }  // namespace winapi

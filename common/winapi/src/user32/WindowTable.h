@@ -91,8 +91,9 @@ struct WindowTable {
 // It outlives all threads and static objects.
 WindowTable& Table();
 
-// The queue of the calling thread, made at its first call; it ends with the thread, and so do the
-// thread's windows. Takes the lock.
+// The queue of the calling thread, made at its first call. It ends behind the thread's local
+// objects, and so do the thread's windows; that of the main thread outlives the static objects.
+// Takes the lock.
 std::shared_ptr<MessageQueue> ThreadQueue();
 
 }  // namespace winapi
