@@ -5,6 +5,9 @@
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <string>
 
 #include "kelp0lang/LocalTimeComputer.h"
 #include "kelp0lang/UtcTime.h"
@@ -92,6 +95,56 @@ TEST(HostLocalTime, AgreesWithTheCLibrary) {
     SCOPED_TRACE(zone);
     const ZoneScope scope(zone);
     ASSERT_NO_FATAL_FAILURE(ExpectAgreement());
+  }
+}
+
+// The first hour of this year by the local clock, or of the next one.
+std::time_t BeginOfYear(int yearsOn) {
+  const std::time_t now = std::time(nullptr);
+  tm local;
+  localtime_r(&now, &local);
+  tm begin = {};
+  begin.tm_year = local.tm_year + yearsOn;
+  begin.tm_mday = 1;
+  begin.tm_isdst = -1;
+  return std::mktime(&begin);
+}
+
+// A computer that knows many years looks only at those around a moment's own; one that knows this
+// year alone looks at all that it has.
+void ExpectAgreementOfThisYear() {
+  CLocalTimeComputer young, old;
+  old.Utc_to_Local(0);
+  old.Utc_to_Local(Ms(BeginOfYear(100)));
+  int changes = 0, apart = 0;
+  const std::time_t begin = BeginOfYear(0), end = BeginOfYear(1);
+  Offset before = OffsetAt(begin);
+  for (std::time_t moment = begin; moment < end; moment += kHour) {
+    const Offset now = OffsetAt(moment);
+    changes += now.seconds != before.seconds;
+    before = now;
+    const std::uint64_t local = Ms(moment + now.seconds);
+    apart += young.Utc_to_Local(Ms(moment)) != local;
+    ASSERT_EQ(old.Utc_to_Local(Ms(moment)), young.Utc_to_Local(Ms(moment))) << moment;
+    ASSERT_EQ(old.Local_to_Utc(local), young.Local_to_Utc(local)) << moment;
+  }
+  // Other numbers of changes are none that the record of a zone can tell.
+  EXPECT_TRUE(apart == 0 || (changes != 0 && changes != 2)) << apart << " hours";
+}
+
+TEST(HostLocalTime, AgreesInEveryZoneOfTheDatabaseThisYear) {
+  const std::filesystem::path database = "/usr/share/zoneinfo";
+  if (!std::filesystem::exists(database)) GTEST_SKIP() << "there is no database of zones";
+  for (std::filesystem::recursive_directory_iterator entry(database), end; entry != end; ++entry) {
+    const std::filesystem::path& path = entry->path();
+    // They have the same zones once more.
+    if (path == database / "posix" || path == database / "right") entry.disable_recursion_pending();
+    std::ifstream file(path, std::ios::binary);
+    std::string magic(4, ' ');
+    if (!file.read(magic.data(), 4) || magic != "TZif") continue;
+    SCOPED_TRACE(path);
+    const ZoneScope scope(path.c_str());
+    ASSERT_NO_FATAL_FAILURE(ExpectAgreementOfThisYear());
   }
 }
 

@@ -33,9 +33,12 @@ typedef struct _TIME_ZONE_INFORMATION {
 // daylight saving. Never fails.
 //
 // The zone is that of TZ, where it is set, else of /etc/localtime: a rule ("CET-1CEST,M3.5.0,
-// M10.5.0/3") or a zone file, which ends with one. The names are the rule's. Of two offsets the
-// lesser is standard time, though the rule call it the other way, as the Irish does. A zone that
-// can't be read is UTC. What a record can't tell is made to fit: 24:00 is 23:59:59.999, days of the
-// year and times further outside of their day become the weekday and week that they have in the
-// current year, daylight saving all the year the standard time.
+// M10.5.0/3") or a zone file. A file's record has the changes of the current year: by the rule at
+// its end where that foretells them, else, as where clocks go back for Ramadan, each as the weekday
+// and week on which it falls this year, so that only this year is right. A record has two changes;
+// of a file's three or more they are the last and the next one. The names are those of the periods.
+// Of two offsets the lesser is standard time, though the rule call it the other way, as the Irish
+// does. A zone that can't be read is UTC. What a record can't tell is made to fit: 24:00 is
+// 23:59:59.999, days of the year and times further outside of their day become the weekday and week
+// that they have in the current year, daylight saving all the year the standard time.
 WINAPI_EXPORT DWORD WINAPI GetTimeZoneInformation(LPTIME_ZONE_INFORMATION zone);

@@ -2,22 +2,30 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <ctime>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "tests/TempFolder.h"
 #include "tests/ZoneScope.h"
 
 using std::chrono::days;
 using std::chrono::hours;
+using std::chrono::milliseconds;
+using std::chrono::minutes;
+using std::chrono::seconds;
 using std::chrono::sys_days;
 using std::chrono::weekday;
 using std::chrono::year;
 using Hours = std::chrono::sys_time<hours>;
+using Milliseconds = std::chrono::sys_time<milliseconds>;
 
 namespace {
 
@@ -94,6 +102,81 @@ TEST(HostZone, WhatIsNoRuleIsUtc) {
   }
 }
 
+// What a date of a record means in a year; 23:59:59.999 is the end of its day.
+Milliseconds Meant(const SYSTEMTIME& date, year y) {
+  const auto m = y / date.wMonth;
+  const weekday day(date.wDayOfWeek);
+  const sys_days last = m / day[std::chrono::last], counted = m / day[date.wDay];
+  return (date.wDay == 5 ? last : counted) + hours(date.wHour) + minutes(date.wMinute) +
+         seconds(date.wSecond) + milliseconds(date.wMilliseconds);
+}
+
+// Local time minus UTC over a year, by the record.
+class Offsets {
+ public:
+  Offsets(const TIME_ZONE_INFORMATION& zone, year y)
+      : m_standard(-60 * zone.Bias), m_daylight(m_standard - 60 * zone.DaylightBias) {
+    if (zone.DaylightDate.wMonth == 0) return;
+    m_begin = Meant(zone.DaylightDate, y) - seconds(m_standard);
+    m_end = Meant(zone.StandardDate, y) - seconds(m_daylight);
+  }
+  long At(std::time_t moment) const {
+    const Milliseconds at{seconds(moment)};
+    const bool between = at >= std::min(m_begin, m_end) && at < std::max(m_begin, m_end);
+    return between == (m_begin < m_end) ? m_daylight : m_standard;
+  }
+
+ private:
+  long m_standard, m_daylight;
+  Milliseconds m_begin = Milliseconds::max(), m_end = Milliseconds::min();
+};
+
+struct Agreement {
+  int changes = 0;
+  int hoursApart = 0;
+  bool isNow = false;
+};
+
+// Of the record with the C library's clock, over the hours of this year.
+Agreement AgreementOf(const char* name) {
+  const ZoneScope scope(name);
+  TIME_ZONE_INFORMATION zone;
+  GetTimeZoneInformation(&zone);
+  const year y(LocalNow().tm_year + 1900);
+  Agreement agreement;
+  const Offsets offsets(zone, y);
+  agreement.isNow = offsets.At(std::time(nullptr)) == LocalNow().tm_gmtoff;
+  std::time_t moment = seconds(sys_days(y / 1 / 1).time_since_epoch()).count() - 48 * 3600;
+  long before = 0;
+  for (bool first = true;; moment += 3600) {
+    tm local;
+    localtime_r(&moment, &local);
+    if (local.tm_year + 1901 == int{y}) continue;
+    if (local.tm_year + 1900 != int{y}) return agreement;
+    agreement.changes += !first && local.tm_gmtoff != before;
+    agreement.hoursApart += local.tm_gmtoff != offsets.At(moment);
+    before = local.tm_gmtoff;
+    first = false;
+  }
+}
+
+TEST(HostZone, EveryZoneOfTheDatabaseAgreesWithTheClock) {
+  const std::filesystem::path database = "/usr/share/zoneinfo";
+  if (!std::filesystem::exists(database)) GTEST_SKIP() << "there is no database of zones";
+  for (std::filesystem::recursive_directory_iterator entry(database), end; entry != end; ++entry) {
+    const std::filesystem::path& path = entry->path();
+    // They have the same zones once more.
+    if (path == database / "posix" || path == database / "right") entry.disable_recursion_pending();
+    std::ifstream file(path, std::ios::binary);
+    char magic[4] = {};
+    if (!file.read(magic, 4) || std::string(magic, 4) != "TZif") continue;
+    const Agreement agreement = AgreementOf(path.c_str());
+    EXPECT_TRUE(agreement.isNow) << path;
+    if (agreement.changes != 0 && agreement.changes != 2) continue;  // more than a record holds
+    EXPECT_EQ(agreement.hoursApart, 0) << path;
+  }
+}
+
 // Days of the year, and times outside of their day, hold for the current year.
 TEST(HostZone, OtherDatesBecomeThoseOfThisYear) {
   const year y(LocalNow().tm_year + 1900);
@@ -111,36 +194,87 @@ TEST(HostZone, OtherDatesBecomeThoseOfThisYear) {
       {"IST-2IDT,M3.4.4/26,M10.5.0", thursday + hours(26), lastOfOctober + hours(2)},
       {"<-02>2<-01>,M3.5.0/-1,M10.5.0/0", lastOfMarch - hours(1), lastOfOctober},
   };
-  // What a date of a record means in a year.
-  const auto meant = [y](const SYSTEMTIME& date) -> Hours {
-    const auto m = y / date.wMonth;
-    const weekday day(date.wDayOfWeek);
-    const sys_days last = m / day[std::chrono::last], counted = m / day[date.wDay];
-    return (date.wDay == 5 ? last : counted) + hours(date.wHour);
-  };
   for (const auto& c : kCases) {
     const ZoneScope scope(c.zone);
     TIME_ZONE_INFORMATION zone;
     GetTimeZoneInformation(&zone);
-    EXPECT_EQ(meant(zone.DaylightDate), c.begin) << c.zone << ' ' << TextOf(zone.DaylightDate);
-    EXPECT_EQ(meant(zone.StandardDate), c.end) << c.zone << ' ' << TextOf(zone.StandardDate);
+    EXPECT_EQ(Meant(zone.DaylightDate, y), c.begin) << c.zone << ' ' << TextOf(zone.DaylightDate);
+    EXPECT_EQ(Meant(zone.StandardDate, y), c.end) << c.zone << ' ' << TextOf(zone.StandardDate);
   }
 }
 
-// A zone file with one type of local time and no change in its tables.
-std::string ZoneFile(char version, const std::string& rule) {
-  const std::string counts(16, '\0');  // of what the file hasn't
-  const std::string types("\0\0\0\1", 4), nameBytes("\0\0\0\4", 4);
-  const std::string type("\0\0\x0e\x10\0\0", 6);  // an hour to the east
-  const std::string block = std::string("TZif") + version + std::string(15, '\0') + counts + types +
-                            nameBytes + type + std::string("OLD", 4);
-  return version < '2' ? block : block + block + '\n' + rule + '\n';
+std::string BigEndian(std::int64_t number, int size) {
+  std::string bytes;
+  for (int i = size - 1; i >= 0; --i) bytes += static_cast<char>(number >> 8 * i);
+  return bytes;
+}
+
+// Moments, and the hours to the east, 0 to 2, from there on.
+using Changes = std::vector<std::pair<std::time_t, int>>;
+
+// A zone file that begins an hour to the east.
+std::string ZoneFile(char version, const std::string& rule, const Changes& changes = {}) {
+  const auto block = [version](const Changes& table) {
+    std::string bytes = std::string("TZif") + version + std::string(15 + 12, '\0');
+    bytes +=
+        BigEndian(static_cast<std::int64_t>(table.size()), 4) + BigEndian(4, 4) + BigEndian(4, 4);
+    for (const auto& [moment, hours] : table) bytes += BigEndian(moment, 8);
+    for (const auto& [moment, hours] : table) bytes += static_cast<char>(hours + 1);
+    for (const int hours : {1, 0, 1, 2}) bytes += BigEndian(hours * 3600, 4) + std::string(2, '\0');
+    return bytes + std::string("OLD", 4);
+  };
+  return version < '2' ? block({}) : block({}) + block(changes) + '\n' + rule + '\n';
+}
+
+TEST(HostZone, AFileGivesTheChangesOfThisYearThoughItsRuleKnowsNone) {
+  const TempFolder folder;
+  const std::time_t now = std::time(nullptr);
+  const year y(LocalNow().tm_year + 1900);
+  const auto toSeconds = [](sys_days day) { return seconds(day.time_since_epoch()).count(); };
+  const std::time_t begin = toSeconds(y / 1 / 2), end = toSeconds(y / 12 / 30);
+  const auto part = [](std::time_t from, std::time_t to, int thirds) {
+    return (from + (to - from) * thirds / 3) / 3600 * 3600;
+  };
+  const std::time_t past1 = part(begin, now, 1), past2 = part(begin, now, 2),
+                    next1 = part(now, end, 1), next2 = part(now, end, 2);
+  const std::time_t spring = toSeconds(y / 3 / 29) + 3600, autumn = toSeconds(y / 10 / 30);
+  const struct {
+    Changes changes;
+    int hoursApart;  // -1: those of a year that no record can tell
+  } kCases[] = {
+      {{}, 0},
+      {{{spring, 0}, {autumn, 1}}, 0},
+      {{{spring, 2}, {autumn, 1}}, 0},
+      {{{spring, 2}}, 0},
+      // Its year begins with an hour that the record counts to the year before.
+      {{{autumn, 0}}, 1},
+      {{{past1, 2}, {past2, 1}, {next1, 2}}, -1},
+      {{{past1, 0}, {next1, 1}, {next2, 2}}, -1},
+      {{{past1, 0}, {past2, 1}, {next1, 2}, {next2, 0}}, -1},
+      {{{past1, 0}, {past2, 2}}, -1},
+      {{{next1, 2}, {next2, 0}}, -1},
+  };
+  constexpr std::time_t kRoom = 9 * 86400;
+  const bool hasRoom = now - begin > kRoom && end - now > kRoom;
+  for (std::size_t i = 0; i < std::size(kCases); ++i) {
+    if (kCases[i].hoursApart < 0 && !hasRoom) continue;  // for changes on both sides of now
+    const Changes& changes = kCases[i].changes;
+    const std::string last = std::to_string(changes.empty() ? 1 : changes.back().second);
+    folder.Write("Zone" + std::to_string(i), ZoneFile('2', "<+0" + last + ">-" + last, changes));
+    const std::string path = folder.Path() / ("Zone" + std::to_string(i));
+    const Agreement agreement = AgreementOf(path.c_str());
+    EXPECT_EQ(agreement.changes, static_cast<int>(changes.size())) << i;
+    EXPECT_TRUE(agreement.isNow) << i;
+    if (kCases[i].hoursApart < 0) continue;
+    EXPECT_EQ(agreement.hoursApart, kCases[i].hoursApart) << i;
+  }
 }
 
 TEST(HostZone, AFileGivesTheRuleAtItsEnd) {
   const TempFolder folder;
-  folder.Write("Rome", ZoneFile('2', "CET-1CEST,M3.5.0,M10.5.0/3"));
-  folder.Write("Lord_Howe", ZoneFile('3', "<+1030>-10:30<+11>-11,M10.1.0,M4.1.0"));
+  const Changes past = {{0, 1}};  // behind which the rule holds
+  folder.Write("Rome", ZoneFile('2', "CET-1CEST,M3.5.0,M10.5.0/3", past));
+  folder.Write("Lord_Howe", ZoneFile('3', "<+1030>-10:30<+11>-11,M10.1.0,M4.1.0", past));
   folder.Write("None", ZoneFile('2', ""));
   folder.Write("Old", ZoneFile('\0', ""));
   folder.Write("Cut", ZoneFile('2', "CET-1CEST,M3.5.0,M10.5.0/3").substr(0, 4));

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "kernel32/PathName.h"
+#include "kernel32/ZoneChanges.h"
 #include "kernel32/ZoneRule.h"
 
 using std::chrono::days;
@@ -50,22 +51,24 @@ ZoneFile ReadZoneFile(const std::string& path) {
   return result;
 }
 
-// For a file without a rule: the offset that is in force now, for good.
-ZoneRule OffsetOfNow() {
-  const std::time_t now = std::time(nullptr);
-  tzset();
-  tm local;
-  localtime_r(&now, &local);
-  return {{local.tm_zone, seconds(local.tm_gmtoff)}, {}};
-}
+// The moment of a call, and the year that the local clock shows then.
+struct Now {
+  Now() : year(std::chrono::year_month_day(floor<days>(moment + PeriodAt(moment).offset)).year()) {}
+  const sys_seconds moment = floor<seconds>(std::chrono::system_clock::now());
+  const std::chrono::year year;
+};
 
-ZoneRule RuleOfFile(const ZoneFile& file) {
+// A file may have other changes for this year than its rule has: those of a rule that begins later,
+// or that follow another calendar.
+ZoneRule RuleOfFile(const ZoneFile& file, const Now& now) {
+  const ZoneChanges changes = ChangesIn(now.year);
   const std::optional<ZoneRule> rule = ParseZoneRule(file.rule);
-  return rule ? *rule : OffsetOfNow();
+  if (rule && Foretells(*rule, changes, now.year)) return *rule;
+  return RuleOf(changes, now.year, now.moment);
 }
 
 // What TZ says: a file, by its path or its name in the folder of zones, or a rule.
-ZoneRule RuleOfText(std::string_view text) {
+ZoneRule RuleOfText(std::string_view text, const Now& now) {
   ZoneRule utc{{"UTC", seconds(0)}, {}};
   if (text.starts_with(':')) text.remove_prefix(1);
   if (text.empty()) return utc;
@@ -73,12 +76,12 @@ ZoneRule RuleOfText(std::string_view text) {
   std::string path(text);
   if (path[0] != '/') path = std::string(folder == nullptr ? kZoneFolder : folder) + '/' + path;
   const ZoneFile file = ReadZoneFile(path);
-  return file.isZone ? RuleOfFile(file) : ParseZoneRule(text).value_or(utc);
+  return file.isZone ? RuleOfFile(file, now) : ParseZoneRule(text).value_or(utc);
 }
 
-ZoneRule RuleOfMachine() {
-  if (const char* const text = std::getenv("TZ")) return RuleOfText(text);
-  return RuleOfText(kZoneOfMachine);
+ZoneRule RuleOfMachine(const Now& now) {
+  const char* const text = std::getenv("TZ");
+  return RuleOfText(text != nullptr ? text : kZoneOfMachine, now);
 }
 
 LONG ToBias(seconds offset) {
@@ -130,17 +133,16 @@ void SetName(const std::string& name, WCHAR (&target)[32]) {
 }  // namespace
 
 DWORD WINAPI GetTimeZoneInformation(LPTIME_ZONE_INFORMATION zone) {
-  const ZoneRule rule = RuleOfMachine();
+  tzset();
+  const Now now;
+  const ZoneRule rule = RuleOfMachine(now);
   *zone = {};
   zone->Bias = ToBias(rule.standard.offset);
   SetName(rule.standard.name, zone->StandardName);
   if (!rule.daylight) return TIME_ZONE_ID_UNKNOWN;
-  const auto now = floor<seconds>(std::chrono::system_clock::now());
-  const sys_seconds clock = now + rule.standard.offset;
-  const std::chrono::year year = std::chrono::year_month_day(floor<days>(clock)).year();
-  zone->StandardDate = ToRecord(rule.daylight->end, year);
+  zone->StandardDate = ToRecord(rule.daylight->end, now.year);
   SetName(rule.daylight->period.name, zone->DaylightName);
-  zone->DaylightDate = ToRecord(rule.daylight->begin, year);
+  zone->DaylightDate = ToRecord(rule.daylight->begin, now.year);
   zone->DaylightBias = ToBias(rule.daylight->period.offset) - zone->Bias;
-  return rule.IsDaylight(now) ? TIME_ZONE_ID_DAYLIGHT : TIME_ZONE_ID_STANDARD;
+  return rule.IsDaylight(now.moment) ? TIME_ZONE_ID_DAYLIGHT : TIME_ZONE_ID_STANDARD;
 }

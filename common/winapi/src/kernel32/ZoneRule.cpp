@@ -138,8 +138,7 @@ year YearOf(sys_seconds moment) {
 // As "LMT3EDT4,0/0,J365/23" is written: the end of a year's is the begin of the next one's.
 bool NeverEnds(const ZoneRule& rule) {
   constexpr year kAny(2001);
-  return MomentOf(rule.daylight->end, kAny, rule.daylight->period) >=
-         MomentOf(rule.daylight->begin, kAny + std::chrono::years(1), rule.standard);
+  return rule.EndIn(kAny) >= rule.BeginIn(kAny + std::chrono::years(1));
 }
 
 }  // namespace
@@ -155,11 +154,19 @@ sys_days ZoneDate::DayIn(year y) const {
   return y / static_cast<int>(month) / dayOfWeek[week];
 }
 
+sys_seconds ZoneRule::BeginIn(year y) const {
+  return MomentOf(daylight->begin, y, standard);
+}
+
+sys_seconds ZoneRule::EndIn(year y) const {
+  return MomentOf(daylight->end, y, daylight->period);
+}
+
 bool ZoneRule::IsDaylight(sys_seconds moment) const {
   if (!daylight) return false;
   const year y = YearOf(moment + standard.offset);
-  const sys_seconds begin = MomentOf(daylight->begin, y, standard);
-  const sys_seconds end = MomentOf(daylight->end, y, daylight->period);
+  const sys_seconds begin = BeginIn(y);
+  const sys_seconds end = EndIn(y);
   if (begin < end) return begin <= moment && moment < end;
   return begin <= moment || moment < end;
 }

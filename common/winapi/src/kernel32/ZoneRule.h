@@ -41,6 +41,9 @@ struct ZoneRule {
   ZonePeriod standard;
   std::optional<ZoneDaylight> daylight;
 
+  // The moments at which daylight saving, which there is, begins and ends in a year.
+  std::chrono::sys_seconds BeginIn(std::chrono::year year) const;
+  std::chrono::sys_seconds EndIn(std::chrono::year year) const;
   // Whether daylight saving is in force, by the rules of the year that the moment falls into.
   bool IsDaylight(std::chrono::sys_seconds moment) const;
 };
