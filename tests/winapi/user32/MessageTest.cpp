@@ -428,4 +428,16 @@ TEST_F(MessageTest, WorksToTheEndOfTheProcess) {
       testing::ExitedWithCode(7), "");
 }
 
+TEST_F(MessageTest, MessagesBearTheTimeOfTheTickCount) {
+  const DWORD before = GetTickCount();
+  EXPECT_TRUE(PostThreadMessageW(GetCurrentThreadId(), WM_APP, 0, 0));
+  PostQuitMessage(0);
+  for (const UINT expected : {UINT{WM_APP}, UINT{WM_QUIT}}) {
+    MSG message = {};
+    EXPECT_TRUE(PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE));
+    EXPECT_EQ(message.message, expected);
+    EXPECT_LE(message.time - before, GetTickCount() - before);
+  }
+}
+
 }  // namespace

@@ -1,6 +1,5 @@
 // Message queues: sending, posting, and the loop.
 #include <algorithm>
-#include <chrono>
 
 #include "Fail.h"
 #include "user32/WindowTable.h"
@@ -11,12 +10,6 @@ namespace {
 
 constexpr std::size_t kMaxPosted = 10000;
 const HWND kNoWindow = reinterpret_cast<HWND>(static_cast<std::intptr_t>(-1));
-
-DWORD Now() {
-  using namespace std::chrono;
-  return static_cast<DWORD>(
-      duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
-}
 
 // Answers the first message that another thread sent to this one; false where there is none. The
 // lock is left while the window's procedure runs.
@@ -84,7 +77,7 @@ bool NextMessage(MessageQueue& queue, const Filter& filter, bool remove, MSG* me
     return true;
   }
   if (!queue.quit) return false;
-  *message = {nullptr, WM_QUIT, static_cast<WPARAM>(queue.exitCode), 0, Now(), {0, 0}};
+  *message = {nullptr, WM_QUIT, static_cast<WPARAM>(queue.exitCode), 0, GetTickCount(), {0, 0}};
   if (remove) queue.quit = false;
   return true;
 }
@@ -142,7 +135,7 @@ BOOL WINAPI PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam
   const std::lock_guard lock(Table().mutex);
   const auto record = Table().Find(window);
   if (record == nullptr) return Fail(ERROR_INVALID_WINDOW_HANDLE);
-  return winapi::Post(*record->queue, {window, message, wParam, lParam, winapi::Now(), {0, 0}});
+  return winapi::Post(*record->queue, {window, message, wParam, lParam, GetTickCount(), {0, 0}});
 }
 
 BOOL WINAPI PostThreadMessageW(DWORD threadId, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -151,7 +144,7 @@ BOOL WINAPI PostThreadMessageW(DWORD threadId, UINT message, WPARAM wParam, LPAR
   if (found == Table().queues.end()) {
     return Fail(ERROR_INVALID_THREAD_ID);
   }
-  return winapi::Post(*found->second, {nullptr, message, wParam, lParam, winapi::Now(), {0, 0}});
+  return winapi::Post(*found->second, {nullptr, message, wParam, lParam, GetTickCount(), {0, 0}});
 }
 
 void WINAPI PostQuitMessage(int exitCode) {
