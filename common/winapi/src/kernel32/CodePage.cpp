@@ -6,8 +6,11 @@
 
 #include "Fail.h"
 #include "Utf16.h"
+#include "kernel32/CodePageTable.h"
 
 namespace {
+
+using winapi::CodePageTable;
 
 constexpr UINT kLatin1 = 28591;
 constexpr char32_t kReplacement = 0xFFFD;
@@ -20,6 +23,14 @@ class Target {
   void Put(char32_t unit) {
     if (m_count < m_size) m_begin[m_count] = static_cast<C>(unit);
     ++m_count;
+  }
+  // Two that stand together or not at all.
+  void PutPair(unsigned char lead, unsigned char trail) {
+    if (m_count + 1 < m_size) {
+      m_begin[m_count] = static_cast<C>(lead);
+      m_begin[m_count + 1] = static_cast<C>(trail);
+    }
+    m_count += 2;
   }
   // The result of the call.
   int Finish() const {
@@ -87,15 +98,64 @@ int WideToUtf8(const WCHAR* source, std::size_t size, bool strict, Target<char> 
   return target.Finish();
 }
 
-// A pair of surrogates is one character, and takes one default character.
+// Like Windows' it looks at each unit for itself: a pair of surrogates takes two default
+// characters.
 int WideToLatin1(const WCHAR* source, std::size_t size, char defaultChar, BOOL* usedDefaultChar,
                  Target<char> target) {
-  const WCHAR* const end = source + size;
   bool used = false;
-  while (source < end) {
-    const char32_t value = NextOfUtf16(source, end);
-    used |= value > 0xFF;
-    target.Put(value > 0xFF ? static_cast<unsigned char>(defaultChar) : value);
+  for (const WCHAR* const end = source + size; source < end; ++source) {
+    used |= *source > 0xFF;
+    target.Put(*source > 0xFF ? static_cast<unsigned char>(defaultChar) : *source);
+  }
+  if (usedDefaultChar != nullptr) *usedDefaultChar = used;
+  return target.Finish();
+}
+
+// Characters that a user defines are some in a pair of bytes, and none in a single one.
+bool IsPrivate(char16_t unit) {
+  return unit >= 0xE000 && unit <= 0xF8FF;
+}
+
+int TableToWide(const CodePageTable& table, const char* source, std::size_t size, bool strict,
+                Target<WCHAR> target) {
+  const auto* byte = reinterpret_cast<const unsigned char*>(source);
+  for (const auto* const end = byte + size; byte < end; ++byte) {
+    char16_t unit = CodePageTable::kNone;
+    bool isGood = true;
+    if (!table.IsLead(*byte)) {
+      unit = table.Decode(*byte);
+      isGood = !IsPrivate(unit);
+    } else if (byte + 1 < end && byte[1] != 0) {  // a terminator is never part of a pair
+      unit = table.Decode(byte[0], byte[1]);
+      ++byte;
+    }
+    if (strict && (!isGood || unit == CodePageTable::kNone)) {
+      return Fail(ERROR_NO_UNICODE_TRANSLATION);
+    }
+    target.Put(unit == CodePageTable::kNone ? table.Substitute() : unit);
+  }
+  return target.Finish();
+}
+
+// The default character may have two bytes where the page has them.
+int WideToTable(const CodePageTable& table, const WCHAR* source, std::size_t size,
+                LPCSTR defaultChar, BOOL* usedDefaultChar, Target<char> target) {
+  const auto* const given = reinterpret_cast<const unsigned char*>(defaultChar);
+  unsigned substitute = given == nullptr ? '?' : *given;
+  if (given != nullptr && table.IsLead(*given) && given[1] != 0)
+    substitute = given[0] << 8 | given[1];
+  bool used = false;
+  for (const WCHAR* const end = source + size; source < end; ++source) {
+    unsigned code = table.Encode(*source);
+    if (code == 0 && *source != 0) {
+      used = true;
+      code = substitute;
+    }
+    if (code > 0xFF) {
+      target.PutPair(static_cast<unsigned char>(code >> 8), static_cast<unsigned char>(code));
+    } else {
+      target.Put(code);
+    }
   }
   if (usedDefaultChar != nullptr) *usedDefaultChar = used;
   return target.Finish();
@@ -107,11 +167,12 @@ bool IsOfSystem(UINT codePage) {
   return codePage == CP_ACP || codePage == CP_OEMCP;
 }
 
+bool IsUtf8(UINT codePage) {
+  return codePage == CP_UTF8 || IsOfSystem(codePage);
+}
+
 // What both calls ask of their source and target.
-bool AreGood(UINT codePage, const void* source, int sourceSize, const void* target,
-             int targetSize) {
-  const bool known = IsOfSystem(codePage) || codePage == CP_UTF8 || codePage == kLatin1;
-  if (!known) return false;
+bool AreGood(const void* source, int sourceSize, const void* target, int targetSize) {
   if (source == nullptr || sourceSize == 0 || sourceSize < -1) return false;
   return targetSize == 0 || (targetSize > 0 && target != nullptr && target != source);
 }
@@ -120,15 +181,20 @@ bool AreGood(UINT codePage, const void* source, int sourceSize, const void* targ
 
 int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR source, int sourceSize,
                                LPWSTR target, int targetSize) {
-  if (!AreGood(codePage, source, sourceSize, target, targetSize)) {
+  const bool utf8 = IsUtf8(codePage), latin1 = codePage == kLatin1;
+  const CodePageTable* const table = utf8 || latin1 ? nullptr : CodePageTable::Find(codePage);
+  const bool known = utf8 || latin1 || table != nullptr;
+  if (!known || !AreGood(source, sourceSize, target, targetSize)) {
     return Fail(ERROR_INVALID_PARAMETER);
   }
-  const DWORD allowed = MB_ERR_INVALID_CHARS | (codePage == kLatin1 ? MB_PRECOMPOSED : 0);
+  const DWORD allowed = MB_ERR_INVALID_CHARS | (utf8 ? 0 : MB_PRECOMPOSED);
   if ((flags & ~allowed) != 0) return Fail(ERROR_INVALID_FLAGS);
+  const bool strict = (flags & MB_ERR_INVALID_CHARS) != 0;
   const std::size_t size =
       sourceSize == -1 ? std::strlen(source) + 1 : static_cast<std::size_t>(sourceSize);
   Target<WCHAR> out(target, targetSize);
-  if (codePage != kLatin1) return Utf8ToWide(source, size, flags != 0, out);
+  if (utf8) return Utf8ToWide(source, size, strict, out);
+  if (table != nullptr) return TableToWide(*table, source, size, strict, out);
   for (std::size_t i = 0; i < size; ++i) out.Put(static_cast<unsigned char>(source[i]));
   return out.Finish();
 }
@@ -136,20 +202,23 @@ int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR source, int so
 int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR source, int sourceSize,
                                LPSTR target, int targetSize, LPCSTR defaultChar,
                                BOOL* usedDefaultChar) {
-  if (!AreGood(codePage, source, sourceSize, target, targetSize)) {
+  const bool utf8 = IsUtf8(codePage), latin1 = codePage == kLatin1;
+  const CodePageTable* const table = utf8 || latin1 ? nullptr : CodePageTable::Find(codePage);
+  const bool known = utf8 || latin1 || table != nullptr;
+  if (!known || !AreGood(source, sourceSize, target, targetSize)) {
     return Fail(ERROR_INVALID_PARAMETER);
   }
-  const bool latin1 = codePage == kLatin1;
-  if (!latin1 && (defaultChar != nullptr || usedDefaultChar != nullptr)) {
+  if (utf8 && (defaultChar != nullptr || usedDefaultChar != nullptr)) {
     return Fail(ERROR_INVALID_PARAMETER);
   }
-  const DWORD allowed = (latin1 ? 0 : WC_ERR_INVALID_CHARS) |
-                        (latin1 || IsOfSystem(codePage) ? WC_NO_BEST_FIT_CHARS : 0);
+  const DWORD allowed =
+      (utf8 ? WC_ERR_INVALID_CHARS : 0) | (codePage == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS);
   if ((flags & ~allowed) != 0) return Fail(ERROR_INVALID_FLAGS);
   const std::size_t size = sourceSize == -1 ? std::char_traits<WCHAR>::length(source) + 1
                                             : static_cast<std::size_t>(sourceSize);
   const Target<char> out(target, targetSize);
-  if (!latin1) return WideToUtf8(source, size, (flags & WC_ERR_INVALID_CHARS) != 0, out);
+  if (utf8) return WideToUtf8(source, size, (flags & WC_ERR_INVALID_CHARS) != 0, out);
+  if (table != nullptr) return WideToTable(*table, source, size, defaultChar, usedDefaultChar, out);
   return WideToLatin1(source, size, defaultChar == nullptr ? '?' : *defaultChar, usedDefaultChar,
                       out);
 }
