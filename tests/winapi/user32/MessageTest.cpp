@@ -429,11 +429,12 @@ TEST_F(MessageTest, WorksToTheEndOfTheProcess) {
 }
 
 TEST_F(MessageTest, MessagesBearTheTimeOfTheTickCount) {
+  MSG message = {};
+  PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);  // makes the queue
   const DWORD before = GetTickCount();
   EXPECT_TRUE(PostThreadMessageW(GetCurrentThreadId(), WM_APP, 0, 0));
   PostQuitMessage(0);
   for (const UINT expected : {UINT{WM_APP}, UINT{WM_QUIT}}) {
-    MSG message = {};
     EXPECT_TRUE(PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE));
     EXPECT_EQ(message.message, expected);
     EXPECT_LE(message.time - before, GetTickCount() - before);
