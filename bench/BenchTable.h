@@ -59,6 +59,7 @@ void AddChangeWorks();
 void AddThreadWorks();
 void AddValueWorks();
 void AddBitWorks();
+void AddHttpWorks();
 // The folder is where the unit settings are saved, and the rows of text.
 void AddSettingsWorks(const std::filesystem::path& folder);
 void AddProfileWorks(const std::filesystem::path& folder);

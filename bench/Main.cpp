@@ -34,6 +34,7 @@ int main(int argc, char** argv) {
   bench::AddThreadWorks();
   bench::AddValueWorks();
   bench::AddBitWorks();
+  bench::AddHttpWorks();
   bench::AddSettingsWorks(support);
   bench::AddProfileWorks(support);
   bench::AddLineWorks(support);
