@@ -10,7 +10,7 @@ cd "$(dirname "$0")"
 
 need_compiler
 need_packages libbenchmark-dev libfast-float-dev libfmt-dev libgeographiclib-dev \
-  libhowardhinnant-date-dev libicu-dev libpugixml-dev libxml2-dev qtbase5-dev
+  libhowardhinnant-date-dev libicu-dev libpugixml-dev libssl-dev libxml2-dev qtbase5-dev
 build bench kelp_bench
 echo "measuring, for about a minute or two" >&2
 # The repetitions of all works run in random order, so that what slows the machine for a moment

@@ -35,6 +35,7 @@ int main(int argc, char** argv) {
   bench::AddValueWorks();
   bench::AddBitWorks();
   bench::AddHttpWorks();
+  bench::AddDigestWorks();
   bench::AddSettingsWorks(support);
   bench::AddProfileWorks(support);
   bench::AddLineWorks(support);
