@@ -11,6 +11,7 @@ namespace {
 
 const std::string kItalian = std::string(FIELDBOOK_DATA) + "/it.po";
 const std::string kSettings = "Support/config_measunit.dat";
+const std::string kOthers = "Support/fieldbook.ket";
 
 // Runs on settings of its own.
 class Units : public testing::Test {
@@ -39,6 +40,7 @@ TEST_F(Units, EveryKeyTakesItsValuesAndKeepsThem) {
   const std::vector<const char*> lengths = {"ft", "us-ft", "ft-in", "us-ft-in", "ch", "us-ch", "m"};
   // The default comes last.
   const std::pair<const char*, std::vector<const char*>> cases[] = {
+      {"file-units", lengths},
       {"dist-units", lengths},
       {"ts-dist-units", lengths},
       {"area-units", {"ft2", "us-ft2", "ft-in2", "us-ft-in2", "m2"}},
@@ -138,6 +140,68 @@ TEST_F(Units, ShowFollowsTheSettings) {
             "Q,0,0,,\n");
 }
 
+TEST_F(Units, FilesWithoutAUnitAreInThatOfTheSettings) {
+  EXPECT_EQ(Set({"file-units", "us-ft", "dist-units", "us-ft"}).out,
+            "units of files: m -> us-ft\ndistance units: m -> us-ft\n");
+  const std::string row = "P,1766868.5,4000,3\n";
+  const struct {
+    std::string bytes;
+    std::vector<std::string> options;
+    const char* unit;
+    const char* easting;
+  } cases[] = {
+      {row, {}, "in US ft (as the settings say)", "1766868.500"},
+      {row, {"--from", "m"}, "in m (as --from says)", "5796801.070"},
+      {"Point,E (ft),N\n" + row, {}, "in ft (as its heads say)", "1766864.966"},
+      {"Point,E,N\n" + row, {}, "in US ft (as the settings say)", "1766868.500"},
+  };
+  for (const auto& [bytes, options, unit, easting] : cases) {
+    std::vector<std::string> arguments = {"show", "-"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    const std::string out = Run(arguments, bytes).out;
+    EXPECT_NE(out.find(unit), std::string::npos) << out;
+    EXPECT_NE(out.find(easting), std::string::npos) << out;
+  }
+  const std::string file = m_folder.Write("points.csv", row);
+  const ProgramResult edit = Run({"edit", file}, "move P 0.5 0 0\nsave\n");
+  EXPECT_NE(edit.out.find("Easting (US ft) 1766869.000"), std::string::npos) << edit.out;
+  EXPECT_EQ(m_folder.Read("points.csv"), "P,1766869.000,4000.000,3.000,\n");
+}
+
+TEST_F(Units, ADamagedFileOfOtherSettingsIsToldAndSetAside) {
+  Set({"file-units", "us-ft-in"});
+  const std::string sound = m_folder.Read("data/" + kOthers);
+  const std::pair<std::string, const char*> cases[] = {
+      {"", "isn't a whole settings file"},
+      {sound.substr(0, 1), "isn't a whole settings file"},
+      {sound.substr(0, 11), "isn't a whole settings file"},
+      {sound.substr(0, sound.size() - 10), "isn't a whole settings file"},  // "us-ft"
+      {std::string("[Files]\nUnits=ft\n\0", 19), "isn't a whole settings file"},
+      {"[Files]\nUnits=yd\n", "the settings have values that aren't known"},
+  };
+  for (const auto& [bytes, what] : cases) {
+    m_folder.Write("data/" + kOthers, bytes);
+    const ProgramResult show = Run({"show", "-"}, "P,1,2,3,x\n");
+    EXPECT_NE(show.err.find(what), std::string::npos) << bytes << show.err;
+    EXPECT_NE(show.err.find("the defaults stand for file-units"), std::string::npos) << show.err;
+    EXPECT_NE(show.out.find("in m (as the settings say)"), std::string::npos) << show.out;
+    EXPECT_EQ(Set({"file-units", "m"}).status, 0);
+    EXPECT_EQ(Run({"units"}).err, "") << bytes;
+  }
+  EXPECT_EQ(m_folder.Read("data/" + kOthers + ".bak"), cases[4].first);
+  // As somebody may have written it by hand.
+  m_folder.Write("data/" + kOthers, "; mine\n[files]\nunits = ft\n");
+  EXPECT_EQ(ValueIn(Run({"units"}).out, "file-units"), "ft");
+
+  std::filesystem::remove(m_folder.PathOf("data/" + kOthers));
+  std::filesystem::create_directory(m_folder.PathOf("data/" + kOthers));
+  EXPECT_NE(Run({"units"}).err.find("it is a folder; the defaults stand for file-units"),
+            std::string::npos);
+  EXPECT_EQ(Set({"file-units", "ft", "dist-units", "ft"}).status, 1);
+  EXPECT_EQ(ValueIn(Run({"units"}).out, "dist-units"), "m") << "all or nothing";
+  EXPECT_EQ(Set({"dist-units", "ft"}).status, 0);
+}
+
 // What is shown as comma-separated values is a points file with the same points.
 TEST_F(Units, WhatIsShownIsReadBackAsItWas) {
   for (const char* order : {"east-north", "north-east"}) {
@@ -170,7 +234,7 @@ TEST_F(Units, WhatIsUnknownNamesWhatThereIsAndChangesNothing) {
   }
   const std::string error = Set({"distance", "m"}).err;
   EXPECT_EQ(
-      error.find("fieldbook: there is no setting \"distance\", only unit-system, dist-units, "),
+      error.find("fieldbook: there is no setting \"distance\", only unit-system, file-units, "),
       0u);
   EXPECT_EQ(Run({"units", "reset"}).status, 1);
   EXPECT_FALSE(std::filesystem::exists(Data())) << "a folder is made for what is saved";

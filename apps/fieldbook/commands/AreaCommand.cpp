@@ -85,8 +85,8 @@ Status AreaCommand(const CommandLine& line, Console& console) {
     throw UsageFailure({KTEXT("area takes FILE and at least three points, {1} given"),
                         {WString::ValueOf(static_cast<int>(operands.size()))}});
   }
-  const CMeasUnitSystem& settings = OpenSettings(line, console);
-  const LengthStyle style = ChooseDistanceStyle(settings, line);
+  const Settings settings = OpenSettings(line, console);
+  const LengthStyle style = ChooseDistanceStyle(settings.units, line);
   const NamedPoints found = FindPoints(operands[0], NamesBehind(operands, 1),
                                        ChooseLayout(line, settings), line, console);
   RequireSimple(found.points);
@@ -96,7 +96,7 @@ Status AreaCommand(const CommandLine& line, Console& console) {
   console.PrintLine(LayoutText(found.layout));
   Table table(
       {{GetAreaLabel(kelp::Xlate(KTEXT("Area")), enumMeasUnitSize::Normal, true), Align::Left},
-       {settings.FromAreaToString(area), Align::Right}});
+       {settings.units.FromAreaToString(area), Align::Right}});
   table.AddRow({WithUnit(KTEXT("Perimeter"), *style.unit),
                 WriteLength(Perimeter(found.points), unit, style)});
   console.Print(table.Aligned(false));

@@ -27,20 +27,6 @@ enumInchDecPrec ChooseFraction(const CommandLine& line, enumInchDecPrec preset) 
   return given == nullptr ? preset : given->precision;
 }
 
-LayoutWishes ChooseLayout(const CommandLine& line, const CMeasUnitSystem& settings) {
-  LayoutWishes wishes;
-  wishes.from = FindChoice(line, Option::From, kLengthUnits);
-  wishes.isEastFirst = settings.GetCoordDisplayMode() == enumCoordDisplayMode::EastNorth;
-  const Argument* columns = line.Value(Option::Columns);
-  if (columns == nullptr) return wishes;
-  wishes.columns = ReadColumns(columns->text);
-  if (wishes.columns) return wishes;
-  throw UsageFailure({KTEXT("{1}: \"{2}\" isn't an order of P, E, N, Z and D with commas between "
-                            "them, such as P,E,N,Z,D; P, E and N are needed, - is a field that "
-                            "isn't read"),
-                      {NameOf(Option::Columns), Quoted(columns->text)}});
-}
-
 LengthStyle ChooseLengthStyle(const CommandLine& line) {
   const LengthUnit& unit = Choose(line, Option::To, kLengthUnits, kLengthUnits[0]);
   return StyleIn(unit, line, unit.decimals, enumInchDecPrec::Sixteenths);
@@ -63,8 +49,8 @@ LengthStyle StyleIn(const LengthUnit& unit, const CommandLine& line, int decimal
 
 LengthStyle ChooseDistanceStyle(const CMeasUnitSystem& settings, const CommandLine& line) {
   if (line.Has(Option::To)) return ChooseLengthStyle(line);
-  return StyleIn(kLengthUnits[static_cast<int>(settings.GetDistUnits())], line,
-                 settings.GetNumDistDec(), settings.GetDistInchDecPrec());
+  return StyleIn(UnitOf(settings.GetDistUnits()), line, settings.GetNumDistDec(),
+                 settings.GetDistInchDecPrec());
 }
 
 void ComplainOfRows(const FaultList& faults, const Argument& file, Console& console) {

@@ -68,9 +68,6 @@ enumInchDecPrec ChooseFraction(const CommandLine& line, enumInchDecPrec preset);
 // act on the unit.
 LengthStyle StyleIn(const LengthUnit& unit, const CommandLine& line, int decimals,
                     enumInchDecPrec fraction);
-// How points files are laid out where their heads don't say it: by --columns and --from, else by
-// the settings.
-LayoutWishes ChooseLayout(const CommandLine& line, const CMeasUnitSystem& settings);
 // How lengths are to be shown, by --to, --decimals and --denominator.
 LengthStyle ChooseLengthStyle(const CommandLine& line);
 // The same for distances, by the settings where --to doesn't say it.

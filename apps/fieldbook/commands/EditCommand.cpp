@@ -146,7 +146,7 @@ class EditSession {
         m_settings(OpenSettings(line, console)),
         m_list(&m_manager, m_bytes, ChooseLayout(line, m_settings),
                ReadingBar(line, console).GetWatch()),
-        m_style(StyleInUnit(ChoosePointStyle(m_settings, line), m_list.Unit())),
+        m_style(StyleInUnit(ChoosePointStyle(m_settings.units, line), m_list.Unit())),
         m_reporter(m_list, m_style, console) {}
 
   Status Run();
@@ -202,7 +202,7 @@ class EditSession {
   std::string m_bytes;              // of the file, as it was read or written last
   std::vector<fs::path> m_written;  // other files that this run has made
   kelp::CChangeTransactionManager m_manager;
-  const CMeasUnitSystem& m_settings;
+  const Settings m_settings;
   PointList m_list;
   const PointStyle m_style;
   EditReporter m_reporter;

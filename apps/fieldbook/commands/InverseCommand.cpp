@@ -128,11 +128,11 @@ Status InverseCommand(const CommandLine& line, Console& console) {
     throw UsageFailure({KTEXT("inverse takes FILE, FROM and TO, {1} given"),
                         {WString::ValueOf(static_cast<int>(operands.size()))}});
   }
-  const CMeasUnitSystem& settings = OpenSettings(line, console);
-  const LengthStyle style = ChooseDistanceStyle(settings, line);
+  const Settings settings = OpenSettings(line, console);
+  const LengthStyle style = ChooseDistanceStyle(settings.units, line);
   const NamedPoints found = FindPoints(operands[0], NamesBehind(operands, 1),
                                        ChooseLayout(line, settings), line, console);
-  const InverseTexts texts(*found.layout.unit, style, settings);
+  const InverseTexts texts(*found.layout.unit, style, settings.units);
   console.PrintLine(LayoutText(found.layout));
   const Table table = found.points.size() == 2 ? TableOfOne(found.points[0], found.points[1], texts)
                                                : TableOfChain(found.points, texts);

@@ -177,7 +177,7 @@ Status PlotCommand(const CommandLine& line, Console& console) {
     throw UsageFailure({KTEXT("plot takes one FILE, and {1} with the drawing"), {KTEXT("-o")}});
   }
   const Argument& source = line.Operands()[0];
-  const CMeasUnitSystem& settings = OpenSettings(line, console);
+  const Settings settings = OpenSettings(line, console);
   const LayoutWishes wishes = ChooseLayout(line, settings);
   PointFile file;
   {
@@ -191,7 +191,7 @@ Status PlotCommand(const CommandLine& line, Console& console) {
   RequirePoints(source, file.points.size(), file.faults);
   ComplainOfRows(file.faults, source, console);
   if (file.points.empty()) throw Failure(InFile(source, kelp::Xlate(KTEXT("there are no points"))));
-  const LengthUnit& barUnit = kLengthUnits[static_cast<int>(settings.GetDistUnits())];
+  const LengthUnit& barUnit = UnitOf(settings.units.GetDistUnits());
   WriteAll(*output, Drawing(file.points, *file.layout.unit, barUnit).Svg());
   console.PrintLine(LayoutText(file.layout));
   console.PrintLine(

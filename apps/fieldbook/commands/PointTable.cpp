@@ -13,7 +13,7 @@ PointStyle ChoosePointStyle(const CMeasUnitSystem& settings, const CommandLine& 
     style.plane = style.height = ChooseLengthStyle(line);
     return style;
   }
-  const LengthUnit& unit = kLengthUnits[static_cast<int>(settings.GetDistUnits())];
+  const LengthUnit& unit = UnitOf(settings.GetDistUnits());
   style.plane = StyleIn(unit, line, settings.GetNumCoordDec(), settings.GetCoordInchDecPrec());
   style.height = StyleIn(unit, line, settings.GetNumQuoteDec(), settings.GetQuoteInchDecPrec());
   return style;

@@ -28,10 +28,10 @@ Status PolarCommand(const CommandLine& line, Console& console) {
     throw UsageFailure({KTEXT("polar takes FILE, FROM, DIRECTION and DISTANCE, {1} given"),
                         {WString::ValueOf(static_cast<int>(operands.size()))}});
   }
-  const CMeasUnitSystem& settings = OpenSettings(line, console);
-  const PointStyle style = ChoosePointStyle(settings, line);
-  const double gon = ReadDirection(operands[2].text, settings);
-  const LengthUnit& unit = *ChooseDistanceStyle(settings, line).unit;
+  const Settings settings = OpenSettings(line, console);
+  const PointStyle style = ChoosePointStyle(settings.units, line);
+  const double gon = ReadDirection(operands[2].text, settings.units);
+  const LengthUnit& unit = *ChooseDistanceStyle(settings.units, line).unit;
   const Reading distance = ReadLength(operands[3].text, unit, DecimalMark::PointOrComma);
   if (distance.fault) {
     throw Failure(

@@ -8,6 +8,7 @@
 #include <array>
 
 #include "fieldbook/commands/Commands.h"
+#include "fieldbook/commands/SettingsFile.h"
 #include "kelp0lang/CurrMeasUnitInfo.h"
 #include "kelp0lang/LegacyPath.h"
 #include "kelp0lang/SpecialFolder.h"
@@ -17,6 +18,8 @@ namespace {
 
 constexpr const WChar* kDataFolder = KTEXT("fieldbook");
 constexpr int kFolderAsItStands = -1;
+constexpr const WChar* kFilesSection = KTEXT("Files");
+constexpr const WChar* kUnitsKey = KTEXT("Units");
 
 template <class Entry, std::size_t N>
 constexpr std::array<const WChar*, N> NamesIn(const Entry (&entries)[N]) {
@@ -63,17 +66,25 @@ Value ValueOf(void (CMeasUnitSystem::*set)(Value));
 template <auto kGet, auto kSet>
 Setting Make(const WChar* key, const WChar* title, const Choices& choices) {
   return {key, title, choices,
-          [](const CMeasUnitSystem& system) { return static_cast<int>((system.*kGet)()); },
-          [](CMeasUnitSystem& system, int value) {
-            (system.*kSet)(static_cast<decltype(ValueOf(kSet))>(value));
+          [](const Settings& settings) { return static_cast<int>((settings.units.*kGet)()); },
+          [](Settings& settings, int value) {
+            (settings.units.*kSet)(static_cast<decltype(ValueOf(kSet))>(value));
           }};
 }
 
 Setting MakeUnitSystem() {
   return {KTEXT("unit-system"), KTEXT("unit system"), All(kSystemNames),
-          [](const CMeasUnitSystem& system) { return static_cast<int>(system.GetUnitSystem()); },
-          [](CMeasUnitSystem& system, int value) {
-            system.SetUnitSystem(static_cast<enumUnitSystem>(value), true);
+          [](const Settings& settings) { return static_cast<int>(settings.units.GetUnitSystem()); },
+          [](Settings& settings, int value) {
+            settings.units.SetUnitSystem(static_cast<enumUnitSystem>(value), true);
+          }};
+}
+
+Setting MakeFileUnits() {
+  return {KTEXT("file-units"), KTEXT("units of files"), All(kDistNames),
+          [](const Settings& settings) { return static_cast<int>(settings.fileUnits); },
+          [](Settings& settings, int value) {
+            settings.fileUnits = static_cast<enumDisplayDistUnits>(value);
           }};
 }
 
@@ -88,6 +99,14 @@ WString JoinNames(const Choices& choices) {
     names += choices.names[i];
   }
   return names;
+}
+
+// The value of this name; one that is no choice where there is none.
+int ValueNamed(const WString& name, const Choices& choices) {
+  const WChar* const* end = choices.names + choices.count;
+  const auto* found =
+      std::find_if(choices.names, end, [&name](const WChar* n) { return name.Compare(n) == 0; });
+  return choices.first + static_cast<int>(found - choices.names);
 }
 
 // A separator at the end would keep the library from making the folder.
@@ -117,8 +136,8 @@ void SetUpFolder(const CommandLine& line) {
 
 // Every known value goes through a system of defaults, so that what is left there stands for the
 // unknown ones. Gives the keys of these.
-WString ReplaceUnknown(CMeasUnitSystem& settings) {
-  CMeasUnitSystem known;
+WString ReplaceUnknown(Settings& settings) {
+  Settings known;
   WString unknown;
   for (const Setting& setting : AllSettings()) {
     const int value = setting.get(settings);
@@ -130,17 +149,13 @@ WString ReplaceUnknown(CMeasUnitSystem& settings) {
     }
   }
   for (const Setting& setting : AllSettings()) setting.set(settings, setting.get(known));
-  settings.ResetNotify();
   return unknown;
 }
 
-// What is wrong with the settings file as a whole. One that isn't there is none.
-Message DamageOfFile() {
-  const WString shown =
-      SystemPath(kelp::GetProgramDataSupportFolderPath(KTEXT("config_measunit.dat")));
-  Argument file;
-  file.text = shown;
-  file.path = std::filesystem::path(shown.c_str());
+// What is wrong with the file of the units as a whole. One that isn't there is none.
+WString DamageOfUnits() {
+  const Argument file =
+      ToArgument(kelp::GetProgramDataSupportFolderPath(KTEXT("config_measunit.dat")));
   std::error_code error;
   if (std::filesystem::status(file.path, error).type() == std::filesystem::file_type::not_found) {
     return {};
@@ -149,13 +164,39 @@ Message DamageOfFile() {
   try {
     bytes = ReadAll(file);
   } catch (const Failure& failure) {
-    return {KTEXT("{1}; the defaults stand for all settings"), {failure.GetMsg()}};
+    return failure.GetMsg();
   }
   constexpr std::size_t kSize = 135;
   constexpr std::string_view kHeader("\x3A\0\1\0\0", 5);
   if (bytes.size() == kSize && bytes.starts_with(kHeader)) return {};
-  return {KTEXT("{1} isn't a whole settings file; the defaults stand for all settings"),
-          {Shown(shown)}};
+  return NotWhole(Shown(file.text));
+}
+
+void ReadUnits(Settings& settings, Console& console) {
+  settings.units = *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
+  const WString damage = DamageOfUnits();
+  if (damage.empty()) return;
+  settings.units.CopyFrom(CMeasUnitSystem(), false);
+  console.Complain(Message{KTEXT("{1}; the defaults stand for all settings"), {damage}}.Text());
+}
+
+void ReadOthers(Settings& settings, Console& console) {
+  const SettingsFile file;
+  if (!file.Damage().empty()) {
+    console.Complain(
+        Message{KTEXT("{1}; the defaults stand for {2}"), {file.Damage(), KTEXT("file-units")}}
+            .Text());
+  }
+  const WString unit = file.ReadText(kFilesSection, kUnitsKey);
+  if (unit.empty()) return;
+  const Setting fileUnits = MakeFileUnits();
+  fileUnits.set(settings, ValueNamed(unit, fileUnits.choices));
+}
+
+void SaveUnits(const Settings& settings) {
+  const WString folder = kelp::GetProgramDataSupportFolderPath(WString());
+  CMeasUnitSystem units = settings.units;
+  if (!CheckSeDirExist(folder) || !units.SaveConfig()) FailOnSaving();
 }
 
 }  // namespace
@@ -164,6 +205,7 @@ const std::vector<Setting>& AllSettings() {
   using System = CMeasUnitSystem;
   static const std::vector<Setting> settings = {
       MakeUnitSystem(),
+      MakeFileUnits(),
       Make<&System::GetDistUnits, &System::SetDistUnits>(KTEXT("dist-units"),
                                                          KTEXT("distance units"), All(kDistNames)),
       Make<&System::GetTSDistUnits, &System::SetTSDistUnits>(
@@ -248,41 +290,62 @@ const Setting& RequireSetting(const WString& key) {
 int ReadSetting(const Setting& setting, const WString& text) {
   const Choices& choices = setting.choices;
   if (choices.names == nullptr) return ReadDecimals(setting.key, text);
-  const WChar* const* end = choices.names + choices.count;
-  const auto* name =
-      std::find_if(choices.names, end, [&text](const WChar* n) { return text.Compare(n) == 0; });
-  if (name == end) FailOnChoice(setting.key, text, JoinNames(choices));
-  return choices.first + static_cast<int>(name - choices.names);
+  const int value = ValueNamed(text, choices);
+  if (!IsChoice(setting, value)) FailOnChoice(setting.key, text, JoinNames(choices));
+  return value;
 }
 
-WString SettingText(const Setting& setting, const CMeasUnitSystem& system) {
-  const int value = setting.get(system);
+WString SettingText(const Setting& setting, const Settings& settings) {
+  const int value = setting.get(settings);
   const bool isWord = setting.choices.names != nullptr && IsChoice(setting, value);
   return isWord ? setting.choices.names[value - setting.choices.first] : WString::ValueOf(value);
 }
 
-CMeasUnitSystem& OpenSettings(const CommandLine& line, Console& console) {
+Settings OpenSettings(const CommandLine& line, Console& console) {
   SetUpFolder(line);
-  CMeasUnitSystem& settings = *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
-  if (const Message damage = DamageOfFile()) {
-    settings.CopyFrom(CMeasUnitSystem(), false);
-    settings.ResetNotify();
-    console.Complain(damage.Text());
-  }
+  Settings settings;
+  ReadUnits(settings, console);
+  ReadOthers(settings, console);
   const WString unknown = ReplaceUnknown(settings);
   if (!unknown.empty()) {
     console.Complain(Message{
-        KTEXT("the settings have values that aren't known; the defaults stand "
-              "for {1}"),
+        KTEXT("the settings have values that aren't known; the defaults "
+              "stand for {1}"),
         {unknown}}.Text());
   }
+  settings.units.ResetNotify();
+  *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem() = settings.units;
   return settings;
 }
 
-void SaveSettings(CMeasUnitSystem& settings) {
-  const WString folder = kelp::GetProgramDataSupportFolderPath(WString());
-  if (CheckSeDirExist(folder) && settings.SaveConfig()) return;
-  throw Failure({KTEXT("the settings can't be saved in {1}"), {Shown(SystemPath(folder))}});
+void SaveSettings(const Settings& edited, const Settings& before) {
+  SaveUnits(edited);
+  SettingsFile file;
+  const WString text = SettingText(MakeFileUnits(), edited);
+  const WString stored = file.ReadText(kFilesSection, kUnitsKey);
+  const bool isDefault = edited.fileUnits == Settings().fileUnits && !file.IsBroken();
+  if (stored == text || (stored.empty() && isDefault)) return;
+  try {
+    file.WriteText(kFilesSection, kUnitsKey, text);
+  } catch (const Failure&) {
+    SaveUnits(before);
+    throw;
+  }
+}
+
+LayoutWishes ChooseLayout(const CommandLine& line, const Settings& settings) {
+  LayoutWishes wishes;
+  wishes.from = FindChoice(line, Option::From, kLengthUnits);
+  wishes.fileUnit = &UnitOf(settings.fileUnits);
+  wishes.isEastFirst = settings.units.GetCoordDisplayMode() == enumCoordDisplayMode::EastNorth;
+  const Argument* columns = line.Value(Option::Columns);
+  if (columns == nullptr) return wishes;
+  wishes.columns = ReadColumns(columns->text);
+  if (wishes.columns) return wishes;
+  throw UsageFailure({KTEXT("{1}: \"{2}\" isn't an order of P, E, N, Z and D with commas between "
+                            "them, such as P,E,N,Z,D; P, E and N are needed, - is a field that "
+                            "isn't read"),
+                      {NameOf(Option::Columns), Quoted(columns->text)}});
 }
 
 }  // namespace fieldbook

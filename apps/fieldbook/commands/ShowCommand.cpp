@@ -26,7 +26,7 @@ const WChar* const kShowHelp = KTEXT(
     "                   - reads standard input. Several files are read at once\n"
     "                   and shown in this order, each below its name\n"
     "  --from UNIT      unit of the coordinates in the file, where its heads have\n"
-    "                   none (m)\n"
+    "                   none, instead of file-units of the settings\n"
     "  --columns LIST   the order of the columns, by P(oint), E(asting), N(orthing),\n"
     "                   Z (elevation) and D(escription); - is a field not to be read\n"
     "  --to UNIT        unit to show them in, instead of that of the settings\n"
@@ -218,7 +218,7 @@ class Show {
         m_console(console),
         m_settings(OpenSettings(line, console)),
         m_wishes(ChooseLayout(line, m_settings)),
-        m_style(ChoosePointStyle(m_settings, line)),
+        m_style(ChoosePointStyle(m_settings.units, line)),
         m_filter(line, *m_style.plane.unit),
         m_sort(FindChoice(line, Option::Sort, kSorts)) {}
 
@@ -375,7 +375,7 @@ class Show {
 
   const CommandLine& m_line;
   Console& m_console;
-  const CMeasUnitSystem& m_settings;
+  const Settings m_settings;
   const LayoutWishes m_wishes;
   const PointStyle m_style;
   const PointFilter m_filter;

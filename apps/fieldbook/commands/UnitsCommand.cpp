@@ -1,4 +1,6 @@
 // fieldbook units: the unit settings, shown and changed.
+#include <algorithm>
+
 #include "fieldbook/commands/Commands.h"
 #include "fieldbook/commands/Settings.h"
 #include "fieldbook/console/Table.h"
@@ -21,7 +23,9 @@ const WChar* const kUnitsHelp = KTEXT(
     "KEY and VALUE are\n"
     "  unit-system         metric, imperial or us-survey; sets the units of\n"
     "                      distances, areas, volumes and speeds too\n"
+    "  file-units          units of points files whose heads have none\n"
     "  dist-units, ts-dist-units\n"
+    "                      units of lengths that are shown; these, as file-units:\n"
     "                      m, ft, us-ft, ft-in, us-ft-in, ch, us-ch\n"
     "  area-units          m2, ft2, us-ft2, ft-in2, us-ft-in2\n"
     "  volume-units        m3, ft3, us-ft3, ft-in3, us-ft-in3, yd3, us-yd3\n"
@@ -45,62 +49,69 @@ const WChar* const kUnitsHelp = KTEXT(
     "elevations.\n"
     "\n"
     "Example:\n"
-    "  fieldbook units set dist-units us-ft num-coord-dec 2\n");
+    "  fieldbook units set file-units us-ft dist-units us-ft num-coord-dec 2\n");
 
 namespace {
+
+CMeasUnitSystem& InForce() {
+  return *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem();
+}
 
 // Prints what has changed whenever the library reports a change of the settings.
 class ChangeReporter final : public kelp::CSourceEvent::IEvent {
  public:
-  ChangeReporter(const CMeasUnitSystem& settings, Console& console)
-      : m_settings(settings), m_before(settings), m_console(console) {
-    m_settings.GetContext()->Register(this);
+  ChangeReporter(const Settings& before, const Settings& edited, Console& console)
+      : m_context(*InForce().GetContext()), m_before(before), m_edited(edited), m_console(console) {
+    m_context.Register(this);
   }
-  ~ChangeReporter() { m_settings.GetContext()->Unregister(this); }
+  ~ChangeReporter() { m_context.Unregister(this); }
   ChangeReporter(const ChangeReporter&) = delete;
   ChangeReporter& operator=(const ChangeReporter&) = delete;
 
   void OnBeginEvent(kelp::CSourceEvent*) override {}
   void OnBeforeEndEvent(kelp::CSourceEvent*) override {}
   void OnEndEvent(kelp::CSourceEvent*) override {
-    if (!m_settings.GetContext()->IsMeasUnitSystemChanged()) return;
+    if (!m_context.IsMeasUnitSystemChanged()) return;
+    const Settings now{InForce(), m_edited.fileUnits};
     for (const Setting& setting : AllSettings()) {
-      if (setting.get(m_before) == setting.get(m_settings)) continue;
-      m_console.PrintLine(Message{KTEXT("{1}: {2} -> {3}"),
-                                  {kelp::Xlate(setting.title), SettingText(setting, m_before),
-                                   SettingText(setting, m_settings)}}
+      if (setting.get(m_before) == setting.get(now)) continue;
+      m_console.PrintLine(Message{
+          KTEXT("{1}: {2} -> {3}"),
+          {kelp::Xlate(setting.title), SettingText(setting, m_before), SettingText(setting, now)}}
                               .Text());
     }
-    m_before = m_settings;
     m_hasHeard = true;
   }
 
   bool HasHeard() const { return m_hasHeard; }
 
  private:
-  const CMeasUnitSystem& m_settings;
-  CMeasUnitSystem m_before;
+  CMeasUnitChangeContext& m_context;
+  const Settings& m_before;
+  const Settings& m_edited;
   Console& m_console;
   bool m_hasHeard = false;
 };
 
-// Takes the edited settings over, as one change to whoever listens.
-void PutInForce(const CMeasUnitSystem& edited, CMeasUnitSystem& settings) {
-  const kelp::CSourceEventScope change(settings.GetContext());
-  const bool isOtherSystem = settings.GetUnitSystem() != edited.GetUnitSystem();
-  CCurrMeasUnitInfo::GetInstance()->CopyFrom(edited);
-  // What CopyFrom leaves out.
-  for (const Setting& setting : AllSettings()) {
-    if (setting.get(settings) != setting.get(edited)) setting.set(settings, setting.get(edited));
-  }
-  settings.Notify();
-  // The unit system alone raises no flag.
-  if (isOtherSystem) settings.GetContext()->Notify_Changed();
+bool AreEqual(const Settings& a, const Settings& b) {
+  const std::vector<Setting>& all = AllSettings();
+  return std::all_of(all.begin(), all.end(),
+                     [&](const Setting& setting) { return setting.get(a) == setting.get(b); });
 }
 
-void SetSettings(const std::vector<Argument>& operands, CMeasUnitSystem& settings,
-                 Console& console) {
-  CMeasUnitSystem edited(settings);
+// Takes the edited settings over, as one change to whoever listens.
+void PutInForce(const Settings& edited, const Settings& before) {
+  CMeasUnitChangeContext* context = InForce().GetContext();
+  const kelp::CSourceEventScope change(context);
+  CCurrMeasUnitInfo::GetInstance()->CopyFrom(edited.units);
+  // What CopyFrom leaves out, and what raises no flag of the library's.
+  InForce() = edited.units;
+  InForce().ResetNotify();
+  if (!AreEqual(edited, before)) context->Notify_Changed();
+}
+
+void SetSettings(const std::vector<Argument>& operands, const Settings& before, Console& console) {
+  Settings edited(before);
   for (std::size_t i = 1; i < operands.size(); i += 2) {
     const Setting& setting = RequireSetting(operands[i].text);
     if (i + 1 == operands.size()) {
@@ -109,13 +120,13 @@ void SetSettings(const std::vector<Argument>& operands, CMeasUnitSystem& setting
     setting.set(edited, ReadSetting(setting, operands[i + 1].text));
   }
   // Before it is reported, so that nothing is reported that doesn't last.
-  SaveSettings(edited);
-  const ChangeReporter reporter(settings, console);
-  PutInForce(edited, settings);
+  SaveSettings(edited, before);
+  const ChangeReporter reporter(before, edited, console);
+  PutInForce(edited, before);
   if (!reporter.HasHeard()) console.PrintLine(kelp::Xlate(KTEXT("no setting changes")));
 }
 
-void ShowSettings(const CMeasUnitSystem& settings, Console& console) {
+void ShowSettings(const Settings& settings, Console& console) {
   Table table({{kelp::Xlate(KTEXT("Key")), Align::Left},
                {kelp::Xlate(KTEXT("Value")), Align::Left},
                {kelp::Xlate(KTEXT("Meaning")), Align::Left}});
@@ -136,7 +147,7 @@ Status UnitsCommand(const CommandLine& line, Console& console) {
   if (operands.size() == 1) {
     throw UsageFailure({KTEXT("units set takes KEY and VALUE, at least once"), {}});
   }
-  CMeasUnitSystem& settings = OpenSettings(line, console);
+  const Settings settings = OpenSettings(line, console);
   if (operands.empty()) {
     ShowSettings(settings, console);
   } else {

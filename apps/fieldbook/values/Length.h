@@ -28,6 +28,10 @@ inline constexpr LengthUnit kLengthUnits[] = {
     {KTEXT("us-ch"), KTEXT("US ch"), enumDistUnits::USSurveyChain, false, 5},
 };
 
+inline const LengthUnit& UnitOf(enumDisplayDistUnits unit) {
+  return kLengthUnits[static_cast<int>(unit)];
+}
+
 // The fractions of an inch by their denominators, in the order of enumInchDecPrec.
 struct Fraction {
   const WChar* name;  // on the command line
