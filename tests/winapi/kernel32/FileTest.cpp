@@ -203,6 +203,8 @@ TEST(Path, FullPathsAreTakenFromTheText) {
       {WTEXT("C:\\a\\.."), WTEXT("C:\\")},
       {WTEXT("C:\\a. . "), WTEXT("C:\\a")},
       {WTEXT("C:\\a\\b..c"), WTEXT("C:\\a\\b..c")},
+      {WTEXT("C:\\a.\\b \\c.. ."), WTEXT("C:\\a\\b \\c")},
+      {WTEXT("C:\\a..\\b.\\"), WTEXT("C:\\a.\\b\\")},
       {WTEXT("\\\\server\\share\\x\\..\\y"), WTEXT("\\\\server\\share\\y")},
   };
   for (const auto& [path, full] : kCases) EXPECT_EQ(FullPathOf(path), full);
@@ -221,6 +223,13 @@ TEST(Path, FullPathsAreTakenFromTheText) {
   GetFullPathNameW(WTEXT("C:\\a\\bc\\"), MAX_PATH, buffer, &name);
   EXPECT_EQ(name, nullptr);
   EXPECT_EQ(GetFullPathNameW(WTEXT(""), MAX_PATH, buffer, nullptr), 0u);
+
+  const Wide longPath = WTEXT("C:\\") + Wide(20'000, 'x') + WTEXT("\\y");
+  std::vector<WCHAR> whole(GetFullPathNameW(longPath.c_str(), MAX_PATH, buffer, nullptr));
+  ASSERT_EQ(whole.size(), longPath.size() + 1);
+  EXPECT_EQ(GetFullPathNameW((longPath + WTEXT("\\.")).c_str(), 20'006, whole.data(), &name),
+            longPath.size());
+  EXPECT_EQ(Wide(whole.data()), longPath);
 }
 
 // Each tells the size that a buffer must have, terminator included, and doesn't write into less.

@@ -117,8 +117,10 @@ TEST(Copy, TakesContentTimeAndReadOnly) {
     EXPECT_EQ(folder.Read(path), folder.Read("source"));
     EXPECT_EQ(fs::last_write_time(path), moment);
     const Wide target = folder.Wide(name);
-    const DWORD attributes = GetFileAttributesW(target.c_str());
-    EXPECT_EQ((attributes & FILE_ATTRIBUTE_READONLY) == 0, UnderWine()) << "it leaves that out";
+    // Wine leaves those of a file that was there as they are.
+    if (!UnderWine() || name[0] == 'n') {
+      EXPECT_NE(GetFileAttributesW(target.c_str()) & FILE_ATTRIBUTE_READONLY, 0u);
+    }
     SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_NORMAL);
   }
   SetFileAttributesW(source.c_str(), FILE_ATTRIBUTE_NORMAL);

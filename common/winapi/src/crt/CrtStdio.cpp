@@ -100,6 +100,7 @@ std::FILE* _wfopen(const char16_t* path, const char16_t* mode) {
   std::FILE* file = Open(posix, wanted);
   if (file == nullptr && exists && errno == ENOENT) {
     posix = ToPosixPath(path);
+    if (posix.empty()) return Refuse(EINVAL);
     file = Open(posix, wanted);
   }
   if (file == nullptr) {

@@ -86,7 +86,7 @@ bool ListNames(const std::string& folder, std::u16string_view mask,
     const std::string_view name = entry->d_name;
     const bool isDots = name == "." || name == "..";
     if (isDots && folder == "/") continue;
-    const std::u16string folded = FoldedName(FromUtf8(name));
+    const std::u16string folded = FoldedName(FromDiskName(name));
     if (!Matches(pattern, folded)) continue;
     found.emplace_back(isDots ? std::u16string(name.size(), u'\0') : folded, name);
   }
@@ -103,7 +103,7 @@ void FillData(const std::string& name, const FileInfo& info, WIN32_FIND_DATAW& d
   data.ftLastWriteTime = info.written;
   data.nFileSizeHigh = static_cast<DWORD>(info.size >> 32);
   data.nFileSizeLow = static_cast<DWORD>(info.size);
-  FromUtf8(name).copy(data.cFileName, MAX_PATH - 1);
+  FromDiskName(name).copy(data.cFileName, MAX_PATH - 1);
 }
 
 // What a search handle points to: the names that were found, and how far they have been given.
@@ -155,7 +155,9 @@ HANDLE FindMany(std::string folder, std::u16string_view mask, WIN32_FIND_DATAW& 
 
 HANDLE WINAPI FindFirstFileW(LPCWSTR path, LPWIN32_FIND_DATAW data) {
   const std::u16string_view text = path == nullptr ? u"" : path;
-  const std::size_t maskBegin = text.find_last_of(u"\\/:") + 1;
+  const std::size_t separator = text.find_last_of(u"\\/");
+  const std::size_t driveSize = text.size() >= 2 && text[1] == ':' ? 2 : 0;
+  const std::size_t maskBegin = separator == text.npos ? driveSize : separator + 1;
   const std::u16string_view mask = text.substr(maskBegin);
   if (!HasWildcard(mask)) {
     const std::string posix = ToPosixPath(path);

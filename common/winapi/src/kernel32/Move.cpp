@@ -6,7 +6,6 @@
 
 #include <cerrno>
 #include <string>
-#include <string_view>
 
 #include "Fail.h"
 #include "kernel32/Copy.h"
@@ -18,9 +17,9 @@ namespace {
 
 // The target of a rename that only changes case is the source itself, under the name asked for.
 std::string WithNameOf(const std::string& posixPath, LPCWSTR path) {
-  std::u16string_view name(path);
-  name = name.substr(name.find_last_of(u"\\/:") + 1);
-  return posixPath.substr(0, posixPath.rfind('/') + 1) + ToUtf8(name);
+  std::u16string name = FullPath(path);
+  if (name.back() == '\\') name.pop_back();
+  return posixPath.substr(0, posixPath.rfind('/') + 1) + ToUtf8(name.substr(name.rfind('\\') + 1));
 }
 
 void FlushFolderOf(const std::string& path) {

@@ -9,8 +9,8 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <utility>
@@ -50,6 +50,9 @@ std::u16string FoldedName(std::u16string_view name) {
 }
 
 namespace {
+
+// What stands for a piece of a name that no path can hold.
+constexpr char16_t kReplacement = 0xFFFD;
 
 bool StartsWithDrive(std::u16string_view path) {
   return path.size() >= 2 && path[1] == ':' && IsDriveLetter(path[0]);
@@ -100,30 +103,23 @@ std::u16string_view TakePart(std::u16string_view& path) {
   return part;
 }
 
-// A name without the points and blanks at its end.
+// The last name of a path loses all points and blanks at its end.
 std::u16string_view WithoutTail(std::u16string_view name) {
   const std::size_t last = name.find_last_not_of(u". ");
   return name.substr(0, last == name.npos ? 0 : last + 1);
 }
 
-// What stands for each byte of a path in that of POSIX; 0 for what no name holds.
-constexpr auto kPosixBytes = [] {
-  std::array<char, 0x100> bytes{};
-  for (std::size_t i = 0x20; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i);
-  for (const char unit : {'<', '>', ':', '"', '|', '?', '*'})
-    bytes[static_cast<unsigned char>(unit)] = 0;
-  bytes['\\'] = '/';
-  return bytes;
-}();
+// A name inside a path loses one point at its end and keeps blanks; one of points alone stays.
+std::u16string_view WithoutFinalPoint(std::u16string_view name) {
+  const bool ends = name.ends_with('.') && name.find_first_not_of('.') != name.npos;
+  return ends ? name.substr(0, name.size() - 1) : name;
+}
 
-// Gives false for a path with a name that can't be.
-bool ToPosixBytes(std::string& path) {
-  bool good = true;
-  for (char& byte : path) {
-    byte = kPosixBytes[static_cast<unsigned char>(byte)];
-    good &= byte != 0;
-  }
-  return good;
+bool CanBeMade(std::u16string_view name) {
+  return std::all_of(name.begin(), name.end(), [](char16_t unit) {
+    constexpr std::u16string_view kForbidden = u"<>:\"|?*";
+    return unit >= 0x20 && kForbidden.find(unit) == kForbidden.npos;
+  });
 }
 
 bool Exists(const std::string& path) {
@@ -143,38 +139,26 @@ std::string FindEntry(const std::string& folder, std::u16string_view name) {
   const char first = ToUtf8(name.substr(0, 1))[0];
   const std::u16string wanted = FoldedName(name);
   while (const dirent* entry = readdir(entries.get())) {
-    if (!MayEqual(entry->d_name[0], first)) continue;
-    if (FoldedName(FromUtf8(entry->d_name)) == wanted) return entry->d_name;
+    const char entryFirst = entry->d_name[0];
+    if (entryFirst != '\\' && !MayEqual(entryFirst, first)) continue;
+    if (FoldedName(FromDiskName(entry->d_name)) == wanted) return entry->d_name;
   }
   return {};
 }
 
-// A path below a root with each name as it is on the disk, as far as one is there.
-std::string OnDisk(const std::string& asGiven, std::size_t rootSize) {
-  std::size_t done = asGiven.size();
-  while (done > rootSize && !Exists(asGiven.substr(0, done))) done = asGiven.rfind('/', done - 1);
-
-  std::string path = asGiven.substr(0, done);
-  bool missing = false;
-  while (done < asGiven.size()) {
-    const std::size_t end = std::min(asGiven.find('/', done + 1), asGiven.size());
-    const std::string name = asGiven.substr(done + 1, end - done - 1);
-    std::string entry;
-    if (!missing && !Exists(path + '/' + name)) {
-      entry = FindEntry(path + '/', FromUtf8(name));
-      missing = entry.empty();
-    }
-    path += '/' + (entry.empty() ? name : entry);
-    done = end;
-  }
-  return path;
+// The entry of a folder by a name as it is written, or else in any case; or empty text.
+std::string FindName(const std::string& folder, std::u16string_view name) {
+  if (name.empty()) return {};
+  std::string asWritten = ToUtf8(name);
+  return Exists(folder + asWritten) ? asWritten : FindEntry(folder, name);
 }
 
 }  // namespace
 
 std::u16string CurrentFolder() {
-  char folder[PATH_MAX];
-  if (getcwd(folder, sizeof(folder)) == nullptr) return {};
+  const std::unique_ptr<char, void (*)(void*)> current(getcwd(nullptr, 0), std::free);
+  if (current == nullptr) return {};
+  const char* const folder = current.get();
   // The program may have gone elsewhere since, without the layer.
   char root[PATH_MAX] = "";
   std::string definition;
@@ -190,76 +174,124 @@ std::u16string CurrentFolder() {
   return text;
 }
 
-std::u16string FullPath(std::u16string_view path) {
+namespace {
+
+// The absolute form of a path with its names as they are written or, where trims is set, as the
+// system takes them.
+std::u16string FullPath(std::u16string_view path, bool trims) {
   path = WithoutDevicePrefix(path);
   std::u16string full = TakeBase(path);
   full.reserve(full.size() + path.size() + 1);
   const bool isFolder = !path.empty() && IsSeparator(path.back());
   const std::size_t rootSize = full.starts_with(u"\\\\") ? 2 : 3;
+  std::size_t currentSize =
+      full.size();  // what is left of the current folder, as it is on the disk
   while (!path.empty()) {
-    std::u16string_view part = TakePart(path);
-    if (part == u".") continue;
+    const std::u16string_view part = TakePart(path);
+    if (part.empty() || part == u".") continue;
     if (part == u"..") {
       const std::size_t parent = full.find_last_of('\\');
       full.resize(std::max(parent == full.npos ? 0 : parent, rootSize));
+      currentSize = std::min(currentSize, full.size());
       continue;
     }
-    part = WithoutTail(part);
-    if (part.empty()) continue;
     if (full.back() != '\\') full += '\\';
-    full += part;
+    full += trims ? WithoutFinalPoint(part) : part;
   }
+  if (trims && !isFolder) full.resize(std::max(full.find_last_not_of(u". ") + 1, currentSize));
+  if (full.size() > rootSize && full.back() == '\\') full.pop_back();
   if (isFolder && full.back() != '\\') full += '\\';
   return full;
 }
 
-namespace {
-
-// The file behind a path with the names as they are given. What stands before rootSize is that of
-// the drive; a separator at the end is left out.
-struct GivenPath {
-  std::string posix;
-  std::size_t rootSize;
+// A path with its names as they are written, below the folder that stands as its drive.
+struct WrittenPath {
+  std::string root;
+  std::u16string names;  // "\folder\name", without a separator at the end
   bool endsInSeparator;
+
+  // The file of the first names.
+  std::string Posix(std::size_t size = std::u16string::npos) const {
+    std::string posix = ToUtf8(std::u16string_view(names).substr(0, size));
+    std::replace(posix.begin(), posix.end(), '\\', '/');
+    return root + posix;
+  }
+  std::string WithSeparator(std::string posix) const {
+    if (posix.empty() || endsInSeparator) posix += '/';
+    return posix;
+  }
 };
 
-bool ReadPath(const char16_t* path, GivenPath& given) {
+bool ReadPath(const char16_t* path, WrittenPath& written) {
   if (path == nullptr || *path == 0) return Fail(ERROR_PATH_NOT_FOUND);
-  const std::u16string full = FullPath(path);
+  const std::u16string full = FullPath(path, false);
   if (!StartsWithDrive(full)) return Fail(ERROR_PATH_NOT_FOUND);
-  std::u16string_view names = std::u16string_view(full).substr(2);
-  given.endsInSeparator = names.back() == '\\';
-  names.remove_suffix(given.endsInSeparator);
-  given.posix = ToUtf8(names);
-  if (!ToPosixBytes(given.posix)) return Fail(ERROR_INVALID_NAME);
-  std::string root;
-  if (!FindDrive(full[0], root)) return Fail(ERROR_PATH_NOT_FOUND);
-  given.rootSize = root.size();
-  given.posix.insert(0, root);
+  if (!FindDrive(full[0], written.root)) return Fail(ERROR_PATH_NOT_FOUND);
+  written.names = full.substr(2);
+  written.endsInSeparator = written.names.back() == '\\';
+  if (written.endsInSeparator) written.names.pop_back();
   return true;
 }
 
-std::string WithSeparator(std::string posix, const GivenPath& given) {
-  if (posix.empty() || given.endsInSeparator) posix += '/';
-  return posix;
+// How much of the names is there as they are written.
+std::size_t SizeThere(const WrittenPath& written) {
+  std::size_t size = written.names.size();
+  do {
+    size = size == 0 ? 0 : written.names.rfind('\\', size - 1);
+  } while (size > 0 && !Exists(written.Posix(size)));
+  return size;
+}
+
+// Goes on from what is there: each name as it is on the disk, as far as one is there. Gives false
+// where one that isn't there can't be made.
+bool Resolve(const WrittenPath& written, std::string& posix) {
+  const std::size_t there = SizeThere(written);
+  posix = written.Posix(there);
+  std::u16string_view names = std::u16string_view(written.names).substr(there);
+  TakePart(names);  // nothing, before the separator
+  bool missing = false;
+  while (!names.empty()) {
+    const std::u16string_view name = TakePart(names);
+    const bool isLast = names.empty() && !written.endsInSeparator;
+    const std::u16string_view trimmed = isLast ? WithoutTail(name) : WithoutFinalPoint(name);
+    std::string entry = missing ? std::string() : FindName(posix + '/', name);
+    if (entry.empty() && !missing && trimmed != name) entry = FindName(posix + '/', trimmed);
+    missing = entry.empty();
+    if (missing && !CanBeMade(trimmed)) return false;
+    if (missing) entry = ToUtf8(trimmed);
+    if (!entry.empty()) posix += '/' + entry;
+  }
+  return true;
 }
 
 }  // namespace
 
+std::u16string FullPath(std::u16string_view path) {
+  return FullPath(path, true);
+}
+
 std::string ToPosixPath(const char16_t* path) {
-  GivenPath given;
-  if (!ReadPath(path, given)) return {};
-  return WithSeparator(OnDisk(given.posix, given.rootSize), given);
+  WrittenPath written;
+  if (!ReadPath(path, written)) return {};
+  std::string posix = written.Posix();
+  if (!Exists(posix) && !Resolve(written, posix)) return Fail(ERROR_INVALID_NAME, std::string());
+  return written.WithSeparator(std::move(posix));
 }
 
 std::string ToPosixPathAsGiven(const char16_t* path) {
-  GivenPath given;
-  if (!ReadPath(path, given)) return {};
-  return WithSeparator(std::move(given.posix), given);
+  WrittenPath written;
+  if (!ReadPath(path, written)) return {};
+  return written.WithSeparator(written.Posix());
+}
+
+std::u16string FromDiskName(std::string_view name) {
+  std::u16string text = FromUtf8(name);
+  std::replace(text.begin(), text.end(), u'\\', kReplacement);
+  return text;
 }
 
 std::u16string FromPosixPath(std::string_view path) {
-  std::u16string text = u"C:" + FromUtf8(path);
+  std::u16string text = u"C:" + FromDiskName(path);
   std::replace(text.begin(), text.end(), u'/', u'\\');
   return text;
 }

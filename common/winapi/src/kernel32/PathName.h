@@ -20,16 +20,22 @@ inline bool IsSeparator(char16_t unit) {
 // The current folder, in its Windows form; empty text, and the reason in errno, where it has gone.
 std::u16string CurrentFolder();
 
-// The absolute form of a path by its text alone, "C:\folder\name": without "." and "..", and
-// without the points and blanks that end a name. A separator at the end stays.
+// The absolute form of a path by its text alone, "C:\folder\name": without "." and "..", without
+// the points and blanks that end the last name and one point that ends another. A separator at the
+// end stays.
 std::u16string FullPath(std::u16string_view path);
 
-// The file behind a path. Each part is written as on the disk where one is there that differs at
-// most in case; what isn't there stays as it is. A separator at the end stays. A path that can't
-// have a file (empty, unknown drive, forbidden characters) gives empty text and the last error.
+// The file behind a path. For each name the entry of exactly that name counts first, then one that
+// differs in case, then those of the name as the system takes it, without points and blanks at its
+// end; what isn't there is written so. A separator at the end stays. A path that can't have a file
+// (empty, unknown drive, forbidden characters in what isn't there) gives empty text and the last
+// error.
 std::string ToPosixPath(const char16_t* path);
 // The same without a look at the disk: the file, if the path is written as on the disk.
 std::string ToPosixPathAsGiven(const char16_t* path);
+// A name as Windows has it. A "\" in it, and what isn't UTF-8, is U+FFFD; the file is found by that
+// too.
+std::u16string FromDiskName(std::string_view name);
 // The Windows form of an absolute POSIX path.
 std::u16string FromPosixPath(std::string_view path);
 
