@@ -44,6 +44,7 @@
 #include "kelp0lang/SpecialFolder.h"
 #include "kelp0lang/String.h"
 #include "kelp0lang/StringLoader.h"
+#include "kelp0lang/StubMessage.h"
 #include "kelp0lang/SyncObj.h"
 #include "kelp0lang/ThreadFactory.h"
 #include "kelp0lang/TimeProfiler.h"
