@@ -1,8 +1,10 @@
 // Files, folders and paths.
 //
 // Paths are those of Windows: "\" and "/" separate alike, the root folder is drive C:, other drives
-// are there when DefineDosDeviceW made them. Names are looked up without regard to case and keep
-// the case that the disk has; on disk they are UTF-8. There are no shares ("\\server\share").
+// are there when DefineDosDeviceW made them. A name leads to the entry of exactly that name or
+// else, without regard to case, to one that differs in it; only where there is none, points and
+// blanks go from its end as on Windows. On disk names are UTF-8 and keep their case. There are no
+// shares ("\\server\share").
 #pragma once
 
 #include "minwinbase.h"
@@ -120,6 +122,8 @@ WINAPI_EXPORT DWORD WINAPI GetTempPathW(DWORD size, LPWSTR buffer);
 // The current folder is that of the whole process. A path without a drive goes by its drive.
 WINAPI_EXPORT BOOL WINAPI SetCurrentDirectoryW(LPCWSTR path);
 
+// The drives, a bit for each from A: on.
+WINAPI_EXPORT DWORD WINAPI GetLogicalDrives();
 // Makes a folder stand as a drive ("X:"), on top of what the letter stood for, or takes the topmost
 // definition away again; with a target, the topmost one of that target. C: can't be changed.
 #define DDD_RAW_TARGET_PATH 0x00000001

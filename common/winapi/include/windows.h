@@ -5,6 +5,7 @@
 #include "fileapi.h"
 #include "handleapi.h"
 #include "libloaderapi.h"
+#include "memoryapi.h"
 #include "processthreadsapi.h"
 #include "securitybaseapi.h"
 #include "stringapiset.h"

@@ -292,9 +292,13 @@ TEST(Drive, AFolderStandsAsADriveWhileDefined) {
   folder.Write("Inner/file.txt", "123");
   const Wide target = folder.Wide(WTEXT("Inner"));
   EXPECT_EQ(FindError(WTEXT("Q:\\file.txt")), ERROR_PATH_NOT_FOUND);
+  constexpr DWORD kQ = 1 << ('Q' - 'A');
+  const DWORD drives = GetLogicalDrives();
+  EXPECT_EQ(drives & (kQ | 4), 4u) << "C: and no Q:";
   ASSERT_TRUE(DefineDosDeviceW(0, WTEXT("Q:"), target.c_str()));
   // Wine keeps the definition, but doesn't look files up by it.
   if (!UnderWine()) {
+    EXPECT_EQ(GetLogicalDrives(), drives | kQ);
     EXPECT_EQ(Find(WTEXT("q:/FILE.*")), std::vector<Wide>{WTEXT("file.txt")});
     EXPECT_EQ(FullPathOf(WTEXT("Q:\\x\\..\\y")), WTEXT("Q:\\y"));
     EXPECT_EQ(GetFileAttributesW(WTEXT("Q:\\")), DWORD{FILE_ATTRIBUTE_DIRECTORY});

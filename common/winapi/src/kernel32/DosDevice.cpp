@@ -1,4 +1,4 @@
-// Folders that a program makes stand as drives.
+// The drives that are there, and folders that a program makes stand as drives.
 #include <windows.h>
 
 #include <string>
@@ -28,4 +28,13 @@ BOOL WINAPI DefineDosDeviceW(DWORD flags, LPCWSTR device, LPCWSTR target) {
   }
   const bool exact = target != nullptr && (flags & DDD_EXACT_MATCH_ON_REMOVE) != 0;
   return RemoveDrive(name[0], root, exact) ? TRUE : Fail(ERROR_FILE_NOT_FOUND);
+}
+
+DWORD WINAPI GetLogicalDrives() {
+  DWORD drives = 0;
+  std::string root;
+  for (char16_t letter = 'A'; letter <= 'Z'; ++letter) {
+    if (FindDrive(letter, root)) drives |= DWORD{1} << (letter - 'A');
+  }
+  return drives;
 }

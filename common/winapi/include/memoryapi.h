@@ -1,0 +1,32 @@
+// Files in memory.
+//
+//   const HANDLE mapping = CreateFileMappingW(file, nullptr, PAGE_READONLY, 0, 0, nullptr);
+//   const void* data = MapViewOfFile(mapping, FILE_MAP_READ, 0, 0, 0);
+//   UnmapViewOfFile(data);
+//
+// A mapping outlives the handle of its file, and a view that of its mapping. While either is there,
+// no handle of this layer cuts the file (ERROR_USER_MAPPED_FILE). Where another program does, what
+// is behind the new end can't be touched.
+#pragma once
+
+#include "minwinbase.h"
+#include "winnt.h"
+
+// Of a file that the handle may read and, for READWRITE, write. A size of 0 is that of the file,
+// which must not be empty (ERROR_FILE_INVALID). With READWRITE a larger one grows the file, and
+// takes the room on the disk (ERROR_DISK_FULL); else it is ERROR_NOT_ENOUGH_MEMORY. Null on
+// failure. Memory without a file, and names, aren't known here (ERROR_NOT_SUPPORTED).
+WINAPI_EXPORT HANDLE WINAPI CreateFileMappingW(HANDLE file, LPSECURITY_ATTRIBUTES security,
+                                               DWORD protection, DWORD sizeHigh, DWORD sizeLow,
+                                               LPCWSTR name);
+
+#define FILE_MAP_COPY 0x0001
+#define FILE_MAP_WRITE 0x0002
+#define FILE_MAP_READ 0x0004
+// The part of a mapping at an offset, a multiple of 65536 bytes (ERROR_MAPPED_ALIGNMENT); a size of
+// 0 goes to its end, and beyond it there is nothing (ERROR_ACCESS_DENIED). WRITE reads too and
+// needs READWRITE; with COPY, what is written stays in the process. Null on failure.
+WINAPI_EXPORT LPVOID WINAPI MapViewOfFile(HANDLE mapping, DWORD access, DWORD offsetHigh,
+                                          DWORD offsetLow, SIZE_T size);
+// By what MapViewOfFile gave (else ERROR_INVALID_ADDRESS).
+WINAPI_EXPORT BOOL WINAPI UnmapViewOfFile(LPCVOID view);
