@@ -38,6 +38,7 @@ int main(int argc, char** argv) {
   bench::AddDigestWorks();
   bench::AddSettingsWorks(support);
   bench::AddProfileWorks(support);
+  bench::AddFileWorks(support);
   bench::AddLineWorks(support);
   bench::AddXmlWorks(folder.Path());
   benchmark::Initialize(&argc, argv);
