@@ -255,6 +255,49 @@ TEST_F(XmlDiff, CopiesOfManagersHaveRulesOfTheirOwn) {
   EXPECT_TRUE(assigned.GenerateEmptyDiffFile(Path("diff.xml"), KTEXT("x")));
 }
 
+TEST_F(XmlDiff, TellsWhatCameOfTheRules) {
+  using Event = CXmlDiffManager::ERuleEvent;
+  const std::string top = "Settings -1 NormalLayout -1 CommandBars -1 CommandBars -1";
+  const std::string label = "<AttribLabel>v</AttribLabel>";
+  const std::string rules =
+      Rule("edit_attrib", top + " B 7", label + "<AttribValue>2</AttribValue>") +
+      Rule("delete_attrib", top + " B 7", label) + Rule("delete_attrib", top + " B 7", label) +
+      Rule("delete_child", top, "<ChildTag>B</ChildTag>") +
+      Rule("delete_child", top, "<ChildTag>B</ChildTag>") +
+      Rule("sort_children", top + " B 7", "<SortedChildren/>") +
+      Rule("sort_children", "Settings -1", "<SortedChildren/>") +
+      Rule("insert_child", top,
+           "<Element><G CommandBarId='5'><Control Id='1'/><Control Id='2'/></G></Element>");
+  const auto layout = File("layout.xml", Layout("<B BarID='7' v='1'/><Control Id='1'/>"));
+  const auto diff = File("diff.xml", RuleFile(rules));
+  CXmlDiffManager::TRuleEvents events;
+  ASSERT_TRUE(CXmlDiffManager().CheckDiffFile(layout, diff, events));
+  EXPECT_EQ(Names().size(), 2u);
+  std::string told;
+  for (const auto& [rule, event, text] : events) {
+    told += std::to_string(rule) + '.' + std::to_string(static_cast<int>(event)) +
+            text.ToUtf8().c_str() + ' ';
+  }
+  EXPECT_EQ(told, "0.01 1.02 4.3 5.1 6.2 7.75 7.62 ");
+  static_assert(static_cast<int>(Event::eOwnBar) == 7);
+  EXPECT_FALSE(CXmlDiffManager().CheckDiffFile(Path("none.xml"), diff, events));
+  EXPECT_TRUE(events.empty());
+}
+
+TEST_F(XmlDiff, ReadsTheRulesBeforeAFaultAndSaysWhereItIs) {
+  CXmlDiffManager manager;
+  sarn_text::CSarnStringT<WChar> error;
+  int line = 0;
+  const std::string good = Rule("edit_content", "Settings -1", "<Content>x</Content>") + "\n";
+  EXPECT_FALSE(manager.ReadDiffFile(
+      File("diff.xml", RuleFile(good + good + Rule("sort_children", "", ""))), &error, &line));
+  EXPECT_EQ(Utf8(error.c_str()), "Rule lacks the element SortedChildren");
+  EXPECT_EQ(line, 3);
+  EXPECT_EQ(manager.GetRules().size(), 2u);
+  EXPECT_TRUE(manager.ReadDiffFile(File("diff.xml", RuleFile(good))));
+  EXPECT_EQ(manager.GetRules().size(), 1u);
+}
+
 TEST_F(XmlDiff, AThousandLevels) {
   const auto layout = [](const char* inner) {
     std::string text = Nested("a", 998);

@@ -75,6 +75,21 @@ class BlockReader {
   bool m_last = false;
 };
 
+// A pointer to what is read, as long as it is.
+template <class T>
+class CurrentScope {
+ public:
+  CurrentScope(T*& current, T* value)
+      : m_current(current), m_former(std::exchange(current, value)) {}
+  ~CurrentScope() { m_current = m_former; }
+  CurrentScope(const CurrentScope&) = delete;
+  CurrentScope& operator=(const CurrentScope&) = delete;
+
+ private:
+  T*& m_current;
+  T* m_former;
+};
+
 }  // namespace
 
 // One run over a file. Exceptions don't pass through Expat: the first one waits until it returns.
@@ -241,9 +256,14 @@ void XmlExpatHybridParser::AddCallback(DomCallback function, int count,
   }
 }
 
+int XmlExpatHybridParser::getCurrentLine() const {
+  return m_current.reading == nullptr ? 0 : m_current.reading->Line();
+}
+
 bool XmlExpatHybridParser::ProcessXmlFile(const WChar* path, int bufferSize,
                                           CSarnStringT<WChar>* error, int* line) {
   Reading reading(*this, std::exchange(m_callbacks, {}));
+  const CurrentScope<const Reading> current(m_current.reading, &reading);
   try {
     const std::unique_ptr<std::FILE, CloseFile> file(_wfopen(path, KTEXT("rb")));
     if (file == nullptr) {

@@ -74,6 +74,9 @@ class SARNUTILS_API XmlExpatHybridParser {
   bool ProcessXmlFile(const WChar* path, int bufferSize, sarn_text::CSarnStringT<WChar>* error,
                       int* line);
 
+  // Where the reading is, from 1: the line of the tag whose call this is. 0 outside of a reading.
+  int getCurrentLine() const;
+
   // Called at each tag of the file. True ends the reading.
   virtual bool processXmlSaxElementStart(const sarn_text::CSarnStringT<WChar>& tag);
   // The element has its tag; if it is in a tree, all else too.
@@ -86,6 +89,13 @@ class SARNUTILS_API XmlExpatHybridParser {
     DomCallback function;
     std::vector<std::string> path;  // UTF-8
   };
+  // Of this object alone: a copy reads nothing.
+  struct Current {
+    Current() = default;
+    Current(const Current&) {}
+    Current& operator=(const Current&) { return *this; }
+    const Reading* reading = nullptr;
+  };
   void AddCallback(DomCallback function, int count, std::initializer_list<const WChar*> tags);
   void Report(const WChar* path, const Exception& failure, sarn_text::CSarnStringT<WChar>* error,
               int* line) const;
@@ -95,6 +105,7 @@ class SARNUTILS_API XmlExpatHybridParser {
   int m_maxDepth;
   std::string m_encoding;  // empty: what a file names
   std::vector<Callback> m_callbacks;
+  Current m_current;
 };
 
 }  // namespace sarn

@@ -41,7 +41,7 @@ std::size_t* FirstPlace(Places& places, Test test) {
 // settled.
 class CXmlDiffManager::CEditedLayout {
  public:
-  explicit CEditedLayout(CGenericXmlElement& root) : m_root(root) {}
+  CEditedLayout(CGenericXmlElement& root, TRuleEvents& events) : m_root(root), m_events(events) {}
   ~CEditedLayout() {
     for (auto& [parent, siblings] : m_siblings) siblings.Settle();
   }
@@ -119,6 +119,15 @@ class CXmlDiffManager::CEditedLayout {
   };
 
   CGenericXmlElement& Root() { return m_root; }
+
+  // What is told from then on is about the rule at this place.
+  void BeginRule(std::size_t rule) { m_rule = rule; }
+  // Gives false, so that a rule that has no effect can end with it.
+  bool Tell(ERuleEvent event, const WString& text = WString()) {
+    m_events.push_back({m_rule, event, text});
+    return false;
+  }
+
   CSiblings& ChildrenOf(CGenericXmlElement& parent) {
     return m_siblings.try_emplace(&parent, parent).first->second;
   }
@@ -134,6 +143,8 @@ class CXmlDiffManager::CEditedLayout {
 
  private:
   CGenericXmlElement& m_root;
+  TRuleEvents& m_events;
+  std::size_t m_rule = 0;
   std::unordered_map<const CGenericXmlElement*, CSiblings> m_siblings;
   std::vector<std::unique_ptr<CGenericXmlElement>> m_takenOut;
   bool m_controlsChanged = true;
@@ -200,8 +211,8 @@ bool IsIdName(const WString& name) {
 
 }  // namespace
 
-void CXmlDiffManager::ApplyDiffRules(CGenericXmlElement& root) {
-  CEditedLayout layout(root);
+void CXmlDiffManager::ApplyDiffRules(CGenericXmlElement& root, TRuleEvents& events) {
+  CEditedLayout layout(root, events);
   const Overloaded apply{
       [&](const TDiffRule_DelAttrib& rule) { return ApplyRuleDelAttrib(rule, layout); },
       [&](const TDiffRule_InsAttrib& rule) { return ApplyRuleInsAttrib(rule, layout); },
@@ -210,7 +221,10 @@ void CXmlDiffManager::ApplyDiffRules(CGenericXmlElement& root) {
       [&](const TDiffRule_InsChild& rule) { return ApplyRuleInsChild(rule, layout); },
       [&](const TDiffRule_SortChild& rule) { return ApplyRuleSortChild(rule, layout); },
       [&](const TDiffRule_EditContent& rule) { return ApplyRuleEditContent(rule, layout); }};
-  for (const auto& rule : m_Rules) VisitRule(*rule, apply);
+  for (std::size_t i = 0; i < m_Rules.size(); ++i) {
+    layout.BeginRule(i);
+    VisitRule(*m_Rules[i], apply);
+  }
 }
 
 // A level that the layout lacks is passed over, except the last. No rule reaches the root.
@@ -234,14 +248,27 @@ CXmlDiffManager::TFound CXmlDiffManager::FindElementFromRoot(const TPath& path, 
   return found;
 }
 
+CXmlDiffManager::TFound CXmlDiffManager::FindTarget(const TDiffRule& rule, CEditedLayout& layout) {
+  const TFound found = FindElementFromRoot(rule.m_ParentTags, rule.m_sElementId, layout);
+  if (found.element == nullptr) {
+    const bool isRoot =
+        rule.m_ParentTags.size() == 1 && rule.m_ParentTags[0].first == layout.Root().m_sTag;
+    layout.Tell(isRoot ? ERuleEvent::eRoot : ERuleEvent::eNoTarget);
+  }
+  return found;
+}
+
 bool CXmlDiffManager::SetAttrib(const TDiffRule_Attrib& rule, const WString* value,
                                 CEditedLayout& layout) {
-  const auto found = FindElementFromRoot(rule.m_ParentTags, rule.m_sElementId, layout);
+  const auto found = FindTarget(rule, layout);
   if (found.element == nullptr) return false;
-  if (value == nullptr) {
-    found.element->m_Attribs.erase(rule.m_sAttribLabel);
-  } else {
-    found.element->m_Attribs[rule.m_sAttribLabel] = *value;
+  auto& attribs = found.element->m_Attribs;
+  const auto attrib = attribs.find(rule.m_sAttribLabel);
+  if (attrib != attribs.end()) layout.Tell(ERuleEvent::eOldValue, attrib->second);
+  if (value != nullptr) {
+    attribs[rule.m_sAttribLabel] = *value;
+  } else if (attrib != attribs.end()) {
+    attribs.erase(attrib);
   }
   if (IsIdName(rule.m_sAttribLabel)) layout.ChangedId(found);
   return true;
@@ -261,34 +288,34 @@ bool CXmlDiffManager::ApplyRuleEditAttrib(const TDiffRule_EditAttrib& rule, CEdi
 
 bool CXmlDiffManager::ApplyRuleEditContent(const TDiffRule_EditContent& rule,
                                            CEditedLayout& layout) {
-  const auto found = FindElementFromRoot(rule.m_ParentTags, rule.m_sElementId, layout);
+  const auto found = FindTarget(rule, layout);
   if (found.element == nullptr) return false;
   found.element->m_sContent = rule.m_sContent;
+  layout.Tell(ERuleEvent::eContent);
   return true;
 }
 
 bool CXmlDiffManager::ApplyRuleDelChild(const TDiffRule_DelChild& rule, CEditedLayout& layout) {
-  const auto parent = FindElementFromRoot(rule.m_ParentTags, rule.m_sElementId, layout);
+  const auto parent = FindTarget(rule, layout);
   if (parent.element == nullptr) return false;
   CEditedLayout::CSiblings& children = layout.ChildrenOf(*parent.element);
   const std::size_t* const place = children.Find(rule.m_sChildTag, rule.m_sChildId);
-  if (place == nullptr) return false;
+  if (place == nullptr) return layout.Tell(ERuleEvent::eNoChild);
   layout.Keep(children.TakeOut(*place));
   return true;
 }
 
 bool CXmlDiffManager::ApplyRuleInsChild(const TDiffRule_InsChild& rule, CEditedLayout& layout) {
-  const auto parent = FindElementFromRoot(rule.m_ParentTags, rule.m_sElementId, layout);
-  if (parent.element == nullptr || rule.m_pElement == nullptr ||
-      !ValidateElement(layout, *rule.m_pElement, -1)) {
-    return false;
-  }
+  const auto parent = FindTarget(rule, layout);
+  if (parent.element == nullptr) return false;
+  if (rule.m_pElement == nullptr) return layout.Tell(ERuleEvent::eNoElement);
+  if (!ValidateElement(layout, *rule.m_pElement, -1)) return false;
   layout.ChildrenOf(*parent.element).Append(std::make_unique<CGenericXmlElement>(*rule.m_pElement));
   return true;
 }
 
 bool CXmlDiffManager::ApplyRuleSortChild(const TDiffRule_SortChild& rule, CEditedLayout& layout) {
-  const auto parent = FindElementFromRoot(rule.m_ParentTags, rule.m_sElementId, layout);
+  const auto parent = FindTarget(rule, layout);
   if (parent.element == nullptr) return false;
   layout.ChildrenOf(*parent.element).Sort(rule.m_SortedChildren);
   return true;
@@ -300,9 +327,13 @@ bool CXmlDiffManager::ValidateElement(CEditedLayout& layout, CGenericXmlElement&
                                       int index) {
   CGenericXmlElement& checked =
       index == -1 ? element : *element.m_Children[static_cast<std::size_t>(index)];
-  RemoveInvalidAttribs(checked);
+  RemoveInvalidAttribs(layout, checked);
   const bool isValid = checked.m_sTag.Compare(kControl) != 0 ||
                        FindValidatedElementId(GetXmlElementId(checked), layout);
+  if (!isValid) {
+    layout.Tell(index == -1 ? ERuleEvent::eUnknownControl : ERuleEvent::eUnknownWithin,
+                GetXmlElementId(checked));
+  }
   if (isValid) {
     for (auto i = static_cast<int>(checked.m_Children.size()) - 1; i >= 0; --i) {
       ValidateElement(layout, checked, i);
@@ -315,10 +346,13 @@ bool CXmlDiffManager::ValidateElement(CEditedLayout& layout, CGenericXmlElement&
 }
 
 // A popup control whose number belongs to the layout's own bars opens none.
-void CXmlDiffManager::RemoveInvalidAttribs(CGenericXmlElement& element) const {
+void CXmlDiffManager::RemoveInvalidAttribs(CEditedLayout& layout,
+                                           CGenericXmlElement& element) const {
   const auto found = element.m_Attribs.find(KTEXT("CommandBarId"));
   if (found == element.m_Attribs.end() || found->second.empty()) return;
-  if (IntDaString(found->second) < m_nNextBarId) element.m_Attribs.erase(found);
+  if (IntDaString(found->second) >= m_nNextBarId) return;
+  layout.Tell(ERuleEvent::eOwnBar, found->second);
+  element.m_Attribs.erase(found);
 }
 
 // The controls are those at the time of the first insertion. Without any, they are looked for again

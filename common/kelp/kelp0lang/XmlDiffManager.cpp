@@ -59,16 +59,36 @@ bool CXmlDiffManager::GenerateEmptyDiffFile(const WString& diffPath, const WStri
 
 bool CXmlDiffManager::ApplyDiffFile(const WString& layoutPath, const WString& diffPath,
                                     const WString& outputPath) {
+  TRuleEvents ignored;
+  return ApplyDiffFile(layoutPath, diffPath, outputPath, ignored);
+}
+
+bool CXmlDiffManager::ApplyDiffFile(const WString& layoutPath, const WString& diffPath,
+                                    const WString& outputPath, TRuleEvents& events) {
+  const auto layout = ReadAndChange(layoutPath, diffPath, events);
+  return layout != nullptr && CXmlGenericExporter(outputPath, *layout).Export();
+}
+
+bool CXmlDiffManager::CheckDiffFile(const WString& layoutPath, const WString& diffPath,
+                                    TRuleEvents& events) {
+  return ReadAndChange(layoutPath, diffPath, events) != nullptr;
+}
+
+// Null where the layout can't be read.
+std::unique_ptr<CGenericXmlElement> CXmlDiffManager::ReadAndChange(const WString& layoutPath,
+                                                                   const WString& diffPath,
+                                                                   TRuleEvents& events) {
+  events.clear();
   Clear();
   boost::shared_ptr<const sarn::XmlElement> root;
   CXmlRootDomImporter importer;
   importer.setMaxDepth(kMaxLevels);
-  if (!importer.Import(layoutPath, kRootTag, root) || root == nullptr) return false;
-  ReadRules(diffPath);
+  if (!importer.Import(layoutPath, kRootTag, root) || root == nullptr) return nullptr;
+  ReadDiffFile(diffPath);
   ExtractMaxOrigBarId(*root);
-  CGenericXmlElement layout(*root);
-  ApplyDiffRules(layout);
-  return CXmlGenericExporter(outputPath, layout).Export();
+  auto layout = std::make_unique<CGenericXmlElement>(*root);
+  ApplyDiffRules(*layout, events);
+  return layout;
 }
 
 }  // namespace kelp

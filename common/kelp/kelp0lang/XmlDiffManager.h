@@ -41,35 +41,13 @@
 #include "kelp0lang/Export.h"
 #include "kelp0lang/String.h"
 #include "kelp0lang/XmlGeneric.h"
+#include "sarnutils/SarnString.h"
 #include "sarnutils/XmlElement.h"
 
 namespace kelp {
 
 class KELP0LANG_API CXmlDiffManager {
  public:
-  CXmlDiffManager();
-  // Deep copies.
-  CXmlDiffManager(const CXmlDiffManager& other);
-  CXmlDiffManager& operator=(const CXmlDiffManager& other);
-  ~CXmlDiffManager();
-
-  // Writes what turns the first layout into the second. False, and no file, where a layout can't be
-  // read or the first has another root; false too where the file can't be opened for writing.
-  bool GenerateDiffFile(const WString& firstPath, const WString& secondPath,
-                        const WString& diffPath);
-  // Writes a diff file without rules. False where it can't be opened for writing.
-  bool GenerateEmptyDiffFile(const WString& diffPath, const WString& origName);
-  // Reads the name of the first layout from a diff file. False where the file can't be read; the
-  // name then is as it was, and so it is where the file has none.
-  bool GetOrigName(const WString& diffPath, WString& origName);
-
-  // Writes a layout with the rules of a diff file applied. False where the layout can't be read or
-  // the output can't be opened for writing. A rule that finds no target does nothing, a control
-  // that the layout doesn't know isn't inserted, and of a diff file that can't be read those rules
-  // count that stand before the fault.
-  bool ApplyDiffFile(const WString& layoutPath, const WString& diffPath, const WString& outputPath);
-
- private:
   enum EDiffRule : std::int32_t {
     eDelAttrib = 0,
     eInsAttrib = 1,
@@ -131,28 +109,82 @@ class KELP0LANG_API CXmlDiffManager {
   };
   using TRules = std::vector<std::unique_ptr<TDiffRule>>;
 
-  class CXmlDiffRulesExporter;
-  class CXmlDiffRulesImporter;
-  class CChildIndex;
-  class CEditedLayout;
+  // What came of a rule, beyond its taking effect.
+  enum class ERuleEvent {
+    eOldValue,        // the attribute had the value that is told
+    eNoTarget,        // the layout has no such element
+    eRoot,            // the element is the root, which no rule reaches
+    eNoChild,         // there is no such child to delete
+    eNoElement,       // the rule holds nothing to insert
+    eUnknownControl,  // the layout doesn't know the control of the id; nothing is inserted
+    eUnknownWithin,   // likewise a control within what is inserted, which goes in without it
+    eOwnBar,          // a popup control goes in without the number of its bar, which is not above
+                      // those of the layout
+    eContent,         // the text is another, but layouts are written without text
+  };
+  struct TRuleEvent {
+    std::size_t rule;  // its place in GetRules
+    ERuleEvent event;
+    WString text;
+  };
+  using TRuleEvents = std::vector<TRuleEvent>;
 
   // Of a layout.
   static constexpr int kMaxLevels = 1000;
   static constexpr const WChar* kRootTag = KTEXT("Settings");
 
-  // The attribute Id, or BarID where that is missing or empty; empty without either.
-  static WString GetXmlElementId(const CGenericXmlElement& element);
-  static const WChar* GetXmlElementId(const sarn::XmlElement& element);
+  CXmlDiffManager();
+  // Deep copies.
+  CXmlDiffManager(const CXmlDiffManager& other);
+  CXmlDiffManager& operator=(const CXmlDiffManager& other);
+  ~CXmlDiffManager();
 
+  // Writes what turns the first layout into the second. False, and no file, where a layout can't be
+  // read or the first has another root; false too where the file can't be opened for writing.
+  bool GenerateDiffFile(const WString& firstPath, const WString& secondPath,
+                        const WString& diffPath);
+  // Writes a diff file without rules. False where it can't be opened for writing.
+  bool GenerateEmptyDiffFile(const WString& diffPath, const WString& origName);
+  // Reads the name of the first layout from a diff file. False where the file can't be read; the
+  // name then is as it was, and so it is where the file has none.
+  bool GetOrigName(const WString& diffPath, WString& origName);
+
+  // Writes a layout with the rules of a diff file applied. False where the layout can't be read or
+  // the output can't be opened for writing. A rule that finds no target does nothing, a control
+  // that the layout doesn't know isn't inserted, and of a diff file that can't be read those rules
+  // count that stand before the fault.
+  bool ApplyDiffFile(const WString& layoutPath, const WString& diffPath, const WString& outputPath);
+  // The same, and tells what came of the rules, in their order.
+  bool ApplyDiffFile(const WString& layoutPath, const WString& diffPath, const WString& outputPath,
+                     TRuleEvents& events);
+  // Tells what would come of them, and writes nothing.
+  bool CheckDiffFile(const WString& layoutPath, const WString& diffPath, TRuleEvents& events);
+
+  // Reads the rules of a diff file. False where it can't be read as a whole; the rules are then
+  // those before the fault. Unless null, error and line receive what is wrong, and where (0: in the
+  // file as a whole).
+  bool ReadDiffFile(const WString& diffPath, sarn_text::CSarnStringT<WChar>* error = nullptr,
+                    int* line = nullptr);
+  // Those that were read or generated last. Applying takes out of them what isn't inserted.
+  const TRules& GetRules() const { return m_Rules; }
   // Calls visit with a rule as the structure of its type.
   template <class Rule, class Visit>
   static auto VisitRule(Rule& rule, Visit visit);
+
+ private:
+  class CXmlDiffRulesExporter;
+  class CXmlDiffRulesImporter;
+  class CChildIndex;
+  class CEditedLayout;
+
+  // The attribute Id, or BarID where that is missing or empty; empty without either.
+  static WString GetXmlElementId(const CGenericXmlElement& element);
+  static const WChar* GetXmlElementId(const sarn::XmlElement& element);
 
   // Rules and the file that holds them.
   static std::unique_ptr<TDiffRule> MakeRule(EDiffRule type);
   void Clear();
   bool WriteDiffFile(const WString& diffPath, const WString& origName) const;
-  bool ReadRules(const WString& diffPath);
   template <class Rule>
   Rule& AddRule(EDiffRule type, const TPath& path, const sarn::XmlElement& element);
   void AddRuleDelAttrib(const TPath& path, const sarn::XmlElement& element, const WString& label);
@@ -193,10 +225,14 @@ class KELP0LANG_API CXmlDiffManager {
   std::map<WString, WString>& BarIdsFrom(bool isFromFirst);
 
   // Application: each gives whether the rule took effect.
-  void ApplyDiffRules(CGenericXmlElement& root);
+  std::unique_ptr<CGenericXmlElement> ReadAndChange(const WString& layoutPath,
+                                                    const WString& diffPath, TRuleEvents& events);
+  void ApplyDiffRules(CGenericXmlElement& root, TRuleEvents& events);
   struct TFound;
   // The id is that of the path's last pair.
   static TFound FindElementFromRoot(const TPath& path, const WString& id, CEditedLayout& layout);
+  // The same, and tells where there is none.
+  static TFound FindTarget(const TDiffRule& rule, CEditedLayout& layout);
   bool SetAttrib(const TDiffRule_Attrib& rule, const WString* value, CEditedLayout& layout);
   bool ApplyRuleDelAttrib(const TDiffRule_DelAttrib& rule, CEditedLayout& layout);
   bool ApplyRuleInsAttrib(const TDiffRule_InsAttrib& rule, CEditedLayout& layout);
@@ -206,7 +242,7 @@ class KELP0LANG_API CXmlDiffManager {
   bool ApplyRuleSortChild(const TDiffRule_SortChild& rule, CEditedLayout& layout);
   bool ApplyRuleEditContent(const TDiffRule_EditContent& rule, CEditedLayout& layout);
   bool ValidateElement(CEditedLayout& layout, CGenericXmlElement& element, int index);
-  void RemoveInvalidAttribs(CGenericXmlElement& element) const;
+  void RemoveInvalidAttribs(CEditedLayout& layout, CGenericXmlElement& element) const;
   bool FindValidatedElementId(const WString& id, CEditedLayout& layout);
   void AddValidatedElement(const CGenericXmlElement& element);
 

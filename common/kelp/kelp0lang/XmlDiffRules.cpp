@@ -152,15 +152,15 @@ class CXmlDiffManager::CXmlDiffRulesImporter : public sarn::XmlExpatHybridParser
   }
 
   // What stands before a fault is kept.
-  bool ImportRules(const WString& diffPath, TRules& rules) {
+  bool ImportRules(const WString& diffPath, TRules& rules, CSarnStringT<WChar>* error, int* line) {
     m_pRules = &rules;
     registerXmlDomCallback(&CXmlDiffRulesImporter::ImportRule, 3, kRoot, kRules, kRule);
-    return Process(diffPath);
+    return Process(diffPath, error, line);
   }
   bool ImportOrigName(const WString& diffPath, WString& origName) {
     m_pOrigName = &origName;
     registerXmlDomCallback(&CXmlDiffRulesImporter::ImportOrigFile, 2, kRoot, kOrigFile);
-    return Process(diffPath);
+    return Process(diffPath, nullptr, nullptr);
   }
 
  protected:
@@ -168,9 +168,9 @@ class CXmlDiffManager::CXmlDiffRulesImporter : public sarn::XmlExpatHybridParser
   bool processXmlSaxElementEnd(const sarn::XmlElement&) override { return false; }
 
  private:
-  bool Process(const WString& diffPath) {
+  bool Process(const WString& diffPath, CSarnStringT<WChar>* error, int* line) {
     try {
-      return ProcessXmlFile(diffPath.c_str(), kBufferSize, nullptr, nullptr);
+      return ProcessXmlFile(diffPath.c_str(), kBufferSize, error, line);
     } catch (const Exception&) {
       return false;
     }
@@ -269,8 +269,9 @@ bool CXmlDiffManager::WriteDiffFile(const WString& diffPath, const WString& orig
   return CXmlDiffRulesExporter(diffPath).Export(origName, m_Rules);
 }
 
-bool CXmlDiffManager::ReadRules(const WString& diffPath) {
-  return CXmlDiffRulesImporter().ImportRules(diffPath, m_Rules);
+bool CXmlDiffManager::ReadDiffFile(const WString& diffPath, CSarnStringT<WChar>* error, int* line) {
+  Clear();
+  return CXmlDiffRulesImporter().ImportRules(diffPath, m_Rules, error, line);
 }
 
 bool CXmlDiffManager::GetOrigName(const WString& diffPath, WString& origName) {
