@@ -11,7 +11,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/setup.sh
 
-programs=(fieldbook)
+programs=(fieldbook ribbon)
 template=$(mktemp --suffix=.pot)
 trap 'rm -f "$template"' EXIT
 

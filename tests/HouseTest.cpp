@@ -38,6 +38,10 @@ const std::string kFolders[] = {
     "apps/fieldbook/points",
     "apps/fieldbook/commands",
     "apps/fieldbook",
+    "apps/ribbon/files",
+    "apps/ribbon/rules",
+    "apps/ribbon/commands",
+    "apps/ribbon",
 };
 
 // Where an include line looks, beside the file's own folder.

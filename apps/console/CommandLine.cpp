@@ -31,6 +31,7 @@ constexpr OptionRule kOptions[] = {
     {Option::Lon, KTEXT("--lon"), false},
     {Option::Progress, KTEXT("--progress"), false},
     {Option::Verbose, KTEXT("--verbose"), false},
+    {Option::Json, KTEXT("--json"), false},
     {Option::Data, KTEXT("--data"), true},
     {Option::Lang, KTEXT("--lang"), true},
     {Option::Help, KTEXT("--help"), false},

@@ -40,12 +40,13 @@ enum class Option {
   Lon,
   Progress,
   Verbose,
+  Json,
   Data,
   Lang,
   Help,
   Version
 };
-inline constexpr int kOptionCount = 21;
+inline constexpr int kOptionCount = 22;
 
 class CommandLine {
  public:
