@@ -1,17 +1,24 @@
 #!/usr/bin/env bash
-# Builds fieldbook, the host program, and runs it.
-#   ./run.sh            a short tour over a points file
-#   ./run.sh ARGS...    fieldbook ARGS...
+# Builds the host programs, fieldbook and ribbon, and runs them.
+#   ./run.sh                   a short tour of both
+#   ./run.sh ribbon ARGS...    ribbon ARGS...
+#   ./run.sh ARGS...           fieldbook ARGS...
 # Whatever the build has to say goes to standard error.
 set -euo pipefail
 caller=$PWD
 cd "$(dirname "$0")"
 . scripts/setup.sh
 need_compiler
-build release fieldbook
-program=$root/build/release/bin/fieldbook
+build release fieldbook ribbon
+programs=$root/build/release/bin
 if [ $# -eq 0 ]; then
-  exec "$root/apps/fieldbook/tour.sh" "$program"
+  "$root/apps/fieldbook/tour.sh" "$programs/fieldbook"
+  exec "$root/apps/ribbon/tour.sh" "$programs/ribbon"
+fi
+program=fieldbook
+if [ "$1" = ribbon ]; then
+  program=ribbon
+  shift
 fi
 cd "$caller"
-exec "$program" "$@"
+exec "$programs/$program" "$@"

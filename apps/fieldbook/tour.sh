@@ -4,28 +4,11 @@
 set -euo pipefail
 program=$(realpath "$1")
 cd "$(dirname "$0")/data"
+. ../../console/tour.sh
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cp points.csv it.po "$folder"
 cd "$folder"
-
-# Shows a command as one would type it, with the lines that it is given, then what it prints.
-run() { run_with '' "$@"; }
-run_with() {
-  local input=$1
-  shift
-  local word line='$ fieldbook'
-  for word in "$@"; do
-    case $word in
-      *[!A-Za-z0-9._=/-]*) line+=" '${word//\'/\'\\\'\'}'" ;;
-      *) line+=" $word" ;;
-    esac
-  done
-  printf '%s\n' "$line"
-  [ -z "$input" ] || sed 's/^/< /' <<<"$input"
-  "$program" "$@" <<<"$input" 2>&1 || printf '(exit status %d)\n' $?
-  printf '\n'
-}
 
 run show points.csv --data settings --progress --verbose
 run units set dist-units us-ft num-coord-dec 2 --data settings

@@ -43,7 +43,8 @@ Workspace::~Workspace() {
 }
 
 WString Workspace::Input(const Argument& file) {
-  if (!IsStandardStream(file)) {
+  std::error_code ignored;
+  if (!IsStandardStream(file) && fs::is_regular_file(file.path, ignored)) {
     RequireReadable(file);
     return file.text;
   }

@@ -6,8 +6,9 @@
 //   ... the library writes that path ...
 //   files.Deliver(written, output, console);
 //
-// Standard input becomes a file of the run's own, and what the library writes is one too, until it
-// is whole: then it takes the place of the user's file, or goes to standard output.
+// Standard input or a pipe, which can be read only once, becomes a file of the run's own, and what
+// the library writes is one too, until it is whole: then it takes the place of the user's file, or
+// goes to standard output.
 #pragma once
 
 #include <filesystem>
