@@ -25,6 +25,7 @@ constexpr OptionRule kOptions[] = {
     {Option::Sort, KTEXT("--sort"), true},
     {Option::Within, KTEXT("--within"), true},
     {Option::Limit, KTEXT("--limit"), true},
+    {Option::Tolerance, KTEXT("--tolerance"), true},
     {Option::Output, KTEXT("--output"), true},
     {Option::NoBackup, KTEXT("--no-backup"), false},
     {Option::Lat, KTEXT("--lat"), false},

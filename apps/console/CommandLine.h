@@ -34,6 +34,7 @@ enum class Option {
   Sort,
   Within,
   Limit,
+  Tolerance,
   Output,
   NoBackup,
   Lat,
@@ -46,7 +47,7 @@ enum class Option {
   Help,
   Version
 };
-inline constexpr int kOptionCount = 22;
+inline constexpr int kOptionCount = 23;
 
 class CommandLine {
  public:

@@ -22,6 +22,9 @@ const Command kCommands[] = {
     {KTEXT("inverse"), InverseCommand, kInverseHelp, kEverywhere | kLengthOptions},
     {KTEXT("polar"), PolarCommand, kPolarHelp, kEverywhere | kLengthOptions | Bit(Option::Csv)},
     {KTEXT("area"), AreaCommand, kAreaHelp, kEverywhere | kLengthOptions},
+    {KTEXT("check"), CheckCommand, kCheckHelp,
+     kEverywhere | kFileOptions | Bit(Option::Tolerance) | Bit(Option::Limit)},
+    {KTEXT("tolerance"), ToleranceCommand, kToleranceHelp, kEverywhere},
     {KTEXT("plot"), PlotCommand, kPlotHelp, kEverywhere | kFileOptions | Bit(Option::Output)},
     {KTEXT("units"), UnitsCommand, kUnitsHelp, kEverywhere},
     {KTEXT("edit"), EditCommand, kEditHelp, kEverywhere | kFileOptions | Bit(Option::NoBackup)},
@@ -40,6 +43,8 @@ const WChar* const kGeneralHelp = KTEXT(
     "                                  the point that lies there\n"
     "  fieldbook area FILE P1 P2 P3... the area within points\n"
     "  fieldbook plot FILE -o MAP.svg  the points as a drawing\n"
+    "  fieldbook check FILE...         names that come twice, points too near\n"
+    "  fieldbook tolerance [LENGTH]    how near is too near\n"
     "  fieldbook units                 the settings of units\n"
     "  fieldbook units set KEY VALUE   changes one, for good\n"
     "  fieldbook edit FILE             changes a file by commands, with undo\n"

@@ -79,10 +79,12 @@ TEST(Program, WhatCannotBeDoneIsOneClearLine) {
       {{"inverse", kPoints, "T1", "nowhere"}, "fieldbook: .*: there is no point \"nowhere\"\n"},
       {{"--lang", kPoints, "--version"}, "fieldbook: --lang: .*points\\.csv.*\n"},
       {{},
-       "fieldbook: a command is missing: one of show, angle, inverse, polar, area, plot, units, "
+       "fieldbook: a command is missing: one of show, angle, inverse, polar, area, check, "
+       "tolerance, plot, units, "
        "edit$"},
       {{"list"},
-       "fieldbook: there is no command \"list\", only show, angle, inverse, polar, area, plot, "
+       "fieldbook: there is no command \"list\", only show, angle, inverse, polar, area, check, "
+       "tolerance, plot, "
        "units, "
        "edit$"},
       {{"show"}, "fieldbook: show takes at least one FILE$"},

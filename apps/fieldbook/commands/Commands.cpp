@@ -1,5 +1,7 @@
 #include "fieldbook/commands/Commands.h"
 
+#include <algorithm>
+
 #include "fieldbook/values/Scanner.h"
 #include "kelp0lang/Translate.h"
 
@@ -51,6 +53,25 @@ LengthStyle ChooseDistanceStyle(const CMeasUnitSystem& settings, const CommandLi
   if (line.Has(Option::To)) return ChooseLengthStyle(line);
   return StyleIn(UnitOf(settings.GetDistUnits()), line, settings.GetNumDistDec(),
                  settings.GetDistInchDecPrec());
+}
+
+void RequireFiles(const CommandLine& line) {
+  const std::vector<Argument>& files = line.Operands();
+  if (files.empty()) throw UsageFailure({KTEXT("{1} takes at least one FILE"), {line.Command()}});
+  const auto inputs = std::count_if(files.begin(), files.end(), [](const Argument& file) {
+    return file.text == WString(KTEXT("-"));
+  });
+  if (inputs > 1) throw UsageFailure({KTEXT("standard input can be one FILE only"), {}});
+}
+
+std::size_t ChooseLimit(const CommandLine& line, std::size_t preset) {
+  const Argument* given = line.Value(Option::Limit);
+  if (given == nullptr) return preset;
+  Scanner scan(ViewOf(given->text));
+  const std::optional<int> limit = scan.TakeWhole();
+  if (limit && scan.AtEnd()) return static_cast<std::size_t>(*limit);
+  throw UsageFailure({KTEXT("{1}: \"{2}\" isn't a number of points"),
+                      {NameOf(Option::Limit), Quoted(given->text)}});
 }
 
 void ComplainOfRows(const FaultList& faults, const Argument& file, Console& console) {

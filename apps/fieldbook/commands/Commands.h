@@ -15,6 +15,8 @@ Status InverseCommand(const CommandLine& line, Console& console);
 Status PolarCommand(const CommandLine& line, Console& console);
 Status AreaCommand(const CommandLine& line, Console& console);
 Status PlotCommand(const CommandLine& line, Console& console);
+Status CheckCommand(const CommandLine& line, Console& console);
+Status ToleranceCommand(const CommandLine& line, Console& console);
 
 Status UnitsCommand(const CommandLine& line, Console& console);
 Status EditCommand(const CommandLine& line, Console& console);
@@ -25,6 +27,8 @@ extern const WChar* const kInverseHelp;
 extern const WChar* const kPolarHelp;
 extern const WChar* const kAreaHelp;
 extern const WChar* const kPlotHelp;
+extern const WChar* const kCheckHelp;
+extern const WChar* const kToleranceHelp;
 
 extern const WChar* const kUnitsHelp;
 extern const WChar* const kEditHelp;
@@ -72,6 +76,11 @@ LengthStyle StyleIn(const LengthUnit& unit, const CommandLine& line, int decimal
 LengthStyle ChooseLengthStyle(const CommandLine& line);
 // The same for distances, by the settings where --to doesn't say it.
 LengthStyle ChooseDistanceStyle(const CMeasUnitSystem& settings, const CommandLine& line);
+
+// Throws UsageFailure unless the operands are files, one at most of them standard input.
+void RequireFiles(const CommandLine& line);
+// How many --limit lets through.
+std::size_t ChooseLimit(const CommandLine& line, std::size_t preset);
 
 // Complains of the rows that can't be read.
 void ComplainOfRows(const FaultList& faults, const Argument& file, Console& console);

@@ -183,9 +183,9 @@ void ReadUnits(Settings& settings, Console& console) {
 void ReadOthers(Settings& settings, Console& console) {
   const SettingsFile file;
   if (!file.Damage().empty()) {
-    console.Complain(
-        Message{KTEXT("{1}; the defaults stand for {2}"), {file.Damage(), KTEXT("file-units")}}
-            .Text());
+    console.Complain(Message{KTEXT("{1}; the defaults stand for {2}"),
+                             {file.Damage(), KTEXT("file-units, tolerance")}}
+                         .Text());
   }
   const WString unit = file.ReadText(kFilesSection, kUnitsKey);
   if (unit.empty()) return;
@@ -301,18 +301,19 @@ WString SettingText(const Setting& setting, const Settings& settings) {
   return isWord ? setting.choices.names[value - setting.choices.first] : WString::ValueOf(value);
 }
 
+WString UnknownSettings(const WString& keys) {
+  return Message{KTEXT("the settings have values that aren't known; the defaults stand for {1}"),
+                 {keys}}
+      .Text();
+}
+
 Settings OpenSettings(const CommandLine& line, Console& console) {
   SetUpFolder(line);
   Settings settings;
   ReadUnits(settings, console);
   ReadOthers(settings, console);
   const WString unknown = ReplaceUnknown(settings);
-  if (!unknown.empty()) {
-    console.Complain(Message{
-        KTEXT("the settings have values that aren't known; the defaults "
-              "stand for {1}"),
-        {unknown}}.Text());
-  }
+  if (!unknown.empty()) console.Complain(UnknownSettings(unknown));
   settings.units.ResetNotify();
   *CCurrMeasUnitInfo::GetInstance()->GetMeasUnitSystem() = settings.units;
   return settings;

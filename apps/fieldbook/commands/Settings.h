@@ -45,6 +45,8 @@ WString SettingText(const Setting& setting, const Settings& settings);
 // defaults. A value in a file that no setting has gives its default, and a complaint. Throws
 // Failure if there is no folder.
 Settings OpenSettings(const CommandLine& line, Console& console);
+// The complaint of settings that have unknown values, whose keys these are.
+WString UnknownSettings(const WString& keys);
 // Makes the folder if it isn't there. Throws Failure if the edited settings can't be written; then
 // those that were there before stay.
 void SaveSettings(const Settings& edited, const Settings& before);

@@ -1,5 +1,6 @@
 #include "fieldbook/commands/SettingsFile.h"
 
+#include "kelp0lang/CurrMeasUnitInfo.h"
 #include "kelp0lang/IniFile.h"
 #include "kelp0lang/LegacyPath.h"
 #include "kelp0lang/SpecialFolder.h"
@@ -48,6 +49,16 @@ bool IsWholeProfile(std::string_view bytes) {
   return true;
 }
 
+// The text of a unit-aware entry, for a look at what it holds.
+class UnitEntries : public CIniFile {
+ public:
+  using CIniFile::CIniFile;
+  WString TextOf(const WChar* section, const WChar* key) const {
+    enumUnitSystem ignored;
+    return GetKelpString(section, GetUnitEntryName(key, ignored).c_str(), KTEXT(""));
+  }
+};
+
 }  // namespace
 
 void FailOnSaving() {
@@ -86,14 +97,30 @@ WString SettingsFile::ReadText(const WChar* section, const WChar* key) const {
   return IsReadable() ? CIniFile(m_path.c_str()).GetKelpString(section, key, KTEXT("")) : WString();
 }
 
+Reading SettingsFile::ReadLength(const WChar* section, const WChar* key, double preset) const {
+  if (!IsReadable()) return {DefaultValueDist(preset), {}};
+  const UnitEntries entries(m_path.c_str());
+  const WString text = entries.TextOf(section, key);
+  if (text.empty()) return {DefaultValueDist(preset), {}};
+  const Reading number = ReadNumber(text, DecimalMark::Point);
+  if (number.fault || number.value < 0) return {DefaultValueDist(preset), NotANumber()};
+  return {entries.GetDist(section, key, preset), {}};
+}
+
 void SettingsFile::WriteText(const WChar* section, const WChar* key, const WString& text) {
-  if (!CheckSeDirExist(kelp::GetProgramDataSupportFolderPath(WString()))) FailOnSaving();
-  PutDamagedAside();
+  Prepare();
   if (!CIniFile(m_path.c_str()).WriteString(section, key, text)) FailOnSaving();
   m_isThere = true;
 }
 
-void SettingsFile::PutDamagedAside() {
+void SettingsFile::WriteLength(const WChar* section, const WChar* key, double metres) {
+  Prepare();
+  if (!CIniFile(m_path.c_str()).WriteDist(section, key, metres)) FailOnSaving();
+  m_isThere = true;
+}
+
+void SettingsFile::Prepare() {
+  if (!CheckSeDirExist(kelp::GetProgramDataSupportFolderPath(WString()))) FailOnSaving();
   if (!m_isBroken) return;
   fs::path aside = m_file.path;
   aside += ".bak";

@@ -11,7 +11,7 @@
 #pragma once
 
 #include "console/Console.h"
-#include "fieldbook/values/Text.h"
+#include "fieldbook/values/Number.h"
 
 namespace fieldbook {
 
@@ -27,12 +27,17 @@ class SettingsFile {
 
   // The empty text where there is none.
   WString ReadText(const WChar* section, const WChar* key) const;
-  // Throws Failure if it can't be written.
+  // A length, metres, of the entry for the unit system in force; what isn't a length gives a fault
+  // and the preset. Under feet the preset is three times as many feet as it has metres.
+  Reading ReadLength(const WChar* section, const WChar* key, double preset) const;
+  // Throw Failure if they can't be written.
   void WriteText(const WChar* section, const WChar* key, const WString& text);
+  void WriteLength(const WChar* section, const WChar* key, double metres);
 
  private:
   bool IsReadable() const;
-  void PutDamagedAside();
+  // Makes the file fit for an entry.
+  void Prepare();
 
   WString m_path;  // as the library has it
   Argument m_file;

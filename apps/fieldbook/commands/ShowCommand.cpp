@@ -98,7 +98,8 @@ std::vector<WString> SplitAtCommas(const WString& text) {
 // Which points are shown, and how many.
 class PointFilter {
  public:
-  PointFilter(const CommandLine& line, const LengthUnit& shown) : m_shown(shown) {
+  PointFilter(const CommandLine& line, const LengthUnit& shown)
+      : m_shown(shown), m_limit(ChooseLimit(line, SIZE_MAX)) {
     if (const Argument* names = line.Value(Option::Points)) {
       for (const WString& name : SplitAtCommas(names->text)) {
         std::string bytes;
@@ -107,7 +108,6 @@ class PointFilter {
       }
     }
     if (const Argument* window = line.Value(Option::Within)) ReadWindow(window->text);
-    if (const Argument* limit = line.Value(Option::Limit)) ReadLimit(limit->text);
   }
 
   std::size_t Limit() const { return m_limit; }
@@ -139,31 +139,11 @@ class PointFilter {
     m_window = window;
   }
 
-  void ReadLimit(const WString& text) {
-    const Reading reading = ReadNumber(text, DecimalMark::Point);
-    const bool isWhole = !reading.fault && reading.value >= 0 && reading.value <= 1e9 &&
-                         ViewOf(text).find_first_not_of(KTEXT("0123456789")) == WideView::npos;
-    if (!isWhole) {
-      throw UsageFailure(
-          {KTEXT("{1}: \"{2}\" isn't a number of points"), {NameOf(Option::Limit), Quoted(text)}});
-    }
-    m_limit = static_cast<std::size_t>(reading.value);
-  }
-
   const LengthUnit& m_shown;
   std::set<std::string, std::less<>> m_names;  // empty: all
   std::optional<std::array<double, 4>> m_window;
-  std::size_t m_limit = SIZE_MAX;
+  const std::size_t m_limit;
 };
-
-void RequireFiles(const CommandLine& line) {
-  const std::vector<Argument>& files = line.Operands();
-  if (files.empty()) throw UsageFailure({KTEXT("show takes at least one FILE"), {}});
-  const auto inputs = std::count_if(files.begin(), files.end(), [](const Argument& file) {
-    return file.text == WString(KTEXT("-"));
-  });
-  if (inputs > 1) throw UsageFailure({KTEXT("standard input can be one FILE only"), {}});
-}
 
 // The points of one file, sorted.
 class SortedPoints {

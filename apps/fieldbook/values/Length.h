@@ -31,6 +31,12 @@ inline constexpr LengthUnit kLengthUnits[] = {
 inline const LengthUnit& UnitOf(enumDisplayDistUnits unit) {
   return kLengthUnits[static_cast<int>(unit)];
 }
+// The same feet without inches.
+inline const LengthUnit& PlainFeet(const LengthUnit& inches) {
+  return UnitOf(inches.unit == enumDistUnits::USSurveyFoot
+                    ? enumDisplayDistUnits::USSurveyFoot
+                    : enumDisplayDistUnits::InternationalFoot);
+}
 
 // The fractions of an inch by their denominators, in the order of enumInchDecPrec.
 struct Fraction {
