@@ -31,6 +31,18 @@ ProgramResult RunProgram(const std::string& program, const std::vector<std::stri
 #ifndef _WIN32
 // With standard error on a terminal; its text is as the terminal gets it.
 ProgramResult RunOnTerminal(const std::string& program, const std::vector<std::string>& arguments);
+
+struct Typing {
+  std::string keys;
+  std::string awaited;  // what the terminal shows behind them
+};
+struct TerminalResult : ProgramResult {
+  bool isEchoing;  // whether the terminal was left as it was found
+};
+// With all streams on a terminal of so many columns, whose text is the output. A signal that ends
+// the program gives 128 and its number. Throws where something awaited isn't shown.
+TerminalResult TypeInto(const std::string& program, const std::vector<std::string>& arguments,
+                        const std::vector<Typing>& typing, int columns, int lastSignal);
 #endif
 
 // False where the tests themselves print on a console of Windows, which they would leave.

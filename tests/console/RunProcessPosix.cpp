@@ -1,4 +1,6 @@
 #include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -25,13 +27,20 @@ void Redirect(const fs::path& path, int flags, int target) {
   close(file);
 }
 
+// The arguments of a program as it gets them.
+std::vector<char*> TextsOf(const std::string& path, const std::vector<std::string>& arguments) {
+  std::vector<char*> texts = {const_cast<char*>(path.c_str())};
+  for (const std::string& argument : arguments) {
+    texts.push_back(const_cast<char*>(argument.c_str()));
+  }
+  texts.push_back(nullptr);
+  return texts;
+}
+
 pid_t Start(const std::string& program, const std::vector<std::string>& arguments,
             const fs::path& in, const fs::path& out, const fs::path& err) {
   const std::string path = ProgramPath(program);
-  std::vector<char*> texts = {const_cast<char*>(path.c_str())};
-  for (const std::string& argument : arguments)
-    texts.push_back(const_cast<char*>(argument.c_str()));
-  texts.push_back(nullptr);
+  std::vector<char*> texts = TextsOf(path, arguments);
   const pid_t child = fork();
   if (child == 0) {
     Redirect(in, O_RDONLY, STDIN_FILENO);
@@ -73,6 +82,50 @@ ProgramResult RunOnTerminal(const std::string& program, const std::vector<std::s
   close(terminal);
   const int status = WaitFor(child);
   return {status, ReadFile(out), err};
+}
+
+TerminalResult TypeInto(const std::string& program, const std::vector<std::string>& arguments,
+                        const std::vector<Typing>& typing, int columns, int lastSignal) {
+  const std::string path = ProgramPath(program);
+  std::vector<char*> texts = TextsOf(path, arguments);
+  int terminal = -1;
+  winsize size = {24, static_cast<unsigned short>(columns), 0, 0};
+  const pid_t child = forkpty(&terminal, nullptr, nullptr, &size);
+  if (child == 0) {
+    setenv("TERM", "xterm", 1);
+    execv(path.c_str(), texts.data());
+    _exit(127);
+  }
+  // One side of the terminal stays open, so that its state can be asked for at the end.
+  const int other = open(ptsname(terminal), O_RDWR | O_NOCTTY);
+  std::string shown;
+  std::size_t seen = 0;
+  for (const Typing& step : typing) {
+    if (write(terminal, step.keys.data(), step.keys.size()) < 0) break;
+    std::size_t at;
+    pollfd output = {terminal, POLLIN, 0};
+    while ((at = shown.find(step.awaited, seen)) == std::string::npos) {
+      char part[4096];
+      const ssize_t count = poll(&output, 1, 20000) > 0 ? read(terminal, part, sizeof part) : 0;
+      if (count <= 0) {
+        kill(child, SIGKILL);
+        WaitFor(child);
+        throw std::runtime_error("not shown: " + step.awaited + " in " + shown);
+      }
+      shown.append(part, static_cast<std::size_t>(count));
+    }
+    seen = at + step.awaited.size();
+  }
+  if (lastSignal != 0) kill(child, lastSignal);
+  TerminalResult result;
+  result.status = WaitFor(child);
+  termios state = {};
+  tcgetattr(other, &state);
+  result.isEchoing = (state.c_lflag & ECHO) != 0 && (state.c_lflag & ICANON) != 0;
+  result.out = shown;
+  close(other);
+  close(terminal);
+  return result;
 }
 
 bool CanPressCtrlC() {

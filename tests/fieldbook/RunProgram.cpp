@@ -24,6 +24,12 @@ ProgramResult RunFieldbookOnTerminal(const std::vector<std::string>& arguments) 
   const DataFolder folder;
   return RunOnTerminal("fieldbook", WithDefaultSettings(arguments, folder));
 }
+
+TerminalResult TypeIntoFieldbook(const std::vector<std::string>& arguments,
+                                 const std::vector<Typing>& typing, int columns, int lastSignal) {
+  const DataFolder folder;
+  return TypeInto("fieldbook", WithDefaultSettings(arguments, folder), typing, columns, lastSignal);
+}
 #endif
 
 ProgramResult InterruptFieldbook(const std::vector<std::string>& arguments,

@@ -8,6 +8,10 @@ ProgramResult RunFieldbook(const std::vector<std::string>& arguments, const std:
                            const std::filesystem::path& output = {});
 #ifndef _WIN32
 ProgramResult RunFieldbookOnTerminal(const std::vector<std::string>& arguments);
+// As TypeInto does.
+TerminalResult TypeIntoFieldbook(const std::vector<std::string>& arguments,
+                                 const std::vector<Typing>& typing, int columns = 80,
+                                 int lastSignal = 0);
 #endif
 
 // As Interrupt does.

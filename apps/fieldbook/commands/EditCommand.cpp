@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "fieldbook/commands/Commands.h"
+#include "fieldbook/commands/EditCompletion.h"
 #include "fieldbook/commands/PointTable.h"
 #include "fieldbook/commands/Settings.h"
 #include "fieldbook/console/Words.h"
@@ -42,7 +43,8 @@ const WChar* const kEditHelp = KTEXT(
     "  quit                  so does the end of the input\n"
     "Lengths are in the unit of the file, unless a unit stands behind one: move P 1 ft\n"
     "0 0. A name with blanks stands in quotes, with \"\" for a quote in it. Empty lines\n"
-    "and lines with # in front are skipped.\n"
+    "and lines with # in front are skipped. On a terminal the arrow keys edit a line\n"
+    "and bring earlier ones back, and Tab completes commands and names of points.\n"
     "\n"
     "What is saved is comma-separated and UTF-8, with the columns and the unit of the\n"
     "file and all decimals; comments, empty lines and heads stay. A file with rows\n"
@@ -147,7 +149,9 @@ class EditSession {
         m_list(&m_manager, m_bytes, ChooseLayout(line, m_settings),
                ReadingBar(line, console).GetWatch()),
         m_style(StyleInUnit(ChoosePointStyle(m_settings.units, line), m_list.Unit())),
-        m_reporter(m_list, m_style, console) {}
+        m_reporter(m_list, m_style, console) {
+    if (console.IsInteractive()) m_editor = std::make_unique<LineEditor>(console, MakeCompleter());
+  }
 
   Status Run();
 
@@ -161,6 +165,7 @@ class EditSession {
   };
   static const Rule kRules[14];
 
+  Completer MakeCompleter() const;
   bool Ask(std::string& line);
   void DoLine(const std::string& bytes, int number);
   void Do(const WString& line);
@@ -206,7 +211,8 @@ class EditSession {
   PointList m_list;
   const PointStyle m_style;
   EditReporter m_reporter;
-  WString m_step;  // what a change is called in undo
+  std::unique_ptr<LineEditor> m_editor;  // on a terminal
+  WString m_step;                        // what a change is called in undo
   std::unique_ptr<kelp::CSourceEventScope> m_group;
   bool m_isLeaving = false;
   bool m_isWarned = false;  // of unsaved changes
@@ -248,13 +254,18 @@ Status EditSession::Run() {
   return m_status;
 }
 
+Completer EditSession::MakeCompleter() const {
+  std::vector<WString> commands;
+  for (const Rule& rule : kRules) commands.push_back(rule.name);
+  return [this, commands](const WString& before) { return CompleteEdit(before, commands, m_list); };
+}
+
 // On a terminal Ctrl-C asks what quit asks; elsewhere it ends the program as usual.
 bool EditSession::Ask(std::string& line) {
-  if (!m_console.IsInteractive()) return ReadInputLine(line);
+  if (m_editor == nullptr) return ReadInputLine(line);
   for (;;) {
     const InterruptScope interrupts;
-    m_console.Prompt();
-    if (ReadInputLine(line)) return true;
+    if (m_editor->Read(line)) return true;
     m_console.PrintLine(WString());
     if (!interrupts.IsInterrupted()) return false;
     Quit({});
