@@ -112,6 +112,9 @@ TEST_F(RegistryHost, AFileThatCannotBeReadWholeIsLeftAlone) {
   std::filesystem::remove(m_folder.Path() / "winapi/registry.txt");
   std::filesystem::create_directory(m_folder.Path() / "winapi/registry.txt");
   EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_READ, &key), ERROR_ACCESS_DENIED);
+  std::filesystem::remove(m_folder.Path() / "winapi/registry.txt");
+  std::filesystem::create_symlink("registry.txt", m_folder.Path() / "winapi/registry.txt");
+  EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_READ, &key), ERROR_REGISTRY_IO_FAILED);
 }
 
 void SetMany(WCHAR head) {

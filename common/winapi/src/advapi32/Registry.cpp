@@ -178,6 +178,7 @@ class Store {
   }
 
   LSTATUS Read(Keys& keys) const {
+    if (m_path.empty()) return ERROR_REGISTRY_IO_FAILED;  // links in a circle
     std::string text;
     if (!winapi::ReadWholeFile(m_path, text)) {
       if (errno == ENOENT) return ERROR_SUCCESS;
