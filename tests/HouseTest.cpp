@@ -30,6 +30,7 @@ const std::string kFolders[] = {
     "common/winapi/src/user32",
     "common/winapi/src/shell32",
     "common/winapi/src/oleaut32",
+    "common/winapi/src/wininet",
     "common/sarnutils",
     "common/kelp/kelp0lang",
     "apps/console",

@@ -20,3 +20,7 @@ WINAPI_EXPORT void WinapiSetStrings(HMODULE module, WORD language, const WINAPI_
 // user cancels. Null, as at start, means that there is nobody to ask.
 typedef BOOL (*WINAPI_FOLDER_CHOOSER)(HWND owner, LPCWSTR title, LPCWSTR selected, LPWSTR path);
 WINAPI_EXPORT void WinapiSetFolderChooser(WINAPI_FOLDER_CHOOSER chooser);
+
+// The file of certificates (PEM, a path of this system) by which HTTPS servers are verified from now
+// on; null or empty, as at start, is the system's store.
+WINAPI_EXPORT void WinapiSetCertificateStore(LPCWSTR file);

@@ -1,0 +1,35 @@
+// What stands behind each type of handle; internal to the layer.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "wininet/InternetHandle.h"
+#include "wininet/Transfer.h"
+
+namespace winapi::internet {
+
+struct Session : Object {
+  Session() : Object(nullptr, {}) {}
+  std::string agent;
+  std::string proxies;
+  std::string bypass;
+};
+
+struct Connection : Object {
+  Connection(HINTERNET parent, std::shared_ptr<Session> of)
+      : Object(parent, of->options), session(std::move(of)) {}
+  const std::shared_ptr<Session> session;
+  std::string server;
+  INTERNET_PORT port = 0;
+};
+
+struct Request : Object {
+  Request(HINTERNET parent, const Options& options) : Object(parent, options) {}
+  RequestPlan plan;
+  std::unique_ptr<Transfer> transfer;  // null until it is sent
+  bool isWriting = false;              // between HttpSendRequestExW and HttpEndRequestW
+};
+
+}  // namespace winapi::internet
