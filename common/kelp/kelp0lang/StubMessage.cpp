@@ -151,8 +151,9 @@ bool ReadPolyValue(const WString& text, int type, CPolyValue& value) {
 
 std::vector<TStubMessage> ReadStubMessages(const void* bytes, std::size_t size) {
   // Bytes may stand at an odd address. As terminated text ends, so do they at a 0.
-  std::vector<WChar> units(size / sizeof(WChar) + 1, 0);
-  std::memcpy(units.data(), bytes, size / sizeof(WChar) * sizeof(WChar));
+  const std::size_t count = size / sizeof(WChar);
+  std::vector<WChar> units(count + 1, 0);
+  if (count > 0) std::memcpy(units.data(), bytes, count * sizeof(WChar));
   std::basic_string_view<WChar> rest(units.data());
   Reader reader;
   while (!rest.empty()) {
