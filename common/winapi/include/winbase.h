@@ -1,4 +1,4 @@
-// Moving files, and profiles.
+// Moving files, profiles, and who is at the ends of a pipe.
 #pragma once
 
 #include "windef.h"
@@ -52,3 +52,8 @@ WINAPI_EXPORT UINT WINAPI GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, in
 // nobody may write, or a folder in its place.
 WINAPI_EXPORT BOOL WINAPI WritePrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value,
                                                      LPCWSTR file);
+
+// The process at an end of a named pipe, by the handle of either end. Of a client that has gone the
+// one that it was; ERROR_PIPE_LISTENING or ERROR_PIPE_NOT_CONNECTED where there is none.
+WINAPI_EXPORT BOOL WINAPI GetNamedPipeServerProcessId(HANDLE pipe, ULONG* processId);
+WINAPI_EXPORT BOOL WINAPI GetNamedPipeClientProcessId(HANDLE pipe, ULONG* processId);

@@ -6,6 +6,7 @@
 #include "handleapi.h"
 #include "libloaderapi.h"
 #include "memoryapi.h"
+#include "namedpipeapi.h"
 #include "processthreadsapi.h"
 #include "securitybaseapi.h"
 #include "stringapiset.h"

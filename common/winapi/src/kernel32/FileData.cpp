@@ -12,6 +12,7 @@
 #include "Fail.h"
 #include "kernel32/FileObject.h"
 #include "kernel32/PathName.h"
+#include "kernel32/Pipe.h"
 #include "kernel32/Sharing.h"
 
 namespace {
@@ -91,6 +92,7 @@ BOOL WINAPI ReadFile(HANDLE handle, LPVOID buffer, DWORD size, LPDWORD count,
                      LPOVERLAPPED overlapped) {
   if (count != nullptr) *count = 0;
   if (overlapped != nullptr) return Fail(ERROR_INVALID_PARAMETER);
+  if (const auto pipe = winapi::FindPipe(handle)) return pipe->Read(buffer, size, count);
   const auto file = FindFile(handle, kRead);
   if (file == nullptr) return FALSE;
   return Finish(winapi::ReadBytes(file->descriptor, buffer, size), count, ERROR_READ_FAULT);
@@ -100,6 +102,7 @@ BOOL WINAPI WriteFile(HANDLE handle, const void* data, DWORD size, LPDWORD count
                       LPOVERLAPPED overlapped) {
   if (count != nullptr) *count = 0;
   if (overlapped != nullptr) return Fail(ERROR_INVALID_PARAMETER);
+  if (const auto pipe = winapi::FindPipe(handle)) return pipe->Write(data, size, count);
   const auto file = FindFile(handle, kWrite);
   if (file == nullptr) return FALSE;
   return Finish(winapi::WriteBytes(file->descriptor, data, size), count, ERROR_WRITE_FAULT);

@@ -50,7 +50,7 @@ struct PendingWait {
   DWORD result;
 };
 
-enum class KernelType { kEvent, kMutex, kSemaphore, kThread, kFile, kMapping };
+enum class KernelType { kEvent, kMutex, kSemaphore, kThread, kFile, kMapping, kPipe };
 
 class KernelObject : public std::enable_shared_from_this<KernelObject> {
  public:

@@ -13,6 +13,7 @@
 #include "kernel32/FileInfo.h"
 #include "kernel32/FileObject.h"
 #include "kernel32/PathName.h"
+#include "kernel32/Pipe.h"
 
 namespace winapi {
 namespace {
@@ -188,6 +189,7 @@ std::shared_ptr<File> FindFile(HANDLE handle, DWORD rights) {
 
 HANDLE WINAPI CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES,
                           DWORD disposition, DWORD flags, HANDLE) {
+  if (winapi::IsPipePath(path)) return winapi::OpenPipe(path, access, disposition);
   const winapi::OpenRequest request = {access, share, disposition, flags};
   if (!request.IsKnown()) return Fail(ERROR_INVALID_PARAMETER, INVALID_HANDLE_VALUE);
   const std::string posix = ToPosixPath(path);
