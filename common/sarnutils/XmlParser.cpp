@@ -26,6 +26,10 @@ namespace {
 constexpr int kMaxDepth = 10000;
 // Expat calls itself for an entity within an entity.
 constexpr int kMaxEntities = 1000;
+// What entities may make of a file: so many times its bytes, and so many bytes anyhow. Expat's own
+// limits, 100 times and 8 MB, let a file of a few lines take many megabytes.
+constexpr float kMaxGrowth = 5;
+constexpr unsigned long long kFreeGrowth = 256 * 1024;
 // Of a file that is no longer, Expat need not count the lines.
 constexpr std::size_t kMaxBlock = 64 * 1024 * 1024;
 
@@ -102,6 +106,8 @@ class XmlExpatHybridParser::Reading {
         m_builder(m_names, owner.m_skipBlankText) {
     if (m_expat == nullptr) throw std::bad_alloc();
     for (Callback& callback : callbacks) m_paths.push_back({std::move(callback), 0});
+    XML_SetBillionLaughsAttackProtectionMaximumAmplification(m_expat.get(), kMaxGrowth);
+    XML_SetBillionLaughsAttackProtectionActivationThreshold(m_expat.get(), kFreeGrowth);
     XML_SetUserData(m_expat.get(), this);
     XML_SetElementHandler(m_expat.get(), OnStart, OnEnd);
     XML_SetCharacterDataHandler(m_expat.get(), OnText);

@@ -16,9 +16,9 @@
 // holds it: a file of any length with small elements takes little memory.
 //
 // Expat parses. The encodings are UTF-8, UTF-16, ISO-8859-1 and US-ASCII. Entities that the file
-// itself declares are put in, up to 1000 of them and as far as Expat lets them grow; nothing
-// outside the file is ever opened, and a reference to it is an error. So is a depth of more than
-// 10,000 elements.
+// itself declares are put in, up to 1000 of them; nothing outside the file is ever opened, and a
+// reference to it is an error. So are entities that make a file more than five times as long and
+// longer than 256 KB, and a depth of more than 10,000 elements.
 //
 // Threads: an object belongs to one thread at a time.
 #pragma once
