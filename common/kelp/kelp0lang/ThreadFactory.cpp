@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "kelp0lang/CriticalSec.h"
+#include "kelp0lang/PinLibrary.h"
 
 namespace kelp {
 namespace {
@@ -151,11 +152,7 @@ DWORD CThreadFactory::Worker::RunTask() {
 
 // Workers sleep in this library, which so stays loaded once there is one.
 bool CThreadFactory::Pool::PinLibrary() {
-  constexpr DWORD kPin = GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS;
-  HMODULE library;
-  if (!m_pinned) {
-    m_pinned = GetModuleHandleExW(kPin, reinterpret_cast<LPCWSTR>(&Worker::Main), &library);
-  }
+  if (!m_pinned) m_pinned = detail::PinLibrary();
   return m_pinned;
 }
 

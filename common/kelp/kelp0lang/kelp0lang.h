@@ -35,6 +35,7 @@
 #include "kelp0lang/MemoryMappedFile.h"
 #include "kelp0lang/Object.h"
 #include "kelp0lang/PerPropertySetting.h"
+#include "kelp0lang/PipeManager.h"
 #include "kelp0lang/PointRecords.h"
 #include "kelp0lang/PolyValue.h"
 #include "kelp0lang/ProcessProgress.h"
