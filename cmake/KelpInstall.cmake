@@ -14,7 +14,8 @@ install(TARGETS ${libraries} EXPORT kelp0langTargets
 # What kelp0lang.h names is public; beside it go the headers that those include, and the HTTP family,
 # which programs take by itself.
 set(included_headers Export.h RegistrationMap.h HttpError.h HttpTool.h HttpEncoder.h HttpClientMap.h
-    HttpPostStat.h HttpUrlAnalyzer.h)
+    HttpPostStat.h HttpUrlAnalyzer.h HttpResponse.h HttpClient.h HttpClientRequest.inc
+    HttpClientPost.inc)
 file(STRINGS common/kelp/kelp0lang/kelp0lang.h includes REGEX "^#include \"kelp0lang/")
 list(TRANSFORM includes REPLACE "^#include \"kelp0lang/(.*)\"$" "common/kelp/kelp0lang/\\1")
 list(TRANSFORM included_headers PREPEND common/kelp/kelp0lang/)

@@ -29,6 +29,7 @@ const std::string kFolders[] = {
     "common/winapi/src/advapi32",
     "common/winapi/src/user32",
     "common/winapi/src/shell32",
+    "common/winapi/src/ole32",
     "common/winapi/src/oleaut32",
     "common/winapi/src/wininet",
     "common/sarnutils",

@@ -10,6 +10,7 @@ typedef size_t SIZE_T;
 #define E_NOINTERFACE ((HRESULT)0x80004002)
 #define E_INVALIDARG ((HRESULT)0x80070057)
 #define E_POINTER ((HRESULT)0x80004003)
+#define E_FAIL ((HRESULT)0x80004005)
 
 typedef struct _GUID {
   uint32_t Data1;

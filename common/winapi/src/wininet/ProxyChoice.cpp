@@ -53,10 +53,14 @@ std::string ChooseProxy(const std::string& proxies, const std::string& bypass,
     const bool isLocal = pattern == "<local>" && host.find('.') == std::string::npos;
     if (isLocal || Matches(pattern, host)) return {};
   }
-  for (const std::string_view proxy : Split(proxies)) {
+  for (std::string_view proxy : Split(proxies)) {
     const std::size_t equals = proxy.find('=');
-    if (equals == std::string_view::npos) return std::string(proxy);
-    if (proxy.substr(0, equals) == scheme) return std::string(proxy.substr(equals + 1));
+    if (equals != std::string_view::npos) {
+      if (proxy.substr(0, equals) != scheme) continue;
+      proxy.remove_prefix(equals + 1);
+    }
+    const bool hasPort = proxy.find(':') != std::string_view::npos;
+    return std::string(proxy) + (hasPort ? "" : ":80");
   }
   return {};
 }
