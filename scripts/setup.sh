@@ -31,7 +31,8 @@ need_packages() {
   command -v apt-get >/dev/null || die "needs these Debian packages: ${missing[*]}"
   echo "installing: ${missing[*]}" >&2
   as_root apt-get update -qq >&2
-  as_root env DEBIAN_FRONTEND=noninteractive \
+  # Nothing is started: the tests start what servers they want, where they want them.
+  as_root env DEBIAN_FRONTEND=noninteractive RUNLEVEL=1 \
     apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2 </dev/null
 }
 

@@ -32,6 +32,7 @@ const std::string kFolders[] = {
     "common/winapi/src/ole32",
     "common/winapi/src/oleaut32",
     "common/winapi/src/wininet",
+    "common/winapi/src/ws2_32",
     "common/sarnutils",
     "common/kelp/kelp0lang",
     "apps/console",

@@ -15,6 +15,7 @@
 #include "kelp0lang/FileStream.h"
 #include "kelp0lang/FileSystem.h"
 #include "kelp0lang/GlobalFunction.h"
+#include "kelp0lang/HttpRequest.h"
 #include "kelp0lang/IdRemapper.h"
 #include "kelp0lang/IniFile.h"
 #include "kelp0lang/KeyDerivation.h"

@@ -100,7 +100,7 @@ bool ScriptedServer::Peer::Receive() {
   const auto socket = static_cast<SOCKET>(m_socket);
   while (!m_server.m_ending) {
     if (!IsReady(socket)) continue;
-    char bytes[16384];
+    char bytes[65536];
     const auto count = recv(socket, bytes, sizeof bytes, 0);
     if (count <= 0) return false;
     m_received.append(bytes, static_cast<std::size_t>(count));
@@ -126,6 +126,15 @@ std::string ScriptedServer::Peer::Read(std::size_t count) {
   std::string bytes = m_received.substr(0, count);
   m_received.erase(0, bytes.size());
   return bytes;
+}
+
+void ScriptedServer::Peer::Skip(std::size_t count) {
+  while (count > m_received.size()) {
+    count -= m_received.size();
+    m_received.clear();
+    if (!Receive()) return;
+  }
+  m_received.erase(0, count);
 }
 
 bool ScriptedServer::Peer::Send(const std::string& bytes) {

@@ -23,6 +23,8 @@ class ScriptedServer {
     std::string ReadHead();
     // Fewer where the other side has closed.
     std::string Read(std::size_t count);
+    // The same, without keeping them.
+    void Skip(std::size_t count);
     // False where the other side has gone.
     bool Send(const std::string& bytes);
     // Until the other side closes, or the server ends.

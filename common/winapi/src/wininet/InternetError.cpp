@@ -35,7 +35,7 @@ constexpr Pair kTransferErrors[] = {
 
 // By the numbers that OpenSSL gives for what it found wrong with a certificate.
 constexpr Pair kCertificateErrors[] = {
-    {0, ERROR_INTERNET_SEC_CERT_CN_INVALID},  // the chain is good, the name is another
+    {1, ERROR_INTERNET_SEC_CERT_CN_INVALID},  // not told: libcurl looks at the name first
     {2, ERROR_INTERNET_INVALID_CA},           // no issuer
     {9, ERROR_INTERNET_SEC_CERT_DATE_INVALID},
     {10, ERROR_INTERNET_SEC_CERT_DATE_INVALID},
