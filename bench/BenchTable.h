@@ -59,12 +59,13 @@ void AddChangeWorks();
 void AddThreadWorks();
 void AddValueWorks();
 void AddBitWorks();
-void AddHttpWorks();
 void AddDigestWorks();
 // The folder is where the unit settings are saved, and the rows of text.
 void AddSettingsWorks(const std::filesystem::path& folder);
 void AddProfileWorks(const std::filesystem::path& folder);
 void AddFileWorks(const std::filesystem::path& folder);
+// The folder holds the file that is sent.
+void AddHttpWorks(const std::filesystem::path& folder);
 void AddLineWorks(const std::filesystem::path& folder);
 
 // The folder holds the files that are read and written. The memory of a tree isn't measured by time

@@ -1,15 +1,20 @@
-// URL encoding and the parts of URLs beside libcurl.
+// URL encoding, the parts of URLs, and requests beside libcurl.
 #include <curl/curl.h>
 
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bench/BenchTable.h"
+#include "kelp0lang/HttpClient.h"
 #include "kelp0lang/HttpEncoder.h"
 #include "kelp0lang/HttpUrlAnalyzer.h"
+#include "tests/winapi/wininet/ScriptedServer.h"
 
 namespace bench {
 namespace {
@@ -76,9 +81,111 @@ std::uint32_t Analyze(const std::u16string& url) {
   return parts.path.index + parts.query.length + parts.fragment.length;
 }
 
+using Client = Dovek::CHttpClientT<CHttpToolW, CHttpEncoderW>;
+
+// Takes what it gets and says little.
+void Answer(ScriptedServer::Peer& peer) {
+  std::string head;
+  while (!(head = peer.ReadHead()).empty()) {
+    const std::size_t at = head.find("Content-Length: ");
+    if (at != std::string::npos) peer.Skip(std::stoul(head.substr(at + 16)));
+    peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 20\r\n\r\n12345.678 87654.321\n");
+  }
+}
+
+std::string UrlOf(const ScriptedServer& server) {
+  return "http://127.0.0.1:" + std::to_string(server.Port()) + "/points";
+}
+
+// What an answer has, which is the same on both sides.
+void Check(std::size_t bytes) {
+  if (bytes != 20) throw std::runtime_error("the answer isn't whole");
+}
+
+std::size_t ReadAll(std::unique_ptr<Client::Response> response) {
+  BYTE piece[1000];
+  std::size_t all = 0;
+  while (const DWORD bytes = response->ReadContent(piece, sizeof piece)) all += bytes;
+  return all;
+}
+
+std::size_t CountBytes(char*, std::size_t size, std::size_t count, void* all) {
+  *static_cast<std::size_t*>(all) += size * count;
+  return size * count;
+}
+
+std::size_t Perform(CURL* easy) {
+  std::size_t all = 0;
+  curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &CountBytes);
+  curl_easy_setopt(easy, CURLOPT_WRITEDATA, &all);
+  if (curl_easy_perform(easy) != CURLE_OK) throw std::runtime_error("libcurl failed");
+  return all;
+}
+
+void AddGetWork(const std::shared_ptr<ScriptedServer>& server) {
+  const std::string url = UrlOf(*server);
+  const std::u16string wide(url.begin(), url.end());
+  const auto ours = [server, wide](benchmark::State& state) {
+    Client client;
+    for (auto _ : state) {
+      Check(ReadAll(std::unique_ptr<Client::Response>(client.SendGet(wide.c_str(), FALSE))));
+    }
+    state.SetItemsProcessed(state.iterations());
+  };
+  const auto theirs = [server, url](benchmark::State& state) {
+    const std::unique_ptr<CURL, void (*)(CURL*)> easy(curl_easy_init(), curl_easy_cleanup);
+    curl_easy_setopt(easy.get(), CURLOPT_URL, url.c_str());
+    for (auto _ : state) Check(Perform(easy.get()));
+    state.SetItemsProcessed(state.iterations());
+  };
+  Compare("small GET, connection kept", ours, {{"curl easy", 1.1, theirs}}, Clock::kWall);
+}
+
+void AddUploadWork(const std::shared_ptr<ScriptedServer>& server,
+                   const std::filesystem::path& folder) {
+  const std::string url = UrlOf(*server);
+  const std::u16string wide(url.begin(), url.end());
+  const std::string file = folder / "upload";
+  std::ofstream(file, std::ios::binary);
+  std::filesystem::resize_file(file, 200'000'000);
+  const auto ours = [server, wide, file](benchmark::State& state) {
+    for (auto _ : state) {
+      Client client;
+      const std::u16string path(file.begin(), file.end());
+      client.AddParam(u"file", path.c_str(), Dovek::ParamFile);
+      client.StartUpload(60'000, wide.c_str(), FALSE);
+      std::unique_ptr<Client::Response> response;
+      while (response == nullptr) response.reset(client.Proceed(1'000'000));
+      Check(ReadAll(std::move(response)));
+    }
+    state.SetItemsProcessed(state.iterations());
+  };
+  const auto theirs = [server, url, file](benchmark::State& state) {
+    for (auto _ : state) {
+      const std::unique_ptr<CURL, void (*)(CURL*)> easy(curl_easy_init(), curl_easy_cleanup);
+      const std::unique_ptr<curl_mime, void (*)(curl_mime*)> mime(curl_mime_init(easy.get()),
+                                                                  curl_mime_free);
+      curl_mimepart* const part = curl_mime_addpart(mime.get());
+      curl_mime_name(part, "file");
+      curl_mime_filedata(part, file.c_str());
+      curl_slist* const headers = curl_slist_append(nullptr, "Expect:");
+      curl_easy_setopt(easy.get(), CURLOPT_HTTPHEADER, headers);
+      curl_easy_setopt(easy.get(), CURLOPT_URL, url.c_str());
+      curl_easy_setopt(easy.get(), CURLOPT_MIMEPOST, mime.get());
+      Check(Perform(easy.get()));
+      curl_slist_free_all(headers);
+    }
+    state.SetItemsProcessed(state.iterations());
+  };
+  Compare("upload a file of 200 MB", ours, {{"curl_mime", 1.1, theirs}}, Clock::kWall);
+}
+
 }  // namespace
 
-void AddHttpWorks() {
+void AddHttpWorks(const std::filesystem::path& folder) {
+  const auto server = std::make_shared<ScriptedServer>(Answer);
+  AddGetWork(server);
+  AddUploadWork(server, folder);
   const std::vector<std::u16string> text = {ItalianText()};
   const std::vector<std::string> bytes = {ToUtf8(text.front())};
   // The two differ in blanks alone: the text has no marks.

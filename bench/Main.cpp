@@ -34,11 +34,11 @@ int main(int argc, char** argv) {
   bench::AddThreadWorks();
   bench::AddValueWorks();
   bench::AddBitWorks();
-  bench::AddHttpWorks();
   bench::AddDigestWorks();
   bench::AddSettingsWorks(support);
   bench::AddProfileWorks(support);
   bench::AddFileWorks(support);
+  bench::AddHttpWorks(support);
   bench::AddLineWorks(support);
   bench::AddXmlWorks(folder.Path());
   benchmark::Initialize(&argc, argv);

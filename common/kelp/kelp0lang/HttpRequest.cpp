@@ -12,6 +12,7 @@
 #include <cstring>
 #include <cwchar>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -229,7 +230,8 @@ void SendAll(const Connection& connection, bool post, const Target& target, std:
 
 WString ToWide(const std::string& bytes) {
   constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-  const int length = Dovek::detail::CheckedCast<int>(bytes.size());
+  if (bytes.size() > INT_MAX) throw std::bad_alloc();  // as any text of that length
+  const int length = static_cast<int>(bytes.size());
   if (!bytes.starts_with(kUtf8Mark)) return WString::AcceptString(bytes.c_str(), length);
   const int mark = static_cast<int>(kUtf8Mark.size());
   return String(bytes.c_str(), mark, length - mark).FromUtf8();

@@ -37,6 +37,7 @@ KELP0LANG_API bool ExecuteHttpRequest(bool post, const kelp::WString& url,
 // sent as it is, by a post alone, as narrow text of the process locale. 0, and the head and the
 // content of the answer, whatever its status; nothing in them is decoded but a content or head that
 // begins with the mark of UTF-8. Otherwise empty texts and: -1 for another scheme, -2 where there
-// is no socket, -3 where the host isn't known, -4 where it can't be reached. There is no time-out.
+// is no socket, -3 where the host isn't known, -4 where it can't be reached. There is no time-out,
+// and only memory bounds the answer (std::bad_alloc).
 KELP0LANG_API int SendRequest(bool post, const WChar* url, const kelp::WString& body,
                               kelp::WString& headers, kelp::WString& content);
