@@ -52,8 +52,8 @@ typedef WORD INTERNET_PORT;
 // The agent may be null: no such header then. With OPEN_TYPE_PROXY the proxy is "host:port", or a
 // list of "http=host:port" and "https=host:port"; the bypass is a list of host names with "*" as a
 // joker, and "<local>" for names without a dot; both lists are separated by blanks or semicolons.
-// The other types go without a proxy. There are no flags: asynchronous sessions and such give
-// ERROR_INVALID_PARAMETER.
+// The other types go without a proxy. Without libcurl on the machine it is ERROR_MOD_NOT_FOUND.
+// There are no flags: asynchronous sessions and such give ERROR_INVALID_PARAMETER.
 #define INTERNET_OPEN_TYPE_PRECONFIG 0
 #define INTERNET_OPEN_TYPE_DIRECT 1
 #define INTERNET_OPEN_TYPE_PROXY 3

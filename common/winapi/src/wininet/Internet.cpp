@@ -7,6 +7,7 @@
 #include <string>
 
 #include "Fail.h"
+#include "wininet/CurlBinding.h"
 #include "wininet/InternetObjects.h"
 
 namespace {
@@ -47,6 +48,7 @@ HINTERNET WINAPI InternetOpenW(LPCWSTR agent, DWORD accessType, LPCWSTR proxy, L
   if (hasProxy && (proxy == nullptr || *proxy == 0)) {
     return Fail<HINTERNET>(ERROR_INVALID_PARAMETER);
   }
+  if (!IsCurlThere()) return Fail<HINTERNET>(ERROR_MOD_NOT_FOUND);
   const auto session = std::make_shared<Session>();
   session->agent = ToUtf8(agent);
   if (hasProxy) {
