@@ -40,6 +40,11 @@ bool winapi::internet::IsCurlThere() {
     va_end(list);                                                          \
     return bound(handle, option, value);                                   \
   }
+#ifdef __clang__
+// The enumerations are as wide as int, and libcurl's own functions read on from them too.
+#pragma clang diagnostic ignored "-Wvarargs"
+#endif
+static_assert(sizeof(CURLoption) == sizeof(int) && sizeof(CURLINFO) == sizeof(int));
 static_assert(sizeof(long) == sizeof(void*) && sizeof(curl_off_t) == sizeof(void*));
 
 extern "C" {

@@ -74,6 +74,8 @@ TransferPlace TakePlace(const std::string& server) {
 }
 
 void GivePlaceBack(TransferPlace place) {
+  // A reset forgets the names of cookie files without freeing them.
+  curl_easy_setopt(place.easy, CURLOPT_COOKIEFILE, nullptr);
   curl_easy_reset(place.easy);
   Shared& shared = TheShared();
   {
