@@ -32,7 +32,7 @@ const std::vector<Row>& Rows() {
     std::vector<Row> made;
     for (int i = 0; i < 70000; ++i) {
       made.push_back({std::to_string(40000 + i),
-                      i % 7 == 0 ? "CXTPControlPopupEx" : "CXTPControlButton",
+                      i % 7 == 0 ? "CXTPControlPopupEx" : "Button",
                       "Draw & measure \xC3\xA8 " + std::to_string(i),
                       "Shows the <selected> points of layer " + std::to_string(i % 90)});
     }
@@ -215,7 +215,7 @@ WString WriteBar(const std::filesystem::path& folder, int count, int variant) {
   for (int i = 0; i < count; ++i) {
     const std::int64_t place = variant == 0 ? i : std::int64_t{i} * 7919 % count;
     if (variant != 0 && place % 10 == 3) continue;
-    file << "<Control Id=\"" << place << "\" Class=\"CXTPControlButton\" Flags=\""
+    file << "<Control Id=\"" << place << "\" Class=\"Button\" Flags=\""
          << (variant != 0 && place % 5 == 0 ? 1 : 0) << "\"/>";
     if (variant != 0 && place % 10 == 4) file << "<Group Id=\"n" << place << "\"/>";
   }
