@@ -31,8 +31,7 @@ const std::vector<Row>& Rows() {
   static const std::vector<Row> rows = [] {
     std::vector<Row> made;
     for (int i = 0; i < 70000; ++i) {
-      made.push_back({std::to_string(40000 + i),
-                      i % 7 == 0 ? "CXTPControlPopupEx" : "Button",
+      made.push_back({std::to_string(40000 + i), i % 7 == 0 ? "CXTPControlPopupEx" : "Button",
                       "Draw & measure \xC3\xA8 " + std::to_string(i),
                       "Shows the <selected> points of layer " + std::to_string(i % 90)});
     }
