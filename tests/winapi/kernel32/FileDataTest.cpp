@@ -2,9 +2,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <filesystem>
 #include <string>
-#include <utility>
 
 #include "tests/TempFolder.h"
 #include "tests/winapi/ErrorOf.h"
@@ -23,7 +21,7 @@ unsigned long long Ticks(const FILETIME& time) {
 
 class FileData : public testing::Test {
  protected:
-  explicit FileData(DWORD access = kRead | kWrite) : file(Open(access)) {}
+  FileData() : file(Open(kRead | kWrite)) {}
   ~FileData() override { CloseHandle(file); }
   HANDLE Open(DWORD access) const {
     return CreateFileW(folder.Wide(WTEXT("file")).c_str(), access,
@@ -58,9 +56,6 @@ TEST_F(FileData, IsReadWhereItWasWritten) {
   EXPECT_EQ(MoveTo(1, 7), ERROR_INVALID_PARAMETER);
   EXPECT_TRUE(SetEndOfFile(file));
   EXPECT_EQ(folder.Read("file"), "0123");
-  EXPECT_EQ(MoveTo(6), ERROR_SUCCESS);
-  EXPECT_TRUE(WriteFile(file, "x", 1, &count, nullptr));
-  EXPECT_EQ(folder.Read("file"), std::string("0123\0\0x", 7));
 }
 
 TEST_F(FileData, PlacesAndSizesGoBeyond32Bits) {
@@ -69,16 +64,10 @@ TEST_F(FileData, PlacesAndSizesGoBeyond32Bits) {
   DWORD high = 0;
   EXPECT_EQ(GetFileSize(file, &high), DWORD{3});
   EXPECT_EQ(high, 1u);
-  LARGE_INTEGER size;
-  EXPECT_TRUE(GetFileSizeEx(file, &size));
-  EXPECT_EQ(size.QuadPart, kBig);
-
   LONG half = 0;
   EXPECT_EQ(ErrorOf(SetFilePointer(file, 0, nullptr, FILE_END), INVALID_SET_FILE_POINTER),
             UnderWine() ? ERROR_SUCCESS : ERROR_INVALID_PARAMETER)
       << "a place that the result can't tell";
-  EXPECT_EQ(SetFilePointer(file, -1, nullptr, FILE_BEGIN), INVALID_SET_FILE_POINTER);
-  EXPECT_EQ(GetLastError(), DWORD{ERROR_NEGATIVE_SEEK});
   EXPECT_EQ(SetFilePointer(file, 0, &half, FILE_END), DWORD{3});
   EXPECT_EQ(half, 1);
   half = -1;
@@ -90,60 +79,42 @@ TEST_F(FileData, PlacesAndSizesGoBeyond32Bits) {
 TEST_F(FileData, AHandleDoesWhatItWasOpenedFor) {
   const HANDLE reader = Open(kRead);
   const HANDLE writer = Open(kWrite);
-  const HANDLE asker = Open(0);
   DWORD count = 7;
   char byte = 0;
-  LARGE_INTEGER size;
   EXPECT_EQ(ErrorOf(WriteFile(reader, "x", 1, &count, nullptr)), ERROR_ACCESS_DENIED);
   EXPECT_EQ(count, 0u);
-  EXPECT_EQ(ErrorOf(SetEndOfFile(reader)),
-            UnderWine() ? ERROR_INVALID_HANDLE : ERROR_ACCESS_DENIED);
   EXPECT_EQ(ErrorOf(ReadFile(writer, &byte, 1, &count, nullptr)), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(ErrorOf(ReadFile(asker, &byte, 1, &count, nullptr)), ERROR_ACCESS_DENIED);
-  EXPECT_TRUE(GetFileSizeEx(asker, &size));
-  for (const HANDLE each : {reader, writer, asker}) CloseHandle(each);
+  if (!UnderWine()) {
+    EXPECT_EQ(ErrorOf(SetEndOfFile(reader)), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(ErrorOf(SetFileTime(reader, nullptr, nullptr, nullptr)), ERROR_ACCESS_DENIED);
+  }
+  CloseHandle(reader);
+  CloseHandle(writer);
   EXPECT_EQ(ErrorOf(ReadFile(reader, &byte, 1, &count, nullptr)), ERROR_INVALID_HANDLE);
   EXPECT_EQ(ErrorOf(GetFileSize(writer, nullptr), INVALID_FILE_SIZE), ERROR_INVALID_HANDLE);
 }
 
-TEST_F(FileData, KeepsTimesThatAreSet) {
+TEST_F(FileData, KeepsTimesAndAttributes) {
   const FILETIME written = {0x9ABCDE80, 0x01C12345};
   const FILETIME none = {0, 0};
-  FILETIME before;
-  FILETIME accessed;
-  FILETIME found;
-  ASSERT_TRUE(GetFileTime(file, nullptr, &before, nullptr));
-  ASSERT_TRUE(SetFileTime(file, nullptr, &none, &written));
-  ASSERT_TRUE(GetFileTime(file, nullptr, &accessed, &found));
-  EXPECT_EQ(Ticks(found), Ticks(written));
-  EXPECT_EQ(Ticks(accessed), Ticks(before));
-  WIN32_FILE_ATTRIBUTE_DATA data;
-  const Wide path = folder.Wide(WTEXT("FILE"));
-  ASSERT_TRUE(GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data));
-  EXPECT_EQ(Ticks(data.ftLastWriteTime), Ticks(written));
-  const HANDLE reader = Open(kRead);
-  EXPECT_EQ(ErrorOf(SetFileTime(reader, nullptr, nullptr, &written)),
-            UnderWine() ? ERROR_SUCCESS : ERROR_ACCESS_DENIED);
-  CloseHandle(reader);
-}
-
-TEST_F(FileData, ReadOnlyComesAndGoes) {
-  const Wide path = folder.Wide(WTEXT("file"));
+  FILETIME before, accessed;
   DWORD count = 0;
+  const Wide path = folder.Wide(WTEXT("FILE"));
   EXPECT_TRUE(SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY));
   EXPECT_TRUE(WriteFile(file, "12345", 5, &count, nullptr)) << "the handle was there before";
+  ASSERT_TRUE(GetFileTime(file, nullptr, &before, nullptr));
+  ASSERT_TRUE(SetFileTime(file, nullptr, &none, &written));
+  ASSERT_TRUE(GetFileTime(file, nullptr, &accessed, nullptr));
+  EXPECT_EQ(Ticks(accessed), Ticks(before));
   WIN32_FILE_ATTRIBUTE_DATA data;
   ASSERT_TRUE(GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data));
+  EXPECT_EQ(Ticks(data.ftLastWriteTime), Ticks(written));
   EXPECT_NE(data.dwFileAttributes & FILE_ATTRIBUTE_READONLY, 0u);
   EXPECT_EQ(data.nFileSizeLow, 5u);
-  EXPECT_EQ(ErrorOf(Open(kRead | kWrite), INVALID_HANDLE_VALUE),
-            UnderWine() ? ERROR_SUCCESS : ERROR_ACCESS_DENIED);
   EXPECT_TRUE(SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL));
   const HANDLE writer = Open(kWrite);
   EXPECT_NE(writer, INVALID_HANDLE_VALUE);
   CloseHandle(writer);
-  EXPECT_EQ(ErrorOf(SetFileAttributesW(folder.Wide(WTEXT("none")).c_str(), 0)),
-            ERROR_FILE_NOT_FOUND);
 }
 
 }  // namespace

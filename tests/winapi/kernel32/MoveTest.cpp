@@ -53,8 +53,6 @@ TEST(Move, MovesFoldersAndChangesCase) {
   fs::create_directory(folder.Path() / "other");
   EXPECT_EQ(Move(folder, WTEXT("other"), WTEXT("file"), MOVEFILE_REPLACE_EXISTING),
             ERROR_ACCESS_DENIED);
-  EXPECT_EQ(Move(folder, WTEXT("other"), WTEXT("two"), MOVEFILE_REPLACE_EXISTING),
-            ERROR_ACCESS_DENIED);
   EXPECT_EQ(Move(folder, WTEXT("other"), WTEXT("two")), ERROR_ALREADY_EXISTS);
 }
 
@@ -108,7 +106,6 @@ TEST(Copy, TakesContentTimeAndReadOnly) {
   };
   EXPECT_EQ(copy(source, WTEXT("OLD"), TRUE), ERROR_FILE_EXISTS);
   EXPECT_EQ(folder.Read("old"), "old");
-  EXPECT_EQ(copy(folder.Wide(WTEXT("none")), WTEXT("old"), FALSE), ERROR_FILE_NOT_FOUND);
   EXPECT_EQ(copy(source, WTEXT("no\\ne"), FALSE), ERROR_PATH_NOT_FOUND);
   EXPECT_EQ(copy(folder.Wide(), WTEXT("x"), FALSE), ERROR_ACCESS_DENIED);
   for (const WCHAR* name : {WTEXT("new"), WTEXT("old")}) {

@@ -68,9 +68,15 @@ DWORD RefusalOf(const std::string& path, const struct stat& status, bool failIfE
 }  // namespace
 
 bool CopyWhole(const CopyRequest& request) {
-  const std::string written = BesideName(request.to);
-  const Descriptor to(open(written.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-  if (to < 0) return false;
+  std::string written;
+  int made;
+  // An earlier process of the same number may have been ended in the middle of a copy.
+  do {
+    written = BesideName(request.to);
+    made = open(written.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  } while (made < 0 && errno == EEXIST);
+  if (made < 0) return false;
+  const Descriptor to(made);
   const unsigned how = request.replaces ? 0 : RENAME_NOREPLACE;
   if (WriteCopy(request, to) &&
       renameat2(AT_FDCWD, written.c_str(), AT_FDCWD, request.to.c_str(), how) == 0) {
