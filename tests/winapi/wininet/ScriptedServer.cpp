@@ -74,7 +74,7 @@ ScriptedServer::Script ScriptedServer::Answering(std::string answer) {
 ScriptedServer::~ScriptedServer() {
   m_ending = true;
   m_accepting.join();
-  for (std::thread& script : m_scripts) script.join();
+  for (Run& run : m_runs) run.thread.join();
   closesocket(static_cast<SOCKET>(m_listener));
 }
 
@@ -83,10 +83,17 @@ void ScriptedServer::Accept() {
     if (!IsReady(static_cast<SOCKET>(m_listener))) continue;
     const SOCKET socket = accept(static_cast<SOCKET>(m_listener), nullptr, nullptr);
     ++m_connections;
-    m_scripts.emplace_back([this, socket] {
+    m_runs.remove_if([](Run& run) {
+      if (!run.isOver) return false;
+      run.thread.join();
+      return true;
+    });
+    Run& run = m_runs.emplace_back();
+    run.thread = std::thread([this, socket, &run] {
       Peer peer(*this, static_cast<std::intptr_t>(socket));
       m_script(peer);
       closesocket(socket);
+      run.isOver = true;
     });
   }
 }

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -63,6 +64,10 @@ class ScriptedServer {
   std::atomic<int> m_connections{0};
   mutable std::mutex m_mutex;
   std::vector<std::string> m_heads;
-  std::vector<std::thread> m_scripts;
+  struct Run {
+    std::atomic<bool> isOver{false};
+    std::thread thread;
+  };
+  std::list<Run> m_runs;
   std::thread m_accepting;
 };
