@@ -30,6 +30,7 @@ const std::string kFolders[] = {
     "common/winapi/src/user32",
     "common/winapi/src/shell32",
     "common/winapi/src/ole32",
+    "common/winapi/src/shlwapi",
     "common/winapi/src/oleaut32",
     "common/winapi/src/wininet",
     "common/winapi/src/ws2_32",

@@ -29,3 +29,14 @@ WINAPI_EXPORT HANDLE WINAPI GetCurrentThread();
 WINAPI_EXPORT DWORD WINAPI GetCurrentThreadId();
 // The number of this process.
 WINAPI_EXPORT DWORD WINAPI GetCurrentProcessId();
+
+// A process by its number, to ask about it: ERROR_INVALID_PARAMETER where there is none,
+// ERROR_ACCESS_DENIED for one that this user may not look into, and ERROR_NOT_SUPPORTED for other
+// rights than these two. A handle that comes from here can't be waited for.
+#define PROCESS_VM_READ 0x0010
+#define PROCESS_QUERY_INFORMATION 0x0400
+WINAPI_EXPORT HANDLE WINAPI OpenProcess(DWORD access, BOOL inherit, DWORD processId);
+// STILL_ACTIVE before its end. Only of a process that this one has started is it known afterwards;
+// of another it is ERROR_NOT_SUPPORTED. One that was killed by a signal gives 128 and its number.
+WINAPI_EXPORT BOOL WINAPI GetExitCodeProcess(HANDLE process, LPDWORD exitCode);
+WINAPI_EXPORT DWORD WINAPI GetProcessId(HANDLE process);

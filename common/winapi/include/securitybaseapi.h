@@ -14,3 +14,23 @@ WINAPI_EXPORT BOOL WINAPI GetFileSecurityW(LPCWSTR path, SECURITY_INFORMATION in
                                            DWORD* needed);
 WINAPI_EXPORT BOOL WINAPI SetFileSecurityW(LPCWSTR path, SECURITY_INFORMATION information,
                                            PSECURITY_DESCRIPTOR descriptor);
+
+// Identifiers of users and groups, for asking whether the user of this process is one of a group.
+typedef void* PSID;
+typedef struct _SID_IDENTIFIER_AUTHORITY {
+  BYTE Value[6];
+} SID_IDENTIFIER_AUTHORITY, *PSID_IDENTIFIER_AUTHORITY;
+#define SECURITY_NT_AUTHORITY \
+  { 0, 0, 0, 0, 0, 5 }
+#define SECURITY_BUILTIN_DOMAIN_RID 0x00000020
+#define DOMAIN_ALIAS_RID_ADMINS 0x00000220
+
+// Of 1 to 8 numbers behind the authority; FreeSid gives it back.
+WINAPI_EXPORT BOOL WINAPI AllocateAndInitializeSid(PSID_IDENTIFIER_AUTHORITY authority, BYTE count,
+                                                   DWORD first, DWORD second, DWORD third,
+                                                   DWORD fourth, DWORD fifth, DWORD sixth,
+                                                   DWORD seventh, DWORD eighth, PSID* sid);
+WINAPI_EXPORT PVOID WINAPI FreeSid(PSID sid);
+// Root is in the administrators' group (5, 32, 544), and everybody in none else. The token is null,
+// which means the caller's own; others are ERROR_INVALID_HANDLE.
+WINAPI_EXPORT BOOL WINAPI CheckTokenMembership(HANDLE token, PSID sid, BOOL* isMember);

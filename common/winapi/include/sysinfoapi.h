@@ -13,6 +13,42 @@ WINAPI_EXPORT void WINAPI GetSystemTimeAsFileTime(LPFILETIME time);
 WINAPI_EXPORT DWORD WINAPI GetTickCount();
 WINAPI_EXPORT ULONGLONG WINAPI GetTickCount64();
 
+// The version of Windows that the layer's calls are those of: 10.0, a workstation without a service
+// pack. The size of the record says which one it is; another size is ERROR_INSUFFICIENT_BUFFER.
+#define VER_PLATFORM_WIN32_NT 2
+#define VER_NT_WORKSTATION 1
+typedef struct _OSVERSIONINFOA {
+  DWORD dwOSVersionInfoSize;
+  DWORD dwMajorVersion;
+  DWORD dwMinorVersion;
+  DWORD dwBuildNumber;
+  DWORD dwPlatformId;
+  char szCSDVersion[128];
+} OSVERSIONINFOA, *LPOSVERSIONINFOA;
+typedef struct _OSVERSIONINFOW {
+  DWORD dwOSVersionInfoSize;
+  DWORD dwMajorVersion;
+  DWORD dwMinorVersion;
+  DWORD dwBuildNumber;
+  DWORD dwPlatformId;
+  WCHAR szCSDVersion[128];
+} OSVERSIONINFOW, *LPOSVERSIONINFOW;
+typedef struct _OSVERSIONINFOEXW {
+  DWORD dwOSVersionInfoSize;
+  DWORD dwMajorVersion;
+  DWORD dwMinorVersion;
+  DWORD dwBuildNumber;
+  DWORD dwPlatformId;
+  WCHAR szCSDVersion[128];
+  WORD wServicePackMajor;
+  WORD wServicePackMinor;
+  WORD wSuiteMask;
+  BYTE wProductType;
+  BYTE wReserved;
+} OSVERSIONINFOEXW;
+WINAPI_EXPORT BOOL WINAPI GetVersionExW(LPOSVERSIONINFOW info);
+WINAPI_EXPORT BOOL WINAPI GetVersionExA(LPOSVERSIONINFOA info);
+
 // The folder of the system's own programs, /usr. Gives the length without the terminator, or, where
 // size units don't hold it, the size needed with it.
 WINAPI_EXPORT UINT WINAPI GetWindowsDirectoryW(LPWSTR buffer, UINT size);

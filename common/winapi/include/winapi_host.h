@@ -24,3 +24,8 @@ WINAPI_EXPORT void WinapiSetFolderChooser(WINAPI_FOLDER_CHOOSER chooser);
 // The file of certificates (PEM, a path of this system) by which HTTPS servers are verified from now
 // on; null or empty, as at start, is the system's store.
 WINAPI_EXPORT void WinapiSetCertificateStore(LPCWSTR file);
+
+// Stands in for the box of MessageBoxW: shows the text and gives the button that the user chose.
+// Null, as at start, means that there is nobody to ask.
+typedef int (*WINAPI_MESSAGE_BOX)(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type);
+WINAPI_EXPORT void WinapiSetMessageBox(WINAPI_MESSAGE_BOX shown);

@@ -17,6 +17,7 @@ typedef uint64_t ULONGLONG;
 typedef unsigned int UINT;
 typedef uintptr_t ULONG_PTR;
 typedef ULONG_PTR SIZE_T;
+typedef void* PVOID;
 typedef void* LPVOID;
 typedef const void* LPCVOID;
 

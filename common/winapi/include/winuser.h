@@ -302,3 +302,14 @@ WINAPI_EXPORT BOOL WINAPI GetMenuItemInfoW(HMENU menu, UINT item, BOOL byPositio
 // buffer, 0 where there is none. With size 0 the buffer is a pointer's, which then points to the
 // string itself, and the call gives its length; that text has no terminator.
 WINAPI_EXPORT int WINAPI LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int size);
+
+// Tells the user something, through what the host has set (winapi_host.h). Where nothing is set
+// there is nobody to answer: the text goes to standard error, and only MB_OK is known then, with
+// IDOK; others fail with 0 and ERROR_NOT_SUPPORTED.
+#define MB_OK 0x00000000L
+#define MB_TYPEMASK 0x0000000FL
+#define MB_ICONEXCLAMATION 0x00000030L
+#define IDOK 1
+WINAPI_EXPORT int WINAPI MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type);
+// Null: no window here is in front of others.
+WINAPI_EXPORT HWND WINAPI GetForegroundWindow();

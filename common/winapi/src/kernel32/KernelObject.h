@@ -50,7 +50,7 @@ struct PendingWait {
   DWORD result;
 };
 
-enum class KernelType { kEvent, kMutex, kSemaphore, kThread, kFile, kMapping, kPipe };
+enum class KernelType { kEvent, kMutex, kSemaphore, kThread, kFile, kMapping, kPipe, kProcess };
 
 class KernelObject : public std::enable_shared_from_this<KernelObject> {
  public:

@@ -1,0 +1,89 @@
+#include "kelp0lang/StubCaller.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+// It needs the one before.
+#include <shellapi.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "kelp0lang/IniFile.h"
+#include "kelp0lang/LegacyFlags.h"
+#include "kelp0lang/SystemQuery.h"
+#include "tests/MeasureTestFolders.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Puts the test helper into the program's folder under a name.
+void PutHelper(const char* name) {
+  const fs::path folder = Folders().Path() / "program";
+  fs::create_directories(folder);
+  fs::copy_file(TEST_HELPER, folder / name, fs::copy_options::overwrite_existing);
+}
+
+// In one test, for the caller is one of the process, and once connected stays so.
+TEST(StubCaller, TheHelperIsStartedConnectedAndHeard) {
+  CIniFile().WriteShort(KTEXT("CATASTO"), KTEXT("TimeOutPdf"), 20);
+  CStubAdminCaller* const stub = CStubAdminCaller::GetInstance();
+  EXPECT_EQ(stub, CStubAdminCaller::GetInstance());
+  CServiceStubCaller early;
+#ifndef _WIN32  // which shows the user what is missing, and waits
+  EXPECT_FALSE(early.InstallService(KTEXT("0"), KTEXT(""), KTEXT(""), false)) << "without a helper";
+#endif
+  PutHelper(IsModIta() ? "TalveraAdmin.exe" : "OstrandAdmin.exe");
+  stub->SetParams(KTEXT("end"), KTEXT(""));
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_FALSE(early.InstallService(KTEXT("0"), KTEXT(""), KTEXT(""), false)) << "that ends";
+  }
+
+  stub->SetParams(KTEXT("talk"), KTEXT("pipes"));
+  const struct {
+    const WChar* name;
+    bool installed;
+  } cases[] = {{KTEXT("5"), false}, {KTEXT("0"), true}, {KTEXT("two"), true}};
+  for (const auto& test : cases) {
+    CServiceStubCaller caller;
+    EXPECT_EQ(caller.InstallService(test.name, KTEXT("name"), KTEXT("path"), true), test.installed);
+  }
+}
+
+TEST(StubCaller, OnlyAResultOfOneValueCounts) {
+  CServiceStubCaller caller;
+  caller.OnMessage({stubResult, {0, 0}});
+  caller.OnMessage({stubInstallService, {0}});
+  caller.OnMessage({stubResult, {}});
+  EXPECT_FALSE(CServiceStubCaller(caller).InstallService(KTEXT("7"), KTEXT(""), KTEXT(""), false));
+}
+
+TEST(SystemQuery, ProgramsOfTheFamilyAreSeenWhileTheyRun) {
+  PutHelper("talveraX.exe");
+  SHELLEXECUTEINFOW info = {};
+  info.cbSize = sizeof info;
+  info.fMask = SEE_MASK_NOCLOSEPROCESS;
+  const auto path = Folders().Wide(KTEXT("program/talveraX.exe"));
+  info.lpFile = path.c_str();
+  info.lpParameters = KTEXT("sleep;");
+  info.nShow = SW_SHOW;
+  ASSERT_TRUE(ShellExecuteExW(&info));
+  const int id = static_cast<int>(GetProcessId(info.hProcess));
+  const auto isSeen = [id](bool office, bool field) {
+    std::vector<int> ids;
+    GetRunningInstances(ids, office, field);
+    return std::count(ids.begin(), ids.end(), id) == 1;
+  };
+  // It may have been started but not begun.
+  for (int i = 0; i < 200 && !isSeen(true, false); ++i) Sleep(10);
+  EXPECT_TRUE(isSeen(true, false));
+  EXPECT_TRUE(isSeen(true, true));
+  EXPECT_FALSE(isSeen(false, true));
+  WaitForSingleObject(info.hProcess, INFINITE);
+  EXPECT_FALSE(isSeen(true, false));
+  CloseHandle(info.hProcess);
+}
+
+}  // namespace
