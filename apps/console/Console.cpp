@@ -408,7 +408,7 @@ InterruptScope::~InterruptScope() {
   ReleaseInterrupts();
 }
 
-bool InterruptScope::IsInterrupted() const {
+bool InterruptScope::IsInterrupted() {
   return g_isInterrupted;
 }
 

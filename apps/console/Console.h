@@ -88,7 +88,7 @@ class InterruptScope {
   InterruptScope(const InterruptScope&) = delete;
   InterruptScope& operator=(const InterruptScope&) = delete;
 
-  bool IsInterrupted() const;
+  static bool IsInterrupted();
 };
 
 // The content of a file, or of standard input for "-". The watch hears how far a file

@@ -32,6 +32,8 @@ ProgramResult RunProgram(const std::string& program, const std::vector<std::stri
 // With standard error on a terminal; its text is as the terminal gets it.
 ProgramResult RunOnTerminal(const std::string& program, const std::vector<std::string>& arguments);
 
+// Behind a line, and behind Ctrl-C, keys wait for the prompt: until then the terminal is in the
+// other mode, where some mean other things.
 struct Typing {
   std::string keys;
   std::string awaited;  // what the terminal shows behind them

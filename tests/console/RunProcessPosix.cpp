@@ -84,6 +84,73 @@ ProgramResult RunOnTerminal(const std::string& program, const std::vector<std::s
   return {status, ReadFile(out), err};
 }
 
+namespace {
+
+// The master's side of the terminal of a program. What isn't shown within some seconds ends the
+// program, and is thrown.
+class TypedTerminal {
+ public:
+  TypedTerminal(int terminal, int other, pid_t child)
+      : m_terminal(terminal), m_other(other), m_child(child) {}
+
+  const std::string& Shown() const { return m_shown; }
+  void Type(const std::string& keys) {
+    if (write(m_terminal, keys.data(), keys.size()) < 0) Fail("the keys aren't taken");
+  }
+  void WaitFor(const std::string& text) {
+    std::size_t at;
+    while ((at = m_shown.find(text, m_seen)) == std::string::npos) {
+      if (!ReadSome(kPatience)) Fail("not shown: " + text);
+    }
+    m_seen = at + text.size();
+  }
+  // The prompt is shown a moment before the terminal takes single keys.
+  void WaitForPrompt() {
+    WaitFor("> ");
+    termios state = {};
+    for (int passed = 0; passed < kPatience; ++passed) {
+      if (tcgetattr(m_other, &state) == 0 && (state.c_lflag & ICANON) == 0) return;
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    Fail("no keys are taken");
+  }
+  // Until the program has ended, not yet waited for.
+  void WaitForEnd() {
+    for (int passed = 0; passed < kPatience; passed += kGlance) {
+      siginfo_t info = {};
+      waitid(P_PID, static_cast<id_t>(m_child), &info, WEXITED | WNOHANG | WNOWAIT);
+      if (info.si_pid != 0) return;
+      ReadSome(kGlance);
+    }
+    Fail("it doesn't end");
+  }
+
+ private:
+  static constexpr int kPatience = 20000;  // ms
+  static constexpr int kGlance = 10;
+
+  bool ReadSome(int wait) {
+    pollfd output = {m_terminal, POLLIN, 0};
+    char part[4096];
+    const ssize_t count = poll(&output, 1, wait) > 0 ? read(m_terminal, part, sizeof part) : 0;
+    if (count > 0) m_shown.append(part, static_cast<std::size_t>(count));
+    return count > 0;
+  }
+  [[noreturn]] void Fail(const std::string& what) {
+    kill(m_child, SIGKILL);
+    ::WaitFor(m_child);
+    throw std::runtime_error(what + "; the terminal shows " + m_shown);
+  }
+
+  int m_terminal;
+  int m_other;  // the program's side
+  pid_t m_child;
+  std::string m_shown;
+  std::size_t m_seen = 0;
+};
+
+}  // namespace
+
 TerminalResult TypeInto(const std::string& program, const std::vector<std::string>& arguments,
                         const std::vector<Typing>& typing, int columns, int lastSignal) {
   const std::string path = ProgramPath(program);
@@ -98,31 +165,21 @@ TerminalResult TypeInto(const std::string& program, const std::vector<std::strin
   }
   // One side of the terminal stays open, so that its state can be asked for at the end.
   const int other = open(ptsname(terminal), O_RDWR | O_NOCTTY);
-  std::string shown;
-  std::size_t seen = 0;
-  for (const Typing& step : typing) {
-    if (write(terminal, step.keys.data(), step.keys.size()) < 0) break;
-    std::size_t at;
-    pollfd output = {terminal, POLLIN, 0};
-    while ((at = shown.find(step.awaited, seen)) == std::string::npos) {
-      char part[4096];
-      const ssize_t count = poll(&output, 1, 20000) > 0 ? read(terminal, part, sizeof part) : 0;
-      if (count <= 0) {
-        kill(child, SIGKILL);
-        WaitFor(child);
-        throw std::runtime_error("not shown: " + step.awaited + " in " + shown);
-      }
-      shown.append(part, static_cast<std::size_t>(count));
-    }
-    seen = at + step.awaited.size();
+  TypedTerminal typed(terminal, other, child);
+  for (std::size_t i = 0; i < typing.size(); ++i) {
+    const std::string before = i == 0 ? "\n" : typing[i - 1].keys;
+    if (before.ends_with('\n') || before.ends_with('\x03')) typed.WaitForPrompt();
+    typed.Type(typing[i].keys);
+    typed.WaitFor(typing[i].awaited);
   }
   if (lastSignal != 0) kill(child, lastSignal);
+  typed.WaitForEnd();
   TerminalResult result;
   result.status = WaitFor(child);
   termios state = {};
   tcgetattr(other, &state);
   result.isEchoing = (state.c_lflag & ECHO) != 0 && (state.c_lflag & ICANON) != 0;
-  result.out = shown;
+  result.out = typed.Shown();
   close(other);
   close(terminal);
   return result;

@@ -13,8 +13,8 @@ const std::string kAsks = "quit again to drop them";
 
 class Terminal : public testing::Test {
  protected:
-  TerminalResult Type(std::vector<Typing> typing, int columns = 80, int lastSignal = 0) const {
-    typing.insert(typing.begin(), {"", "> "});
+  TerminalResult Type(const std::vector<Typing>& typing, int columns = 80,
+                      int lastSignal = 0) const {
     return TypeIntoFieldbook({"edit", m_file}, typing, columns, lastSignal);
   }
 
@@ -50,7 +50,7 @@ TEST_F(Terminal, CtrlCAsksWhatQuitAsks) {
   for (const std::string& first :
        {kCtrlC, std::string("half a line") + kCtrlC, std::string("quit\n")}) {
     for (const std::string& second : {kCtrlC, std::string("quit\n")}) {
-      const TerminalResult result = Type({move, {first, kAsks}, {"", "> "}, {second, "\n"}});
+      const TerminalResult result = Type({move, {first, kAsks}, {second, "\n"}});
       EXPECT_EQ(result.status, 0);
       EXPECT_TRUE(result.isEchoing);
     }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <optional>
 
 #include "fieldbook/commands/Commands.h"
 #include "fieldbook/commands/EditCompletion.h"
@@ -211,8 +212,9 @@ class EditSession {
   PointList m_list;
   const PointStyle m_style;
   EditReporter m_reporter;
-  std::unique_ptr<LineEditor> m_editor;  // on a terminal
-  WString m_step;                        // what a change is called in undo
+  std::unique_ptr<LineEditor> m_editor;        // on a terminal
+  std::optional<InterruptScope> m_interrupts;  // likewise
+  WString m_step;                              // what a change is called in undo
   std::unique_ptr<kelp::CSourceEventScope> m_group;
   bool m_isLeaving = false;
   bool m_isWarned = false;  // of unsaved changes
@@ -220,11 +222,17 @@ class EditSession {
   Status m_status = kDone;
 };
 
+constexpr const WChar* kSetOperands = KTEXT("P WHAT VALUE");
+
+[[noreturn]] void FailOnOperands(const WString& command, const WChar* operands) {
+  throw Failure({KTEXT("{1} takes {2}"), {command, operands}});
+}
+
 const EditSession::Rule EditSession::kRules[14] = {
     {KTEXT("add"), &EditSession::Add, 3, 9, KTEXT("P E N [H [CODE]]")},
     {KTEXT("move"), &EditSession::Move, 4, 7, KTEXT("P dE dN dH")},
     {KTEXT("shift"), &EditSession::Shift, 3, 6, KTEXT("dE dN dH")},
-    {KTEXT("set"), &EditSession::Set, 3, 4, KTEXT("P WHAT VALUE")},
+    {KTEXT("set"), &EditSession::Set, 3, 4, kSetOperands},
     {KTEXT("rename"), &EditSession::Rename, 2, 2, KTEXT("OLD NEW")},
     {KTEXT("delete"), &EditSession::Delete, 1, 1, KTEXT("P")},
     {KTEXT("begin"), &EditSession::Begin, 1, 1, KTEXT("NAME")},
@@ -260,14 +268,16 @@ Completer EditSession::MakeCompleter() const {
   return [this, commands](const WString& before) { return CompleteEdit(before, commands, m_list); };
 }
 
-// On a terminal Ctrl-C asks what quit asks; elsewhere it ends the program as usual.
+// On a terminal Ctrl-C asks what quit asks, also where it comes while a line is carried out;
+// elsewhere it ends the program as usual.
 bool EditSession::Ask(std::string& line) {
   if (m_editor == nullptr) return ReadInputLine(line);
+  if (!m_interrupts) m_interrupts.emplace();
   for (;;) {
-    const InterruptScope interrupts;
-    if (m_editor->Read(line)) return true;
+    if (!m_interrupts->IsInterrupted() && m_editor->Read(line)) return true;
     m_console.PrintLine(WString());
-    if (!interrupts.IsInterrupted()) return false;
+    if (!m_interrupts->IsInterrupted()) return false;
+    m_interrupts.emplace();  // for the next one
     Quit({});
     if (m_isLeaving) return false;
   }
@@ -301,7 +311,7 @@ void EditSession::Do(const WString& line) {
   }
   if (words.size() < rule->least || words.size() > rule->most) {
     if (rule->operands == nullptr) throw Failure({KTEXT("{1} takes nothing behind it"), {name}});
-    throw Failure({KTEXT("{1} takes {2}"), {name, rule->operands}});
+    FailOnOperands(name, rule->operands);
   }
   if (rule->run != &EditSession::Quit) m_isWarned = false;
   if (m_group == nullptr) m_step = line;
@@ -332,6 +342,19 @@ double EditSession::ReadNumbered(const WChar* name, const WString& text,
   throw Failure({KTEXT("{1} \"{2}\": {3}"), {name, Quoted(text), reading.fault.Text()}});
 }
 
+// Where blanks part the words, "1 1/2" is two of them, and nobody can tell what was meant.
+void RequireNoPart(const WChar* name, const WString& before, const WString& word) {
+  const WideView digits = ViewOf(before);
+  if (!IsFraction(word) || digits.empty() || !IsDigit(digits.back()) ||
+      digits.find_first_of(KTEXT(".,/")) != WideView::npos) {
+    return;
+  }
+  throw Failure(
+      {KTEXT("{1} \"{2}\": this could be a value of its own or part of \"{3}\", which then "
+             "stands in quotes"),
+       {name, Quoted(word), Quoted(before + KTEXT(' ') + word.c_str())}});
+}
+
 const LengthUnit* UnitNamed(const WString& word) {
   const auto* unit =
       std::find_if(std::begin(kLengthUnits), std::end(kLengthUnits),
@@ -349,6 +372,7 @@ std::vector<double> EditSession::ReadLengths(const Words& words, std::size_t fir
   for (const WChar* name : names) {
     if (next >= words.size()) throw Failure({KTEXT("{1} is missing"), {name}});
     const WString& text = words[next++];
+    if (next - 1 > first) RequireNoPart(name, words[next - 2], text);
     const LengthUnit* unit = next < words.size() ? UnitNamed(words[next]) : nullptr;
     if (unit != nullptr) ++next;
     lengths.push_back(text.empty()
@@ -386,9 +410,11 @@ void EditSession::Add(const Words& words) {
         {KTEXT("{1} is missing"), {point.easting > point.northing ? KTEXT("E") : KTEXT("N")}});
   }
   if (next < words.size()) point.elevation = ReadLengths(words, next, {KTEXT("H")}, next)[0];
-  if (next < words.size()) point.description = words[next++];
-  if (next < words.size())
-    throw Failure({KTEXT("{1} takes {2}"), {KTEXT("add"), KTEXT("P E N [H [CODE]]")}});
+  if (next < words.size()) {
+    RequireNoPart(KTEXT("CODE"), words[next - 1], words[next]);
+    point.description = words[next++];
+  }
+  if (next < words.size()) FailOnOperands(KTEXT("add"), KTEXT("P E N [H [CODE]]"));
   RequireWithinReach(point);
   m_list.Add(point, m_step);
 }
@@ -396,8 +422,7 @@ void EditSession::Add(const Words& words) {
 void EditSession::Move(const Words& words) {
   std::size_t next = 0;
   const std::vector<double> shift = ReadLengths(words, 1, kShiftNames, next);
-  if (next < words.size())
-    throw Failure({KTEXT("{1} takes {2}"), {KTEXT("move"), KTEXT("P dE dN dH")}});
+  if (next < words.size()) FailOnOperands(KTEXT("move"), KTEXT("P dE dN dH"));
   MoveRow(m_list.RequirePoint(words[0]), shift);
 }
 
@@ -405,8 +430,7 @@ void EditSession::Move(const Words& words) {
 void EditSession::Shift(const Words& words) {
   std::size_t next = 0;
   const std::vector<double> shift = ReadLengths(words, 0, kShiftNames, next);
-  if (next < words.size())
-    throw Failure({KTEXT("{1} takes {2}"), {KTEXT("shift"), KTEXT("dE dN dH")}});
+  if (next < words.size()) FailOnOperands(KTEXT("shift"), KTEXT("dE dN dH"));
   const kelp::CSourceEventScope transaction(&m_list);
   for (const std::size_t row : m_list.RowsOfPoints()) RequireWithinReach(Moved(row, shift));
   for (const std::size_t row : m_list.RowsOfPoints())
@@ -438,11 +462,17 @@ void EditSession::Set(const Words& words) {
   const auto length = [&](bool isRequired) {
     std::size_t next = 0;
     const double value = ReadLengths(words, 2, {what.c_str()}, next)[0];
+    if (next < words.size()) {
+      RequireNoPart(what.c_str(), words[next - 1], words[next]);
+      FailOnOperands(KTEXT("set"), kSetOperands);
+    }
     if (isRequired && value > kelp::kNotSetThreshold) {
       throw Failure({KTEXT("{1} is missing"), {what}});
     }
     return value;
   };
+  const bool isText = what == KTEXT("code") || what == KTEXT("name");
+  if (isText && words.size() > 3) FailOnOperands(KTEXT("set"), kSetOperands);
   if (what == KTEXT("east")) {
     point.easting = length(true);
   } else if (what == KTEXT("north")) {
@@ -493,8 +523,7 @@ void EditSession::RequireNoGroup() const {
 void EditSession::Undo(const Words& words) {
   RequireNoGroup();
   const bool isAll = !words.empty();
-  if (isAll && words[0] != KTEXT("all"))
-    throw Failure({KTEXT("{1} takes {2}"), {KTEXT("undo"), KTEXT("[all]")}});
+  if (isAll && words[0] != KTEXT("all")) FailOnOperands(KTEXT("undo"), KTEXT("[all]"));
   if (!m_manager.CanUndo()) throw Failure({KTEXT("there is nothing to undo"), {}});
   do {
     const kelp::CSourceEventScope transaction(&m_list);

@@ -126,15 +126,17 @@ class PointFilter {
   void ReadWindow(const WString& text) {
     const std::vector<WString> parts = SplitAtCommas(text);
     std::array<double, 4> window{};
-    bool isGood = parts.size() == window.size();
-    for (std::size_t i = 0; isGood && i < window.size(); ++i) {
-      const Reading reading = ReadLength(parts[i], m_shown, DecimalMark::Point);
-      window[i] = reading.value;
-      isGood = !reading.fault;
-    }
-    if (!isGood) {
+    if (parts.size() != window.size()) {
       throw UsageFailure({KTEXT("{1}: \"{2}\" isn't four coordinates E1,N1,E2,N2"),
                           {NameOf(Option::Within), Quoted(text)}});
+    }
+    for (std::size_t i = 0; i < window.size(); ++i) {
+      const Reading reading = ReadLength(parts[i], m_shown, DecimalMark::Point);
+      if (reading.fault) {
+        throw UsageFailure({KTEXT("{1} \"{2}\": {3}"),
+                            {NameOf(Option::Within), Quoted(parts[i]), reading.fault.Text()}});
+      }
+      window[i] = reading.value;
     }
     m_window = window;
   }

@@ -73,8 +73,9 @@ class SignalsAtKeys {
   SignalsAtKeys(const SignalsAtKeys&) = delete;
   SignalsAtKeys& operator=(const SignalsAtKeys&) = delete;
 
-  // False where a signal came first.
+  // False where a signal came first, be it before the signals were held.
   bool WaitForKey() const {
+    if (InterruptScope::IsInterrupted()) return false;
     pollfd input = {STDIN_FILENO, POLLIN, 0};
     return ppoll(&input, 1, nullptr, &m_open) > 0;
   }

@@ -28,6 +28,14 @@ Reading ReadNumber(const WString& text, DecimalMark mark) {
   return ToReading(CheckNumber(text));
 }
 
+bool IsFraction(const WString& word) {
+  const WideView view = ViewOf(word);
+  if (view.empty() || ReadNumber(word, DecimalMark::Point).fault) return false;
+  const bool hasDigits = std::any_of(view.begin(), view.end(), IsDigit<WChar>);
+  const bool isOneWord = std::none_of(view.begin(), view.end(), IsBlank<WChar>);
+  return !hasDigits || (isOneWord && IsDigit(view.front()) && view.find(KTEXT('/')) != view.npos);
+}
+
 WString WriteExactly(double value, int leastDecimals) {
   std::string text;
   AppendExactly(text, value, leastDecimals);

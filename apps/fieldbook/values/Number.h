@@ -24,6 +24,9 @@ bool HasForbiddenComma(const WString& text, DecimalMark mark);
 // The whole text must be one number or fraction.
 Reading ReadNumber(const WString& text, DecimalMark mark);
 
+// Whether a word may be the part of a number that follows a whole one: 1/2, or a sign for it.
+bool IsFraction(const WString& word);
+
 // As many decimals as it takes to read the same value back, and no fewer than asked for.
 WString WriteExactly(double value, int leastDecimals);
 void AppendExactly(std::string& bytes, double value, int leastDecimals);
