@@ -1,17 +1,21 @@
 #include "fieldbook/points/PointList.h"
 
 #include <cmath>
+#include <map>
 #include <random>
+#include <set>
 #include <utility>
 
 #include "console/Console.h"
 #include "fieldbook/console/Words.h"
+#include "fieldbook/points/RowIndex.h"
 #include "tests/TestText.h"
 
 using fieldbook::kLengthUnits;
 using fieldbook::LayoutWishes;
 using fieldbook::Point;
 using fieldbook::PointList;
+using fieldbook::RowIndex;
 using kelp::WString;
 
 namespace {
@@ -183,6 +187,33 @@ TEST(Words, ComeApartByBlanksAndQuotes) {
   EXPECT_EQ(split("rename \"A 1\" \"the \"\"old\"\" one\""), "rename|A 1|the \"old\" one|");
   EXPECT_EQ(split("move P 5'6\"3/8 6\" \"\""), "move|P|5'6\"3/8|6\"||");
   EXPECT_THROW(split("delete \"A"), fieldbook::Failure);
+}
+
+// Few hashes, so that chains are long; far more rows than were reserved for.
+TEST(RowIndex, KeepsWhatAMapKeeps) {
+  std::mt19937 random(7);
+  RowIndex index;
+  std::map<std::size_t, std::size_t> hashes;  // of the rows that are there
+  for (int step = 0; step < 5000; ++step) {
+    const std::size_t row = random() % 1000;
+    if (hashes.count(row) != 0) {
+      index.Remove(row);
+      hashes.erase(row);
+    } else {
+      hashes[row] = random() % 97;
+      index.Add(hashes[row], row);
+    }
+    const std::size_t wanted = random() % 97;
+    std::set<std::size_t> found, expected;
+    for (std::size_t r = index.First(wanted); r != RowIndex::kNone; r = index.Next(r)) {
+      ASSERT_TRUE(hashes.count(r) != 0);
+      if (hashes[r] == wanted) found.insert(r);
+    }
+    for (const auto& [r, hash] : hashes) {
+      if (hash == wanted) expected.insert(r);
+    }
+    ASSERT_EQ(found, expected);
+  }
 }
 
 }  // namespace

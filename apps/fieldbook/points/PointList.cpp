@@ -46,7 +46,7 @@ PointList::PointList(kelp::CChangeTransactionManager* manager, std::string_view 
   m_layout = file.layout;
   m_faults = file.faults;
   m_rows = RowsOf(std::move(file));
-  m_named.reserve(m_rows.size());
+  m_named.Reserve(m_rows.size());
   for (std::size_t row = 0; row < m_rows.size(); ++row) Enlist(row);
   const TextSource text(*source);
   // Zero characters come as other ones out of the reading.
@@ -74,14 +74,13 @@ std::vector<PointList::Row> PointList::RowsOf(PointFile file) {
 
 void PointList::Enlist(std::size_t row) {
   if (!IsThere(m_rows[row])) return;
-  m_named.emplace(HashOf(m_rows[row].point.name), row);
+  m_named.Add(HashOf(m_rows[row].point.name), row);
   ++m_countPoints;
 }
 
 void PointList::Delist(std::size_t row) {
   if (!IsThere(m_rows[row])) return;
-  const auto [begin, end] = m_named.equal_range(HashOf(m_rows[row].point.name));
-  m_named.erase(std::find_if(begin, end, [row](const auto& entry) { return entry.second == row; }));
+  m_named.Remove(row);
   --m_countPoints;
 }
 
@@ -104,17 +103,16 @@ std::vector<std::size_t> PointList::RowsOfPoints() const {
 }
 
 bool PointList::HasPoint(const WString& name) const {
-  const auto [begin, end] = m_named.equal_range(HashOf(name));
-  return std::any_of(begin, end, [this, &name](const auto& entry) {
-    return m_rows[entry.second].point.name == name;
-  });
+  std::size_t row = m_named.First(HashOf(name));
+  while (row != RowIndex::kNone && m_rows[row].point.name != name) row = m_named.Next(row);
+  return row != RowIndex::kNone;
 }
 
 std::size_t PointList::RequirePoint(const WString& name) const {
   std::vector<std::size_t> found;
-  const auto [begin, end] = m_named.equal_range(HashOf(name));
-  for (auto entry = begin; entry != end; ++entry) {
-    if (m_rows[entry->second].point.name == name) found.push_back(entry->second);
+  for (std::size_t row = m_named.First(HashOf(name)); row != RowIndex::kNone;
+       row = m_named.Next(row)) {
+    if (m_rows[row].point.name == name) found.push_back(row);
   }
   if (found.empty()) throw Failure({KTEXT("there is no point \"{1}\""), {Quoted(name)}});
   if (found.size() == 1) return found.front();

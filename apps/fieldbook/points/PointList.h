@@ -13,10 +13,10 @@
 #include <map>
 #include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "fieldbook/points/PointFile.h"
+#include "fieldbook/points/RowIndex.h"
 #include "kelp0lang/ChangeTransaction.h"
 
 namespace fieldbook {
@@ -93,8 +93,7 @@ class PointList : public kelp::CSourceEvent {
   bool m_hasCrLf = false;
   std::vector<Row> m_rows;
   std::size_t m_countPoints = 0;
-  // The rows of the points that are there, by the hash of their names.
-  std::unordered_multimap<std::size_t, std::size_t> m_named;
+  RowIndex m_named;  // of the points that are there, by their names
   // The rows that were changed since the list was read or saved, as they stood then.
   std::map<std::size_t, Row> m_unsaved;
   std::set<std::size_t> m_changedRows;
