@@ -224,7 +224,8 @@ TEST(Program, PlotDrawsPointsLinesAndScale) {
   }
   EXPECT_EQ(svg.find("polyline"), svg.rfind("<polyline") + 1) << "one line alone";
   EXPECT_EQ(RunFieldbook({"plot", "-", "-o", map}, "A,5,5\n").status, 0);
-  EXPECT_EQ(RunFieldbook({"plot", "-", "-o", map}, "").err, "fieldbook: -: there are no points\n");
+  EXPECT_EQ(RunFieldbook({"plot", "-", "-o", map}, "").err,
+            "fieldbook: -: this isn't a points file: it holds no point\n");
   EXPECT_NE(folder.Read("map.svg").find(">A</text>"), std::string::npos) << "the drawing stays";
 }
 
@@ -262,6 +263,15 @@ TEST(Program, WhatIsNoPointsFileIsOneMessage) {
     EXPECT_EQ(CountLines(result.err), 1u);
     EXPECT_EQ(result.status, 1);
   }
+  for (const char* content : {"", "Point,E,N\n", "# nothing yet\n"}) {
+    const ProgramResult shown = RunFieldbook({"show", "-"}, content);
+    EXPECT_EQ(shown.err, "fieldbook: -: this isn't a points file: it holds no point\n");
+    EXPECT_EQ(shown.status, 1);
+  }
+  // Points can be added there.
+  const DataFolder folder;
+  EXPECT_EQ(RunFieldbook({"edit", folder.Write("new.csv", "")}, "add A 1 2\nsave\n").status, 0);
+  EXPECT_NE(folder.Read("new.csv").find("A,"), std::string::npos);
 }
 
 TEST(Program, SpeaksItalian) {

@@ -246,7 +246,10 @@ const EditSession::Rule EditSession::kRules[14] = {
 };
 
 Status EditSession::Run() {
-  RequirePoints(m_file, m_list.CountPoints(), m_list.Faults());
+  // A file that is empty, or has heads alone, is one that points are added to.
+  if (!m_list.Faults().IsEmpty()) {
+    RequirePoints(m_file, m_list.CountPoints(), m_list.Faults());
+  }
   m_console.PrintLine(LayoutText(m_list.Layout()));
   ComplainOfRows(m_list.Faults(), m_file, m_console);
   if (!m_list.Faults().IsEmpty()) m_status = kPartly;

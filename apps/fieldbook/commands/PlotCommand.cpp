@@ -190,7 +190,6 @@ Status PlotCommand(const CommandLine& line, Console& console) {
   }
   RequirePoints(source, file.points.size(), file.faults);
   ComplainOfRows(file.faults, source, console);
-  if (file.points.empty()) throw Failure(InFile(source, kelp::Xlate(KTEXT("there are no points"))));
   const LengthUnit& barUnit = UnitOf(settings.units.GetDistUnits());
   WriteAll(*output, Drawing(file.points, *file.layout.unit, barUnit).Svg());
   console.PrintLine(LayoutText(file.layout));

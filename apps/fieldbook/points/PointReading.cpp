@@ -166,7 +166,10 @@ WString InFile(const Argument& file, const WString& what) {
 }
 
 void RequirePoints(const Argument& file, std::size_t points, const FaultList& faults) {
-  if (points > 0 || faults.IsEmpty()) return;
+  if (points > 0) return;
+  if (faults.IsEmpty()) {
+    throw Failure({KTEXT("{1}: this isn't a points file: it holds no point"), {Shown(file.text)}});
+  }
   const RowFault first = faults.Told().front();
   throw Failure({KTEXT("{1}: this isn't a points file: line {2}: {3}"),
                  {Shown(file.text), WString::ValueOf(first.line), first.message.Text()}});
