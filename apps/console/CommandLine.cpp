@@ -30,6 +30,7 @@ constexpr OptionRule kOptions[] = {
     {Option::NoBackup, KTEXT("--no-backup"), false},
     {Option::Lat, KTEXT("--lat"), false},
     {Option::Lon, KTEXT("--lon"), false},
+    {Option::Bearing, KTEXT("--bearing"), false},
     {Option::Progress, KTEXT("--progress"), false},
     {Option::Verbose, KTEXT("--verbose"), false},
     {Option::Json, KTEXT("--json"), false},

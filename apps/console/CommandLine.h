@@ -39,6 +39,7 @@ enum class Option {
   NoBackup,
   Lat,
   Lon,
+  Bearing,
   Progress,
   Verbose,
   Json,
@@ -47,7 +48,7 @@ enum class Option {
   Help,
   Version
 };
-inline constexpr int kOptionCount = 23;
+inline constexpr int kOptionCount = 24;
 
 class CommandLine {
  public:

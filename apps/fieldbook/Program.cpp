@@ -19,7 +19,8 @@ const Command kCommands[] = {
     {KTEXT("angle"), AngleCommand, kAngleHelp,
      kEverywhere | Bit(Option::From) | Bit(Option::To) | Bit(Option::Decimals) | Bit(Option::Lat) |
          Bit(Option::Lon)},
-    {KTEXT("inverse"), InverseCommand, kInverseHelp, kEverywhere | kLengthOptions},
+    {KTEXT("inverse"), InverseCommand, kInverseHelp,
+     kEverywhere | kLengthOptions | Bit(Option::Bearing)},
     {KTEXT("polar"), PolarCommand, kPolarHelp, kEverywhere | kLengthOptions | Bit(Option::Csv)},
     {KTEXT("area"), AreaCommand, kAreaHelp, kEverywhere | kLengthOptions},
     {KTEXT("check"), CheckCommand, kCheckHelp,

@@ -97,6 +97,20 @@ TEST(AngleText, ZeroHasNoSign) {
   EXPECT_EQ(WriteAngle(-0.001, Notation("dms"), kLat, 1), WString(KTEXT("0\u00B000'03.6\"S")));
 }
 
+TEST(AngleText, BearingsCountFromNorthOrSouth) {
+  const std::tuple<double, int, const char*> cases[] = {
+      {0, 0, "N0\u00B000'00\"E"},           {45.5, 0, "N45\u00B030'00\"E"},
+      {90, 0, "N90\u00B000'00\"E"},         {134.5, 0, "S45\u00B030'00\"E"},
+      {180, 1, "S0\u00B000'00.0\"E"},       {225, 0, "S45\u00B000'00\"W"},
+      {270, 0, "N90\u00B000'00\"W"},        {-44.5, 0, "N44\u00B030'00\"W"},
+      {359.9999999, 0, "N0\u00B000'00\"E"}, {180.0000001, 0, "S0\u00B000'00\"E"},
+      {45.9999999, 0, "N46\u00B000'00\"E"}, {1e6, 0, "N80\u00B000'00\"W"},
+  };
+  for (const auto& [degrees, decimals, text] : cases) {
+    EXPECT_STREQ(WriteAngle(degrees, Notation("bearing"), kNone, decimals).ToUtf8().c_str(), text);
+  }
+}
+
 // What the program writes in any notation it reads back, up to the decimals that were written.
 TEST(AngleText, EveryNotationReadsBack) {
   std::mt19937 random(7);
@@ -105,10 +119,11 @@ TEST(AngleText, EveryNotationReadsBack) {
     const double degrees = angle(random);
     for (const AngleNotation& notation : kAngleNotations) {
       for (const enumLatLonType type : {kNone, kLat, kLon}) {
+        if (notation.isBearing && type != kNone) continue;
         const WString text = WriteAngle(degrees, notation, type, 9);
         const Reading reading = ReadAngle(text, notation, type);
         EXPECT_FALSE(reading.fault) << text.ToUtf8().c_str();
-        EXPECT_NEAR(reading.value, degrees, 6e-8) << text.ToUtf8().c_str();
+        EXPECT_NEAR(std::remainder(reading.value - degrees, 360), 0, 6e-8) << text.ToUtf8().c_str();
       }
     }
   }

@@ -105,10 +105,12 @@ TEST(Program, WhatCannotBeDoneIsOneClearLine) {
        "fieldbook: --decimals: \"-1\" isn't a whole number from 0 to 9$"},
       {{"angle", "1", "--from", "deg"},
        "fieldbook: --to is missing; it takes one of deg, gon, rad, mil, dms, dms-blank, "
-       "dms-packed$"},
+       "dms-packed, bearing$"},
       {{"angle", "--from", "deg", "--to", "dms"}, "fieldbook: angle takes at least one VALUE$"},
       {{"angle", "1", "--from", "deg", "--to", "dms", "--lat", "--lon"},
        "fieldbook: --lat and --lon don't go together$"},
+      {{"angle", "1", "--from", "deg", "--to", "bearing", "--lat"},
+       "fieldbook: a bearing is no latitude or longitude$"},
       {{"inverse", kPoints, "T1"}, "fieldbook: inverse takes FILE, FROM and TO, 2 given$"},
   };
   for (const auto& [arguments, error] : cases) {
@@ -140,6 +142,8 @@ TEST(Program, AngleConvertsValuesAndReportsTheRest) {
             "3.141592654\n");
   EXPECT_EQ(RunFieldbook({"angle", "-0.5", "--from", "deg", "--to", "dms-packed", "--lat"}).out,
             "0.300000\"S\n");
+  EXPECT_EQ(RunFieldbook({"angle", "S45\u00B030'E", "-50", "--from", "gon", "--to", "bearing"}).out,
+            "S45\u00B030'00.00\"E\nN45\u00B000'00.00\"W\n");
 }
 
 // Without the line that tells the layout.
@@ -174,6 +178,9 @@ TEST(Program, InverseGoesFromOnePointToAnother) {
   const ProgramResult heads = RunFieldbook({"inverse", "-", "A", "B"},
                                            "Point,Easting,Northing\nA,1000,5000\nB,1100,5000\n");
   EXPECT_NE(heads.out.find("north)   100.0000\n"), std::string::npos) << heads.out;
+  const ProgramResult bearing = RunFieldbook({"inverse", "-", "D", "A", "--bearing"}, file);
+  EXPECT_NE(bearing.out.find("Bearing                   S53\u00B007'48\"E\n"), std::string::npos)
+      << bearing.out;
   const ProgramResult chain = RunFieldbook({"inverse", "-", "A", "D", "A2"}, file);
   EXPECT_EQ(WithoutLayout(chain),
             "From  To  Distance (m)  Slope distance (m)  Difference of height (m)  Grade (%)  "

@@ -27,10 +27,11 @@ const WChar* const kAngleHelp = KTEXT(
     "  dms         10\u00B030'15.5\"\n"
     "  dms-blank   10 30 15.5\"\n"
     "  dms-packed  10.30155\", degrees, then two digits each for minutes and seconds\n"
+    "  bearing     S45\u00B030'15.5\"E, a direction from north or south\n"
     "In the dms forms the sign of the seconds may be left out, and seconds and\n"
     "minutes that are zero. A hemisphere letter may stand in front or behind.\n"
-    "Signs and units that VALUE has of its own go before FORM, and a bearing such as\n"
-    "S45\u00B030'E is a direction from north.\n"
+    "Signs and units that VALUE has of its own go before FORM, and a bearing with\n"
+    "its signs is read in every FORM; it is the direction, clockwise from north.\n"
     "\n"
     "A value that can't be read is reported as VALUE: what is wrong, the others\n"
     "are printed, and the exit status is 2.\n");
@@ -44,7 +45,11 @@ class Converter {
         m_from(RequireChoice(line, Option::From, kAngleNotations)),
         m_to(RequireChoice(line, Option::To, kAngleNotations)),
         m_type(ChooseType(line)),
-        m_decimals(ChooseDecimals(line, m_to.decimals)) {}
+        m_decimals(ChooseDecimals(line, m_to.decimals)) {
+    if (m_to.isBearing && m_type != enumLatLonType::None) {
+      throw UsageFailure({KTEXT("a bearing is no latitude or longitude"), {}});
+    }
+  }
 
   // Prints the angle, or complains with the place in front.
   void Convert(const WString& text, const WString& place) {

@@ -37,6 +37,11 @@ WString DirectionText(double gon, const CMeasUnitSystem& settings) {
   return settings.FromAngleToString(settings.FromStringToAngle(text, true), true);
 }
 
+WString BearingText(double gon, const CMeasUnitSystem& settings) {
+  const bool hasSeconds = IsDMSAngleUnits(settings.GetAngleUnits());
+  return WriteBearing(AngSesdFromCent(gon), hasSeconds ? settings.GetNumAngleDec() : 0);
+}
+
 WString DirectionHead(const CMeasUnitSystem& settings) {
   const WChar* from =
       IsFromNorth(settings)

@@ -8,6 +8,9 @@ namespace fieldbook {
 
 // From one point to another, in gon, clockwise from north, in [0, 400).
 double DirectionGon(const Point& from, const Point& to);
+// From one point to another as a quadrant bearing, with the settings' decimals of seconds, or whole
+// seconds where their angles have none.
+WString BearingText(double gon, const CMeasUnitSystem& settings);
 // A full turn that only the rounding makes is shown as zero.
 WString DirectionText(double gon, const CMeasUnitSystem& settings);
 // "Direction (gon, clockwise from north)".

@@ -6,10 +6,11 @@
 
 #include "fieldbook/commands/Commands.h"
 #include "fieldbook/commands/EditCompletion.h"
-#include "fieldbook/commands/PointTable.h"
+#include "fieldbook/commands/EditReporter.h"
+#include "fieldbook/commands/EditedFile.h"
+#include "fieldbook/commands/PointEdits.h"
 #include "fieldbook/commands/Settings.h"
 #include "fieldbook/console/Words.h"
-#include "fieldbook/points/PointList.h"
 #include "fieldbook/points/PointReading.h"
 #include "kelp0lang/Translate.h"
 
@@ -58,67 +59,6 @@ const WChar* const kEditHelp = KTEXT(
 
 namespace {
 
-namespace fs = std::filesystem;
-using Words = std::vector<WString>;
-
-// Prints what a transaction has changed.
-class EditReporter final : public kelp::CSourceEvent::IEvent,
-                           public kelp::CCmdExecutedList::IEvents {
- public:
-  EditReporter(PointList& list, const PointStyle& style, Console& console)
-      : m_list(list), m_style(style), m_console(console) {
-    m_list.Register(this);
-    m_list.GetChangeTransactionManager()->RegisterForUndoRedoEvents(this);
-  }
-  ~EditReporter() {
-    m_list.GetChangeTransactionManager()->UnregisterForUndoRedoEvents(this);
-    m_list.Unregister(this);
-  }
-  EditReporter(const EditReporter&) = delete;
-  EditReporter& operator=(const EditReporter&) = delete;
-
-  void OnBeginEvent(kelp::CSourceEvent*) override { m_way = nullptr; }
-  void OnBeforeEndEvent(kelp::CSourceEvent*) override {}
-  void OnEndEvent(kelp::CSourceEvent*) override {
-    if (m_way != nullptr) m_console.PrintLine(Message{m_way, {Shown(m_list.Step())}}.Text());
-    for (const std::size_t row : m_list.ChangedRows()) PrintRow(row);
-  }
-
-  void OnBeforeUndoRedo(bool undo) override {
-    m_way = undo ? KTEXT("undone: {1}") : KTEXT("redone: {1}");
-  }
-  void OnAfterUndoRedo(bool) override {}
-
- private:
-  void PrintRow(std::size_t row) {
-    const Point& point = m_list.PointIn(row);
-    const WString name = Shown(point.name);
-    if (m_list.IsRemoved(row)) {
-      m_console.PrintLine(Message{KTEXT("{1} is deleted"), {name}}.Text());
-      return;
-    }
-    CoordinateWriter writer(m_list.Unit(), m_style);
-    const std::vector<WString> heads = PointHeads(m_style);
-    std::string text;
-    AppendUtf8(text, name);
-    std::size_t head = 1;
-    for (const std::string& coordinate : writer.Write(point)) {
-      if (!coordinate.empty()) {
-        text += "  ";
-        AppendUtf8(text, heads[head]);
-        text += ' ' + coordinate;
-      }
-      ++head;
-    }
-    m_console.Print(text + '\n');
-  }
-
-  PointList& m_list;
-  const PointStyle& m_style;
-  Console& m_console;
-  const WChar* m_way = nullptr;  // a source text; null for a change that isn't undone or redone
-};
-
 // A bar while a long file is read.
 class ReadingBar {
  public:
@@ -143,12 +83,11 @@ class EditSession {
  public:
   EditSession(const CommandLine& line, Console& console)
       : m_console(console),
-        m_file(line.Operands()[0]),
-        m_keepsBackup(!line.Has(Option::NoBackup)),
-        m_bytes(ReadAll(m_file)),
+        m_file(line.Operands()[0], !line.Has(Option::NoBackup), console),
         m_settings(OpenSettings(line, console)),
-        m_list(&m_manager, m_bytes, ChooseLayout(line, m_settings),
+        m_list(&m_manager, m_file.Bytes(), ChooseLayout(line, m_settings),
                ReadingBar(line, console).GetWatch()),
+        m_edits(m_list),
         m_style(StyleInUnit(ChoosePointStyle(m_settings.units, line), m_list.Unit())),
         m_reporter(m_list, m_style, console) {
     if (console.IsInteractive()) m_editor = std::make_unique<LineEditor>(console, MakeCompleter());
@@ -173,12 +112,10 @@ class EditSession {
   void Leave();
   void Complain(const Message& what);
 
-  void Add(const Words& words);
-  void Move(const Words& words);
-  void Shift(const Words& words);
-  void Set(const Words& words);
-  void Rename(const Words& words);
-  void Delete(const Words& words);
+  template <void (PointEdits::*kChange)(const Words&, const WString&)>
+  void Change(const Words& words) {
+    (m_edits.*kChange)(words, m_step);
+  }
   void Begin(const Words& words);
   void End(const Words& words);
   void Undo(const Words& words);
@@ -189,27 +126,13 @@ class EditSession {
   void Quit(const Words& words);
 
   void RequireNoGroup() const;
-  double ReadNumbered(const WChar* name, const WString& text, const LengthUnit& unit) const;
-  std::vector<double> ReadLengths(const Words& words, std::size_t first,
-                                  const std::vector<const WChar*>& names, std::size_t& next) const;
-  Point Moved(std::size_t row, const std::vector<double>& shift) const;
-  void MoveRow(std::size_t row, const std::vector<double>& shift);
-  void RequireWithinReach(const Point& point) const;
-  void RequireNewName(const WString& name) const;
-  void KeepBackup();
-  void SaveOwn();
-  void SaveOther(const Argument& file);
-  void RequireUntouched() const;
-  void RequireFree(const Argument& file) const;
 
   Console& m_console;
-  Argument m_file;
-  bool m_keepsBackup;               // at the first save
-  std::string m_bytes;              // of the file, as it was read or written last
-  std::vector<fs::path> m_written;  // other files that this run has made
+  EditedFile m_file;
   kelp::CChangeTransactionManager m_manager;
   const Settings m_settings;
   PointList m_list;
+  PointEdits m_edits;
   const PointStyle m_style;
   EditReporter m_reporter;
   std::unique_ptr<LineEditor> m_editor;        // on a terminal
@@ -218,23 +141,16 @@ class EditSession {
   std::unique_ptr<kelp::CSourceEventScope> m_group;
   bool m_isLeaving = false;
   bool m_isWarned = false;  // of unsaved changes
-  bool m_saysCommas = false;
   Status m_status = kDone;
 };
 
-constexpr const WChar* kSetOperands = KTEXT("P WHAT VALUE");
-
-[[noreturn]] void FailOnOperands(const WString& command, const WChar* operands) {
-  throw Failure({KTEXT("{1} takes {2}"), {command, operands}});
-}
-
 const EditSession::Rule EditSession::kRules[14] = {
-    {KTEXT("add"), &EditSession::Add, 3, 9, KTEXT("P E N [H [CODE]]")},
-    {KTEXT("move"), &EditSession::Move, 4, 7, KTEXT("P dE dN dH")},
-    {KTEXT("shift"), &EditSession::Shift, 3, 6, KTEXT("dE dN dH")},
-    {KTEXT("set"), &EditSession::Set, 3, 4, kSetOperands},
-    {KTEXT("rename"), &EditSession::Rename, 2, 2, KTEXT("OLD NEW")},
-    {KTEXT("delete"), &EditSession::Delete, 1, 1, KTEXT("P")},
+    {KTEXT("add"), &EditSession::Change<&PointEdits::Add>, 3, 9, kAddOperands},
+    {KTEXT("move"), &EditSession::Change<&PointEdits::Move>, 4, 7, kMoveOperands},
+    {KTEXT("shift"), &EditSession::Change<&PointEdits::Shift>, 3, 6, kShiftOperands},
+    {KTEXT("set"), &EditSession::Change<&PointEdits::Set>, 3, 4, kSetOperands},
+    {KTEXT("rename"), &EditSession::Change<&PointEdits::Rename>, 2, 2, KTEXT("OLD NEW")},
+    {KTEXT("delete"), &EditSession::Change<&PointEdits::Delete>, 1, 1, KTEXT("P")},
     {KTEXT("begin"), &EditSession::Begin, 1, 1, KTEXT("NAME")},
     {KTEXT("end"), &EditSession::End, 0, 0, nullptr},
     {KTEXT("undo"), &EditSession::Undo, 0, 1, KTEXT("[all]")},
@@ -248,16 +164,16 @@ const EditSession::Rule EditSession::kRules[14] = {
 Status EditSession::Run() {
   // A file that is empty, or has heads alone, is one that points are added to.
   if (!m_list.Faults().IsEmpty()) {
-    RequirePoints(m_file, m_list.CountPoints(), m_list.Faults());
+    RequirePoints(m_file.File(), m_list.CountPoints(), m_list.Faults());
   }
   m_console.PrintLine(LayoutText(m_list.Layout()));
-  ComplainOfRows(m_list.Faults(), m_file, m_console);
+  ComplainOfRows(m_list.Faults(), m_file.File(), m_console);
   if (!m_list.Faults().IsEmpty()) m_status = kPartly;
   if (m_console.IsInteractive()) {
-    m_console.PrintLine(
-        Message{KTEXT("{1}: {2} points; help tells the commands"),
-                {Shown(m_file.text), WString::ValueOf(static_cast<int>(m_list.CountPoints()))}}
-            .Text());
+    m_console.PrintLine(Message{
+        KTEXT("{1}: {2} points; help tells the commands"),
+        {Shown(m_file.File().text), WString::ValueOf(static_cast<int>(m_list.CountPoints()))}}
+                            .Text());
   }
   std::string line;
   for (int number = 1; !m_isLeaving && Ask(line); ++number) DoLine(line, number);
@@ -329,181 +245,12 @@ void EditSession::Leave() {
     m_group.reset();
   }
   if (!m_list.IsChanged() || m_isWarned) return;
-  Complain({KTEXT("{1}: the changes aren't saved"), {Shown(m_file.text)}});
+  Complain({KTEXT("{1}: the changes aren't saved"), {Shown(m_file.File().text)}});
   m_status = kPartly;
 }
 
 void EditSession::Complain(const Message& what) {
   m_console.Complain(what.Text());
-}
-
-// In the unit of the file.
-double EditSession::ReadNumbered(const WChar* name, const WString& text,
-                                 const LengthUnit& unit) const {
-  const Reading reading = ReadLength(text, unit, DecimalMark::PointOrComma);
-  if (!reading.fault) return ConvertDist(reading.value, unit.unit, m_list.Unit().unit);
-  throw Failure({KTEXT("{1} \"{2}\": {3}"), {name, Quoted(text), reading.fault.Text()}});
-}
-
-// Where blanks part the words, "1 1/2" is two of them, and nobody can tell what was meant.
-void RequireNoPart(const WChar* name, const WString& before, const WString& word) {
-  const WideView digits = ViewOf(before);
-  if (!IsFraction(word) || digits.empty() || !IsDigit(digits.back()) ||
-      digits.find_first_of(KTEXT(".,/")) != WideView::npos) {
-    return;
-  }
-  throw Failure(
-      {KTEXT("{1} \"{2}\": this could be a value of its own or part of \"{3}\", which then "
-             "stands in quotes"),
-       {name, Quoted(word), Quoted(before + KTEXT(' ') + word.c_str())}});
-}
-
-const LengthUnit* UnitNamed(const WString& word) {
-  const auto* unit =
-      std::find_if(std::begin(kLengthUnits), std::end(kLengthUnits),
-                   [&word](const LengthUnit& u) { return word.Compare(u.name) == 0; });
-  return unit == std::end(kLengthUnits) ? nullptr : unit;
-}
-
-// As many lengths as there are names, each with a unit behind it or not; an empty one isn't set.
-// next becomes the place of the word behind them.
-std::vector<double> EditSession::ReadLengths(const Words& words, std::size_t first,
-                                             const std::vector<const WChar*>& names,
-                                             std::size_t& next) const {
-  std::vector<double> lengths;
-  next = first;
-  for (const WChar* name : names) {
-    if (next >= words.size()) throw Failure({KTEXT("{1} is missing"), {name}});
-    const WString& text = words[next++];
-    if (next - 1 > first) RequireNoPart(name, words[next - 2], text);
-    const LengthUnit* unit = next < words.size() ? UnitNamed(words[next]) : nullptr;
-    if (unit != nullptr) ++next;
-    lengths.push_back(text.empty()
-                          ? kelp::kNotSet
-                          : ReadNumbered(name, text, unit != nullptr ? *unit : m_list.Unit()));
-  }
-  return lengths;
-}
-
-const std::vector<const WChar*> kShiftNames = {KTEXT("dE"), KTEXT("dN"), KTEXT("dH")};
-
-void EditSession::RequireWithinReach(const Point& point) const {
-  for (const double value : {point.easting, point.northing, point.elevation}) {
-    if (value < kelp::kNotSetThreshold && !IsWithinReach(value, m_list.Unit())) {
-      throw Failure(OutOfRange());
-    }
-  }
-}
-
-void EditSession::RequireNewName(const WString& name) const {
-  if (name.empty()) throw Failure({KTEXT("a point can't be without a name"), {}});
-  if (!m_list.HasPoint(name)) return;
-  throw Failure({KTEXT("there is a point \"{1}\" already"), {Quoted(name)}});
-}
-
-void EditSession::Add(const Words& words) {
-  Point point{ToWString(Trimmed(ViewOf(words[0]))), 0, 0, kelp::kNotSet, WString(), 0, {}};
-  RequireNewName(point.name);
-  std::size_t next = 1;
-  const std::vector<double> plane = ReadLengths(words, next, {KTEXT("E"), KTEXT("N")}, next);
-  point.easting = plane[0];
-  point.northing = plane[1];
-  if (std::max(point.easting, point.northing) > kelp::kNotSetThreshold) {
-    throw Failure(
-        {KTEXT("{1} is missing"), {point.easting > point.northing ? KTEXT("E") : KTEXT("N")}});
-  }
-  if (next < words.size()) point.elevation = ReadLengths(words, next, {KTEXT("H")}, next)[0];
-  if (next < words.size()) {
-    RequireNoPart(KTEXT("CODE"), words[next - 1], words[next]);
-    point.description = words[next++];
-  }
-  if (next < words.size()) FailOnOperands(KTEXT("add"), KTEXT("P E N [H [CODE]]"));
-  RequireWithinReach(point);
-  m_list.Add(point, m_step);
-}
-
-void EditSession::Move(const Words& words) {
-  std::size_t next = 0;
-  const std::vector<double> shift = ReadLengths(words, 1, kShiftNames, next);
-  if (next < words.size()) FailOnOperands(KTEXT("move"), KTEXT("P dE dN dH"));
-  MoveRow(m_list.RequirePoint(words[0]), shift);
-}
-
-// All or none: what moves out of reach is found before anything moves.
-void EditSession::Shift(const Words& words) {
-  std::size_t next = 0;
-  const std::vector<double> shift = ReadLengths(words, 0, kShiftNames, next);
-  if (next < words.size()) FailOnOperands(KTEXT("shift"), KTEXT("dE dN dH"));
-  const kelp::CSourceEventScope transaction(&m_list);
-  for (const std::size_t row : m_list.RowsOfPoints()) RequireWithinReach(Moved(row, shift));
-  for (const std::size_t row : m_list.RowsOfPoints())
-    m_list.Replace(row, Moved(row, shift), m_step);
-}
-
-Point EditSession::Moved(std::size_t row, const std::vector<double>& shift) const {
-  Point point = m_list.PointIn(row);
-  point.easting += shift[0];
-  point.northing += shift[1];
-  if (point.elevation < kelp::kNotSetThreshold) point.elevation += shift[2];
-  return point;
-}
-
-void EditSession::MoveRow(std::size_t row, const std::vector<double>& shift) {
-  const Point& point = m_list.PointIn(row);
-  if (point.elevation > kelp::kNotSetThreshold && shift[2] != 0) {
-    throw Failure({KTEXT("the point \"{1}\" has no elevation"), {Quoted(point.name)}});
-  }
-  const Point moved = Moved(row, shift);
-  RequireWithinReach(moved);
-  m_list.Replace(row, moved, m_step);
-}
-
-void EditSession::Set(const Words& words) {
-  const std::size_t row = m_list.RequirePoint(words[0]);
-  const WString& what = words[1];
-  Point point = m_list.PointIn(row);
-  const auto length = [&](bool isRequired) {
-    std::size_t next = 0;
-    const double value = ReadLengths(words, 2, {what.c_str()}, next)[0];
-    if (next < words.size()) {
-      RequireNoPart(what.c_str(), words[next - 1], words[next]);
-      FailOnOperands(KTEXT("set"), kSetOperands);
-    }
-    if (isRequired && value > kelp::kNotSetThreshold) {
-      throw Failure({KTEXT("{1} is missing"), {what}});
-    }
-    return value;
-  };
-  const bool isText = what == KTEXT("code") || what == KTEXT("name");
-  if (isText && words.size() > 3) FailOnOperands(KTEXT("set"), kSetOperands);
-  if (what == KTEXT("east")) {
-    point.easting = length(true);
-  } else if (what == KTEXT("north")) {
-    point.northing = length(true);
-  } else if (what == KTEXT("up")) {
-    point.elevation = length(false);
-  } else if (what == KTEXT("code")) {
-    point.description = words[2];
-  } else if (what == KTEXT("name")) {
-    return Rename({words[0], words[2]});
-  } else {
-    throw Failure({KTEXT("set: \"{1}\" isn't one of {2}"),
-                   {Quoted(what), KTEXT("east, north, up, name, code")}});
-  }
-  RequireWithinReach(point);
-  m_list.Replace(row, point, m_step);
-}
-
-void EditSession::Rename(const Words& words) {
-  const std::size_t row = m_list.RequirePoint(words[0]);
-  Point point = m_list.PointIn(row);
-  point.name = ToWString(Trimmed(ViewOf(words[1])));
-  RequireNewName(point.name);
-  m_list.Replace(row, point, m_step);
-}
-
-void EditSession::Delete(const Words& words) {
-  m_list.Remove(m_list.RequirePoint(words[0]), m_step);
 }
 
 void EditSession::Begin(const Words& words) {
@@ -559,70 +306,11 @@ void EditSession::List(const Words&) {
 
 void EditSession::Save(const Words& words) {
   RequireNoGroup();
-  const Argument file = words.empty() ? m_file : Argument{words[0], fs::path(words[0].c_str())};
-  std::error_code ignored;
-  if (file.path == m_file.path || fs::equivalent(file.path, m_file.path, ignored)) {
-    SaveOwn();
-  } else {
-    SaveOther(file);
-  }
+  const Argument file =
+      words.empty() ? m_file.File() : Argument{words[0], std::filesystem::path(words[0].c_str())};
+  m_file.Save(m_list, file);
   m_list.MarkSaved();
   m_console.PrintLine(Message{KTEXT("saved in {1}"), {Shown(file.text)}}.Text());
-}
-
-void EditSession::SaveOwn() {
-  if (!m_list.IsWhole()) {
-    throw Failure({KTEXT("{1} holds what can't be read and isn't written over; save under another "
-                         "name"),
-                   {Shown(m_file.text)}});
-  }
-  RequireUntouched();
-  std::string bytes = m_list.Bytes();
-  KeepBackup();
-  WriteAll(m_file, bytes);
-  m_bytes = std::move(bytes);
-  if (m_list.Layout().separator != ',' && !m_saysCommas) {
-    m_console.PrintLine(kelp::Xlate(KTEXT("the fields are separated by commas now")));
-    m_saysCommas = true;
-  }
-}
-
-// The file as it was before this run, once a run.
-void EditSession::KeepBackup() {
-  if (!m_keepsBackup) return;
-  m_keepsBackup = false;
-  std::error_code ignored;
-  if (!fs::exists(m_file.path, ignored)) return;
-  Argument backup = m_file;
-  backup.text += KTEXT(".bak");
-  backup.path += ".bak";
-  WriteAll(backup, m_bytes);
-}
-
-void EditSession::RequireUntouched() const {
-  std::error_code ignored;
-  if (!fs::exists(m_file.path, ignored) || ReadAll(m_file) == m_bytes) return;
-  throw Failure(
-      {KTEXT("{1} has changed since it was read; save under another name"), {Shown(m_file.text)}});
-}
-
-void EditSession::SaveOther(const Argument& file) {
-  RequireFree(file);
-  WriteAll(file, m_list.Bytes());
-  m_written.push_back(fs::absolute(file.path));
-  if (!m_list.IsWhole()) {
-    Complain({KTEXT("{1} is without what couldn't be read in {2}"),
-              {Shown(file.text), Shown(m_file.text)}});
-  }
-}
-
-// An empty file holds nothing that could get lost.
-void EditSession::RequireFree(const Argument& file) const {
-  std::error_code error;
-  if (!fs::is_regular_file(file.path, error) || fs::file_size(file.path, error) == 0) return;
-  const fs::path path = fs::absolute(file.path);
-  if (std::find(m_written.begin(), m_written.end(), path) != m_written.end()) return;
-  throw Failure({KTEXT("{1} is there already; save under another name"), {Shown(file.text)}});
 }
 
 void EditSession::Help(const Words&) {

@@ -15,7 +15,7 @@ namespace fieldbook {
 const WChar* const kInverseHelp = KTEXT(
     "Usage: fieldbook inverse FILE FROM TO... [--from UNIT] [--columns P,E,N,Z,D]\n"
     "                         [--to UNIT] [--decimals N] [--denominator N]\n"
-    "                         [--progress] [--verbose]\n"
+    "                         [--bearing] [--progress] [--verbose]\n"
     "\n"
     "Shows horizontal distance, slope distance, difference of height, grade and\n"
     "direction from one point of a file to another, or along a chain of points.\n"
@@ -24,7 +24,9 @@ const WChar* const kInverseHelp = KTEXT(
     "  FROM, TO  names of points; each stands for one place in the file. With more\n"
     "            than two each leg of the chain has a row, and the last is the sum\n"
     "\n"
-    "The options are those of fieldbook show; they concern the lengths. Without\n"
+    "  --bearing  the direction as a quadrant bearing, such as S45\u00B030'15\"E\n"
+    "\n"
+    "The other options are those of fieldbook show; they concern the lengths. Without\n"
     "them the lengths are in the distance unit of the settings. So are directions in\n"
     "the angle unit, start and sense of the settings. Rows of other points aren't\n"
     "looked at.\n");
@@ -53,14 +55,15 @@ Leg LegBetween(const Point& from, const Point& to) {
 
 class InverseTexts {
  public:
-  InverseTexts(const LengthUnit& unit, const LengthStyle& style, const CMeasUnitSystem& settings)
-      : m_unit(unit), m_style(style), m_settings(settings) {}
+  InverseTexts(const LengthUnit& unit, const LengthStyle& style, const CMeasUnitSystem& settings,
+               bool bearings)
+      : m_unit(unit), m_style(style), m_settings(settings), m_bearings(bearings) {}
 
   std::vector<WString> Heads() const {
     return {WithUnit(KTEXT("Distance"), *m_style.unit),
             WithUnit(KTEXT("Slope distance"), *m_style.unit),
             WithUnit(KTEXT("Difference of height"), *m_style.unit), kelp::Xlate(KTEXT("Grade (%)")),
-            DirectionHead(m_settings)};
+            m_bearings ? kelp::Xlate(KTEXT("Bearing")) : DirectionHead(m_settings)};
   }
 
   std::vector<WString> Texts(const Leg& leg) const {
@@ -68,7 +71,10 @@ class InverseTexts {
     std::vector<WString> texts = {Length(leg.distance), Length(leg.slopeDistance),
                                   Length(leg.height), WriteNumber(leg.grade, kGradeDecimals),
                                   WString()};
-    if (leg.direction < kelp::kNotSetThreshold) texts[4] = DirectionText(leg.direction, m_settings);
+    if (leg.direction < kelp::kNotSetThreshold) {
+      texts[4] = m_bearings ? BearingText(leg.direction, m_settings)
+                            : DirectionText(leg.direction, m_settings);
+    }
     for (WString& text : texts) {
       if (text.empty()) text = kelp::Xlate(KTEXT("not known"));
     }
@@ -81,6 +87,7 @@ class InverseTexts {
   const LengthUnit& m_unit;
   const LengthStyle& m_style;
   const CMeasUnitSystem& m_settings;
+  const bool m_bearings;
 };
 
 Table TableOfOne(const Point& from, const Point& to, const InverseTexts& texts) {
@@ -132,7 +139,7 @@ Status InverseCommand(const CommandLine& line, Console& console) {
   const LengthStyle style = ChooseDistanceStyle(settings.units, line);
   const NamedPoints found = FindPoints(operands[0], NamesBehind(operands, 1),
                                        ChooseLayout(line, settings), line, console);
-  const InverseTexts texts(*found.layout.unit, style, settings.units);
+  const InverseTexts texts(*found.layout.unit, style, settings.units, line.Has(Option::Bearing));
   console.PrintLine(LayoutText(found.layout));
   const Table table = found.points.size() == 2 ? TableOfOne(found.points[0], found.points[1], texts)
                                                : TableOfChain(found.points, texts);

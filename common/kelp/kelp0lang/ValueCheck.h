@@ -20,7 +20,8 @@
 //             where it shows lengths in these, else international ones. Areas have m2, ft^2, sq ft
 //             with the sign of a square or without, ha and ac, volumes m3, cu yd and so on.
 //             Angles have their sign of a degree or deg, gon, g, grad, rad, mil.
-//   feet      12'6 1/2", 12 ft 6 1/2 in, 12'6.5", 6.5", 5'6"3/8, 12-6-1/2
+//   feet      12'6 1/2", 12 ft 6 1/2 in, 12'6.5", 6.5", 5'6"3/8, 12-6-1/2 in every unit, 12-6
+//             where feet are shown
 //   angles    45°30'15.5", 45 30 15.5, 45-30-15.5, 45:30:15.5, 45d30'15", 45°30.5', 30';
 //   typographic
 //             and ordinal signs too. Where angles are in gon, radians or mils these need the sign

@@ -50,6 +50,7 @@ class ValueScan {
   bool IsDigitAhead() const;
   // A digit or the character of a fraction.
   bool IsAmountAhead() const;
+  bool IsFractionAhead() const;
   const WChar* Place() const { return m_at; }
   void GoBack(const WChar* place) { m_at = place; }
 
@@ -83,7 +84,6 @@ class ValueScan {
   TValueCheck Finish(double value);
 
  private:
-  bool IsFractionAhead() const;
   double Read(const WChar* begin, const WChar* end) const;
 
   const WChar* const m_begin;

@@ -116,7 +116,17 @@ bool IsOneMeaning(ValueScan& scan, const Amount& amount, const WChar* place) {
                        (whole + KTEXT("'")).Concat(rest) + KTEXT('"'));
 }
 
-// Parts without marks: 12-6, 12-6-1/2, and 12 6 1/2 where feet and inches are shown.
+// Whether 6-1/2 is ahead: behind feet that can't be anything else, whatever unit is shown.
+bool IsFootInchFractionAhead(ValueScan& scan) {
+  const WChar* const place = scan.Place();
+  Amount inches;
+  const bool isAhead =
+      scan.TakeNumber(inches, false) && inches.isWhole && scan.TakeDash() && scan.IsFractionAhead();
+  scan.GoBack(place);
+  return isAhead;
+}
+
+// Parts without marks: 12-6-1/2, 12-6 where feet are shown, and 12 6 1/2 where feet and inches are.
 bool ScanBareParts(ValueScan& scan, enumDisplayDistUnits units, const Amount& feet,
                    const WChar* place, double& value) {
   const WChar* const behind = scan.Place();
@@ -127,9 +137,13 @@ bool ScanBareParts(ValueScan& scan, enumDisplayDistUnits units, const Amount& fe
     scan.GoBack(behind);
     return true;
   }
-  if (!IsFootUnit(units) || (!dash && !IsFeetInch(units))) {
+  if (!dash && !IsFeetInch(units)) {
     scan.GoBack(behind);
-    return scan.Fail(dash || IsFootUnit(units) ? kFeetSignsFault : kUnexpectedFault);
+    return scan.Fail(IsFootUnit(units) ? kFeetSignsFault : kUnexpectedFault);
+  }
+  if (!IsFootUnit(units) && !IsFootInchFractionAhead(scan)) {
+    scan.GoBack(behind);
+    return scan.Fail(kFeetSignsFault);
   }
   if (!feet.isWhole) return scan.Fail(kDecimalsFault);
   const WChar* const second = scan.Place();
@@ -180,6 +194,7 @@ bool ScanLength(ValueScan& scan, enumDisplayDistUnits units, bool partsOnly, dou
       scan.GoBack(behind);
       if (!ScanBareParts(scan, units, amount, place, value)) return false;
       const bool alone = scan.Place() == behind;
+      if (!alone) found = foot;
       if (alone && IsFeetInch(units) && !IsOneMeaning(scan, amount, place)) return false;
     } else {
       found = unit.base;
