@@ -21,6 +21,14 @@ list(TRANSFORM includes REPLACE "^#include \"kelp0lang/(.*)\"$" "common/kelp/kel
 list(TRANSFORM included_headers PREPEND common/kelp/kelp0lang/)
 install(FILES common/kelp/kelp0lang/kelp0lang.h ${includes} ${included_headers}
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelp0lang)
+# gdb looks for its file beside the library, or under auto-load by the library's full name.
+install(FILES common/kelp/kelp0lang/FmtText.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelp0lang)
+install(FILES views/kelp0lang.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/kelp0lang)
+if(NOT WIN32)
+  install(FILES views/kelp0lang-gdb.py
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_FULL_LIBDIR}
+          RENAME $<TARGET_FILE_NAME:kelp0lang>-gdb.py)
+endif()
 install(FILES common/kelptext/WideChar.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelptext)
 install(DIRECTORY common/sarnutils DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         FILES_MATCHING PATTERN "*.h")

@@ -3,14 +3,18 @@
 #include <algorithm>
 #include <climits>
 #include <functional>
+#include <iomanip>
 #include <new>
 #include <random>
+#include <sstream>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <unordered_set>
 #include <utility>
 #include <vector>
 
+#include "kelp0lang/NaturalOrder.h"
 #include "tests/TestText.h"
 
 using kelp::ConvertString;
@@ -161,8 +165,8 @@ TEST(StringConcat, RefusesLengthsBeyondAnInt) {
   const std::function<void()> works[] = {
       [&] { half += half; },
       [&] { half.append(half); },
-      [&] { half.Concat(half); },
-      [&] { String("abc").Insert(1, "x", INT_MAX); },
+      [&] { (void)half.Concat(half); },
+      [&] { (void)String("abc").Insert(1, "x", INT_MAX); },
       [&] { half.assign(String("x"), 0, 1 << 30); },
   };
   for (const auto& work : works) EXPECT_THROW(work(), std::bad_alloc);
@@ -302,6 +306,8 @@ TEST(StringSearch, PrefixSuffixAndRegion) {
   EXPECT_TRUE(abc.RegionMatches(1, "xbcd", 1, 2, false));
   EXPECT_TRUE(abc.RegionMatches(1, "bc", 0, 99, false)) << "the terminators end it";
   EXPECT_TRUE(abc.RegionMatches(0, "x", 0, 0, false));
+  EXPECT_FALSE(abc.RegionMatches(-1, "a", 0, 1, false));
+  EXPECT_FALSE(abc.RegionMatches(0, "a", -1, 1, false));
 }
 
 TEST(StringSearch, ComparesUnitsAsUnsigned) {
@@ -315,12 +321,68 @@ TEST(StringSearch, ComparesUnitsAsUnsigned) {
   EXPECT_LT(WString(KTEXT("a")), WString(KTEXT("ab")));
 }
 
+template <class Text, class Number>
+concept TakesNumber = requires(Text text, Number number) {
+  text += number;
+  text + number;
+}
+|| requires(Text text, Number number) {
+  text = number;
+};
+
+TEST(StringStandard, IsARangeAViewAndPrints) {
+  const WString text(std::basic_string_view<WChar>(KTEXT("a\0\x00E8"), 3));
+  EXPECT_EQ(text.Length(), 3);
+  EXPECT_EQ(std::vector<WChar>(text.begin(), text.end()),
+            (std::vector<WChar>{KTEXT('a'), 0, 0xE8}));
+  const std::basic_string_view<WChar> view = text;
+  EXPECT_EQ(view.data(), text.c_str());
+  EXPECT_EQ(WString(view), text);
+  EXPECT_EQ(WString(view.substr(0, 0)), WString());
+  EXPECT_THROW(String(std::string_view("", std::size_t{1} << 31)), std::bad_alloc);
+
+  std::ostringstream stream;
+  stream << String("P") << text << std::setw(3) << String("x");
+  EXPECT_EQ(stream.str(), std::string("Pa\0\xC3\xA8  x", 8));
+
+  static_assert(!TakesNumber<String, int> && !TakesNumber<WString, bool>);
+  static_assert(!TakesNumber<WString, char> && !TakesNumber<String, double>);
+  static_assert(TakesNumber<WString, WChar> && TakesNumber<String, char>);
+}
+
+TEST(StringStandard, NaturalOrderCountsNumbersByTheirValue) {
+  const std::vector<const WChar*> sorted = {KTEXT(""),
+                                            KTEXT("007"),
+                                            KTEXT("7"),
+                                            KTEXT("7a"),
+                                            KTEXT("8"),
+                                            KTEXT("99999999999999999998"),
+                                            KTEXT("99999999999999999999"),
+                                            KTEXT("A2"),
+                                            KTEXT("a02b"),
+                                            KTEXT("a10"),
+                                            KTEXT("B1"),
+                                            KTEXT("p_1"),
+                                            KTEXT("\x00E8")};
+  for (std::size_t i = 0; i < sorted.size(); ++i) {
+    for (std::size_t k = 0; k < sorted.size(); ++k) {
+      const WString a(sorted[i]), b(sorted[k]);
+      const int order = kelp::CompareNaturally(a, b);
+      EXPECT_EQ((order > 0) - (order < 0), (i > k) - (i < k)) << a << " and " << b;
+      const String x = a.ToUtf8(), y = b.ToUtf8();
+      EXPECT_EQ(kelp::NaturalLess()(x, y), i < k) << a << " and " << b;
+    }
+  }
+}
+
 TEST(StringDerive, EraseInsertAndParts) {
   const String abcdef("abcdef");
   EXPECT_EQ(abcdef.Erase(2, -1), "ab");
   EXPECT_EQ(abcdef.Erase(2, 100), "ab");
   EXPECT_EQ(abcdef.Erase(2, INT_MAX), "ab");
   EXPECT_EQ(abcdef.Erase(1, 2), "adef");
+  EXPECT_EQ(abcdef.Erase(5, 1), "abcde");
+  EXPECT_EQ(abcdef.Erase(3, 0).c_str(), abcdef.c_str());
   EXPECT_EQ(abcdef.Erase(7, 1).c_str(), abcdef.c_str());
 
   const String abc("abc");
@@ -428,6 +490,7 @@ TEST(StringUtf8, EncodesPairsAndLoneSurrogates) {
   EXPECT_EQ(String::ConvertToUtf8(KTEXT("\xD83D"
                                         "A")),
             "\xF0\x91\xA1\x81");
+  EXPECT_EQ(String::ConvertToUtf8(nullptr), String());
 }
 
 // All code points, alone and in text long enough for blocks and for two passes.

@@ -32,14 +32,7 @@ CThreadFactory* Factory() {
   return CThreadFactory::GetInstance();
 }
 
-class Task : public CThreadFactory::ITask {
- public:
-  explicit Task(std::function<unsigned long()> run) : m_run(std::move(run)) {}
-  unsigned long Run() override { return m_run(); }
-
- private:
-  std::function<unsigned long()> m_run;
-};
+using Task = kelp::CFunctionTask<std::function<unsigned long()>>;
 
 // The run of a task, waited for and given back.
 class Running {
@@ -381,6 +374,27 @@ TEST_F(ThreadFactory, TasksThatOverrunTheClosingEndInPeace) {
   ends.WaitForEnds();
   EXPECT_EQ(tally.runs, 3);
   EXPECT_EQ(tally.deaths, 2);
+}
+
+TEST_F(ThreadFactory, AFunctionIsATask) {
+  CSyncEvent ended(false, false);
+  const auto shared = std::make_shared<int>(0);
+  CHandle* handle = nullptr;
+  ASSERT_TRUE(kelp::StartTask(
+      [shared, &ended] {
+        *shared = 7;
+        ended.SetEvent();
+      },
+      &handle));
+  ended.Lock();
+  Factory()->WaitFor(handle, INFINITE);
+  unsigned long code = 1;
+  EXPECT_TRUE(Factory()->GetExitCodeThread(handle, code));
+  EXPECT_EQ(code, 0u);
+  Factory()->CloseHandle(handle);
+  kelp::CSingletonManager::DeleteSingletons();
+  EXPECT_EQ(*shared, 7);
+  EXPECT_EQ(shared.use_count(), 1) << "the worker gave the function back";
 }
 
 // Starts its successor until the pool refuses.

@@ -128,6 +128,15 @@ TEST(Calendar, AgreesWithChrono) {
   }
 }
 
+TEST(UtcTime, IsThatOfTheStandardLibrary) {
+  using namespace std::chrono;
+  const sys_time<milliseconds> time = sys_days(2024y / 2 / 29) + 1ms;
+  EXPECT_EQ(kelp::SysTimeToUtcMs(time),
+            kelp::UtcDay1600ToUtcMs(kelp::GetUtcDay1600(29, 2, 2024)) + 1);
+  EXPECT_EQ(kelp::UtcMsToSysTime(kelp::SysTimeToUtcMs(time)), time);
+  EXPECT_EQ(kelp::UtcMsToSysTime(0), sys_days(1601y / 1 / 1));
+}
+
 TEST(Calendar, ManyDaysAtOnce) {
   EXPECT_EQ(kelp::ComputeDays({1, 3, 2021}, {1, 3, 2020}), -365);
   EXPECT_EQ(kelp::GetDaysFrom1stJan0({1, 1, -1}), 0);

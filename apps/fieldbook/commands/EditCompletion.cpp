@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "fieldbook/values/NaturalOrder.h"
+#include "kelp0lang/NaturalOrder.h"
 
 namespace fieldbook {
 namespace {
@@ -72,14 +72,7 @@ void AddNames(const PointList& list, const WString& front, std::vector<WString>&
     const WString& name = list.PointIn(row).name;
     if (StartsWith(name, front)) names.push_back(name);
   }
-  const auto bytes = [](const WString& name) {
-    std::string utf8;
-    AppendUtf8(utf8, name);
-    return utf8;
-  };
-  std::sort(names.begin(), names.end(), [&bytes](const WString& a, const WString& b) {
-    return IsNaturallyLess(bytes(a), bytes(b));
-  });
+  std::sort(names.begin(), names.end(), kelp::NaturalLess());
   names.erase(std::unique(names.begin(), names.end()), names.end());
 }
 

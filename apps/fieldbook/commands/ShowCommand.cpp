@@ -7,7 +7,7 @@
 #include "fieldbook/commands/PointTable.h"
 #include "fieldbook/commands/Settings.h"
 #include "fieldbook/points/PointReading.h"
-#include "fieldbook/values/NaturalOrder.h"
+#include "kelp0lang/NaturalOrder.h"
 #include "kelp0lang/Translate.h"
 
 namespace fieldbook {
@@ -183,9 +183,9 @@ class SortedPoints {
       case SortKey::Elevation:
         return a.elevation < b.elevation;
       case SortKey::Description:
-        return IsNaturallyLess(a.description, b.description);
+        return kelp::CompareNaturally(a.description, b.description) < 0;
       default:
-        return IsNaturallyLess(a.name, b.name);
+        return kelp::CompareNaturally(a.name, b.name) < 0;
     }
   }
 

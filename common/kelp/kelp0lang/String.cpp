@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cwchar>
 #include <cwctype>
+#include <ostream>
 #include <string>
 #include <type_traits>
 
@@ -367,8 +368,7 @@ S BasicText<S, C>::Insert(int position, const C* inserted, int count) const {
 
 template <class S, class C>
 S BasicText<S, C>::insert(int position, C unit) const {
-  const C text[] = {unit, 0};
-  return Insert(position, text, 1);
+  return Insert(position, &unit, 1);
 }
 
 template <class S, class C>
@@ -620,6 +620,14 @@ WString operator+(WChar unit, const WString& text) {
 
 WString operator+(const WChar* head, const WString& text) {
   return WString(WString::Join(head, UnitsOf(head), text.c_str(), text.Length()));
+}
+
+std::ostream& operator<<(std::ostream& stream, const String& text) {
+  return stream << std::string_view(text);
+}
+
+std::ostream& operator<<(std::ostream& stream, const WString& text) {
+  return stream << text.ToUtf8();
 }
 
 String ConvertString(const WChar* text, int) {

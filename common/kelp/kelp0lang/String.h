@@ -21,6 +21,13 @@
 // constructors with a range, Insert), only the part inside is used; GetChar, SetChar and their kin
 // don't test.
 //
+// At home in the standard library: text is a range of its units, gives a string view and is made
+// from one, hashes, and prints to a stream of bytes as UTF-8. A formatter for fmt is in FmtText.h.
+//
+//   for (WChar unit : point) count(unit);
+//   std::basic_string_view<WChar> view = point;
+//   std::cout << point << "\n";
+//
 // Text may hold zero units inside its length, but the searches for a text and the comparisons with
 // a pointer work on terminated text and stop there.
 //
@@ -34,7 +41,9 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <iosfwd>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "kelp0lang/Export.h"
@@ -82,6 +91,10 @@ WString TextOf(const WChar* units, int length);
 
 // Gives a block back to the heap that it came from.
 KELP0LANG_API void FreeText(TextHeader* header) noexcept;
+
+// A number that isn't a unit of the text: where a unit is taken it would become one silently.
+template <class T, class C>
+concept NumberInsteadOfUnit = (std::is_arithmetic_v<T> || std::is_enum_v<T>)&&!std::is_same_v<T, C>;
 
 // A buffer of its own count of 1, on its way into a handle.
 template <class C>
@@ -142,10 +155,19 @@ class TextHandle {
 template <class S, class C>
 class KELP0LANG_API BasicText : public TextHandle {
  public:
+  using value_type = C;
+  using const_iterator = const C*;
+  using iterator = const_iterator;
+
   // The terminated text; valid until the next operation on this string.
   const C* c_str() const noexcept { return Text(); }
   // Size of the text in bytes, without the terminator.
   std::size_t sizeInBytes() const noexcept { return length() * sizeof(C); }
+
+  // The units in use, zeros among them; valid until the next operation on this string.
+  const C* begin() const noexcept { return Text(); }
+  const C* end() const noexcept { return Text() + Length(); }
+  operator std::basic_string_view<C>() const noexcept { return {Text(), length()}; }
 
   // The unit at a position; not tested.
   C GetChar(int position) const noexcept { return Text()[position]; }
@@ -191,66 +213,70 @@ class KELP0LANG_API BasicText : public TextHandle {
     return Self();
   }
   S& operator+=(const C* text);
+  // Refused, as here and in operator+ a number would count as a unit; ValueOf makes text of one.
+  template <NumberInsteadOfUnit<C> T>
+  S& operator+=(T number) = delete;
   S append(const S& text);
   S append(C unit);
   // Receiver first.
-  S Concat(const S& text) const;
+  [[nodiscard]] S Concat(const S& text) const;
 
   // -1, 0 or 1, unit by unit as unsigned values up to the terminator.
-  int Compare(const C* text) const;
+  [[nodiscard]] int Compare(const C* text) const;
   // Negative, 0 or positive, as the C library compares without regard to case (process locale).
-  int CompareIgnoreCase(const C* text) const;
+  [[nodiscard]] int CompareIgnoreCase(const C* text) const;
 
   // First position at or behind from; a negative from counts as 0, one at or beyond the length
   // gives -1 even for an empty text.
-  int IndexOf(const S& text, int from = 0) const;
-  int IndexOf(C unit, int from = 0) const;
-  int find(const S& text, int from = 0) const { return IndexOf(text, from); }
-  int find(C unit, int from = 0) const { return IndexOf(unit, from); }
+  [[nodiscard]] int IndexOf(const S& text, int from = 0) const;
+  [[nodiscard]] int IndexOf(C unit, int from = 0) const;
+  [[nodiscard]] int find(const S& text, int from = 0) const { return IndexOf(text, from); }
+  [[nodiscard]] int find(C unit, int from = 0) const { return IndexOf(unit, from); }
   // Last position not above from. A negative from gives -1 for a text and looks at position 0 for a
   // unit; an empty text is found at min(from, length).
-  int LastIndexOf(const S& text, int from) const;
-  int LastIndexOf(C unit, int from) const;
+  [[nodiscard]] int LastIndexOf(const S& text, int from) const;
+  [[nodiscard]] int LastIndexOf(C unit, int from) const;
   // The last position in the whole text; an empty text is found at length - 1.
-  int rfind(const S& text) const;
-  int rfind(C unit) const;
+  [[nodiscard]] int rfind(const S& text) const;
+  [[nodiscard]] int rfind(C unit) const;
   // False on an empty receiver and at offset = length, even for an empty text.
-  bool StartsWith(const S& text, int offset = 0) const;
+  [[nodiscard]] bool StartsWith(const S& text, int offset = 0) const;
   // False for an empty text.
-  bool EndsWith(const S& text) const;
+  [[nodiscard]] bool EndsWith(const S& text) const;
   // Compares count units of this text and of another; false where either range leaves its text.
-  bool RegionMatches(int offset, const S& other, int otherOffset, int count, bool ignoreCase) const;
+  [[nodiscard]] bool RegionMatches(int offset, const S& other, int otherOffset, int count,
+                                   bool ignoreCase) const;
 
-  // Derived text; the receiver stays. Where nothing changes the result shares the receiver's
-  // buffer.
+  // Derived text; the receiver stays as it is. Where nothing changes the result shares the
+  // receiver's buffer.
   //
   // A negative start or a count below 1 gives empty text.
-  S Substring(int start) const;
-  S Substring(int start, int count) const;
+  [[nodiscard]] S Substring(int start) const;
+  [[nodiscard]] S Substring(int start, int count) const;
   // Clamps: count -1, or one that reaches beyond the end, means the rest.
-  S substr(int start, int count = -1) const;
+  [[nodiscard]] S substr(int start, int count = -1) const;
   // Without count units from start; -1 means all the rest.
-  S Erase(int start, int count = -1) const;
+  [[nodiscard]] S Erase(int start, int count = -1) const;
   // With count units of text before position; -1 means all of text, a text that is shorter than
   // count is padded with 0.
-  S Insert(int position, const C* text, int count = -1) const;
-  S insert(int position, const C* text, int count = -1) const {
+  [[nodiscard]] S Insert(int position, const C* text, int count = -1) const;
+  [[nodiscard]] S insert(int position, const C* text, int count = -1) const {
     return Insert(position, text, count);
   }
-  S insert(int position, C unit) const;
+  [[nodiscard]] S insert(int position, C unit) const;
   // Inserts count units of text (all ones: the whole) into the receiver at position and returns it;
   // what stood there before stays around the insertion.
   S& assign(const S& text, int position, std::uint64_t count);
-  S Replace(C from, C to) const;
+  [[nodiscard]] S Replace(C from, C to) const;
   // By the C library's case routines (process locale).
-  S ToLowerCase() const;
-  S ToUpperCase() const;
+  [[nodiscard]] S ToLowerCase() const;
+  [[nodiscard]] S ToUpperCase() const;
   // Without white space (isspace, iswspace), or without runs of a unit, at the ends.
-  S TrimLeft() const;
-  S TrimRight() const;
-  S Trim() const;
-  S TrimLeft(C unit) const;
-  S TrimRight(C unit) const;
+  [[nodiscard]] S TrimLeft() const;
+  [[nodiscard]] S TrimRight() const;
+  [[nodiscard]] S Trim() const;
+  [[nodiscard]] S TrimLeft(C unit) const;
+  [[nodiscard]] S TrimRight(C unit) const;
 
   // The same units, zeros inside the text included.
   friend bool operator==(const S& a, const S& b) noexcept {
@@ -334,6 +360,9 @@ class KELP0LANG_API String : public detail::BasicText<String, char> {
   String(const char* text) : BasicText(CopyOfTerminated(text)) {}
   // The lesser of count and the length of the whole text, in units from start; text isn't null.
   String(const char* text, int start, int count);
+  // A copy of the units; a view that an int can't count is refused with std::bad_alloc.
+  explicit String(std::basic_string_view<char> view)
+      : BasicText(CopyOf(view.data(), static_cast<std::int64_t>(view.size()))) {}
   ~String() = default;
 
   String& operator=(const String&) noexcept = default;
@@ -349,6 +378,8 @@ class KELP0LANG_API String : public detail::BasicText<String, char> {
     AssignTerminated(text);
     return *this;
   }
+  template <detail::NumberInsteadOfUnit<char> T>
+  String& operator=(T number) = delete;
 
   using BasicText::RegionMatches;
   // The same with a terminated text and no test against the lengths: the end of either text ends
@@ -361,9 +392,9 @@ class KELP0LANG_API String : public detail::BasicText<String, char> {
   static String AcceptString(const WChar* text, int count);
   // UTF-8, not bound to a locale. A high surrogate is joined with the unit behind it whatever that
   // is, any other unit stands for itself.
-  static String ConvertToUtf8(const WChar* text);
+  [[nodiscard]] static String ConvertToUtf8(const WChar* text);
   // Decodes this text as UTF-8, by its length, see WString::ConvertFromUtf8.
-  WString FromUtf8() const;
+  [[nodiscard]] WString FromUtf8() const;
 
   // Values as text, the same under every locale: numbers in decimal, with precision decimals (6
   // where that is beyond an int), and pointers as 16 hexadecimal digits. A double that takes more
@@ -406,6 +437,9 @@ class KELP0LANG_API WString : public detail::BasicText<WString, WChar> {
   WString(const WChar* text) : BasicText(CopyOfTerminated(text)) {}
   // The lesser of count and the length of the whole text, in units from start; text isn't null.
   WString(const WChar* text, int start, int count);
+  // A copy of the units; a view that an int can't count is refused with std::bad_alloc.
+  explicit WString(std::basic_string_view<WChar> view)
+      : BasicText(CopyOf(view.data(), static_cast<std::int64_t>(view.size()))) {}
   ~WString() = default;
 
   WString& operator=(const WString&) noexcept = default;
@@ -421,6 +455,8 @@ class KELP0LANG_API WString : public detail::BasicText<WString, WChar> {
     AssignTerminated(text);
     return *this;
   }
+  template <detail::NumberInsteadOfUnit<WChar> T>
+  WString& operator=(T number) = delete;
 
   // Replaces every occurrence of from in place, not looking into replacements, and returns how many
   // there were. A null or empty from gives 0, a null to counts as empty. Zero units inside the text
@@ -433,9 +469,9 @@ class KELP0LANG_API WString : public detail::BasicText<WString, WChar> {
   // UTF-8, not bound to a locale. Sequences aren't checked: a byte that begins none passes through
   // as its own value, the bytes behind a lead byte are only masked, overlong forms and surrogate
   // values stand. A sequence that the text cuts short is read as if zero bits followed.
-  static WString ConvertFromUtf8(const char* text);
+  [[nodiscard]] static WString ConvertFromUtf8(const char* text);
   // Encodes this text, by its length, see String::ConvertToUtf8.
-  String ToUtf8() const;
+  [[nodiscard]] String ToUtf8() const;
 
   // Values as text, as String::ValueOf gives them.
   static WString ValueOf(int value);
@@ -469,6 +505,19 @@ KELP0LANG_API WString operator+(const WString& text, WChar unit);
 KELP0LANG_API WString operator+(const WString& text, const WChar* tail);
 KELP0LANG_API WString operator+(WChar unit, const WString& text);
 KELP0LANG_API WString operator+(const WChar* head, const WString& text);
+template <detail::NumberInsteadOfUnit<char> T>
+String operator+(const String& text, T number) = delete;
+template <detail::NumberInsteadOfUnit<char> T>
+String operator+(T number, const String& text) = delete;
+template <detail::NumberInsteadOfUnit<WChar> T>
+WString operator+(const WString& text, T number) = delete;
+template <detail::NumberInsteadOfUnit<WChar> T>
+WString operator+(T number, const WString& text) = delete;
+
+// The bytes as they stand, and wide text as UTF-8, by the stream's width and fill, which count
+// bytes.
+KELP0LANG_API std::ostream& operator<<(std::ostream& stream, const String& text);
+KELP0LANG_API std::ostream& operator<<(std::ostream& stream, const WString& text);
 
 // Between the widths by the LC_CTYPE locale of the process, the whole terminated text (from start)
 // whatever count says. Null gives empty text, and so does a text with a character that the locale

@@ -11,6 +11,8 @@
 //     factory->CloseHandle(handle);
 //   }
 //
+// Work that no class is wanted for is a function: StartTask([path] { Import(path); });
+//
 // A task starts at once, on an idle worker or a new one: there is no queue. A worker whose task has
 // ended sleeps until the next one. The workers live until the pool is closed, with the process-wide
 // objects: then all tasks that run are asked to abort and have 15 seconds together to do so. One
@@ -21,6 +23,9 @@
 #pragma once
 
 #include <memory>
+#include <new>
+#include <type_traits>
+#include <utility>
 
 #include "kelp0lang/Export.h"
 #include "kelp0lang/Singleton.h"
@@ -83,5 +88,37 @@ class KELP0LANG_API CThreadFactory : public ISingleton {
 
   std::shared_ptr<Pool> m_pool;
 };
+
+// A function as a task. It gives nothing, or the exit code.
+template <class Work>
+class CFunctionTask : public CThreadFactory::ITask {
+ public:
+  explicit CFunctionTask(Work work) : m_work(std::move(work)) {}
+  unsigned long Run() override {
+    if constexpr (std::is_void_v<std::invoke_result_t<Work&>>) {
+      m_work();
+      return 0;
+    } else {
+      return static_cast<unsigned long>(m_work());
+    }
+  }
+
+ private:
+  Work m_work;
+};
+
+// Runs a function on a worker, which deletes it behind that; an exception that leaves it ends the
+// run. Unless handle is null it receives the run, as from CreateThreadForTask. False where the
+// function can't be started; it is gone then.
+template <class Work>
+bool StartTask(Work&& work, CThreadFactory::CHandle** handle = nullptr) {
+  using Task = CFunctionTask<std::decay_t<Work>>;
+  if (handle != nullptr) *handle = nullptr;
+  std::unique_ptr<Task> task(new (std::nothrow) Task(std::forward<Work>(work)));
+  if (task == nullptr) return false;
+  if (!CThreadFactory::GetInstance()->CreateThreadForTask(task.get(), true, handle)) return false;
+  task.release();
+  return true;
+}
 
 }  // namespace kelp

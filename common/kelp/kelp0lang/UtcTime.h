@@ -22,6 +22,7 @@
 
 #include <windows.h>
 
+#include <chrono>
 #include <cstdint>
 
 #include "kelp0lang/Export.h"
@@ -50,6 +51,17 @@ KELP0LANG_API void UnixToSystemTime(std::uint64_t t, _SYSTEMTIME* time);
 // afterwards.
 KELP0LANG_API std::uint64_t FSystemTimeToMs(_SYSTEMTIME* time);
 KELP0LANG_API void FMsToSystemTime(std::uint64_t ms, _SYSTEMTIME* time);
+
+// A moment as the standard library has it, and back; a moment before 1601 wraps around.
+inline std::chrono::sys_time<std::chrono::milliseconds> UtcMsToSysTime(std::uint64_t ms) {
+  constexpr std::uint64_t kFrom1601To1970 = 11644473600000;
+  return std::chrono::sys_time<std::chrono::milliseconds>(
+      std::chrono::milliseconds(static_cast<std::int64_t>(ms - kFrom1601To1970)));
+}
+inline std::uint64_t SysTimeToUtcMs(std::chrono::sys_time<std::chrono::milliseconds> time) {
+  constexpr std::uint64_t kFrom1601To1970 = 11644473600000;
+  return static_cast<std::uint64_t>(time.time_since_epoch().count()) + kFrom1601To1970;
+}
 
 // The low 32 bits of the day; a negative day is a moment before 1601, which wraps around.
 KELP0LANG_API int UtcMsToUtcDay1600(std::uint64_t ms);
