@@ -171,6 +171,7 @@ TEST(Format, BuffersHoldTheWholeTextOrNone) {
   char narrow[4] = "???";
   EXPECT_EQ(kelp_sprintf_s(narrow, 4, "%d", 123), 3);
   EXPECT_STREQ(narrow, "123");
+  EXPECT_EQ(kelp_sprintf_s(narrow, 4, "%9d", 1), -1);
   EXPECT_EQ(kelp_sprintf_s(narrow, 4, "%d", 1234), -1);
   EXPECT_STREQ(narrow, "");
   WChar wide[4] = {'?', '?', '?', '?'};

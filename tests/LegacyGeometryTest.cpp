@@ -68,7 +68,7 @@ TEST(LegacyGeometry, DirectionsAreClockwiseFromNorth) {
       {0, 0, 0},
       {0, 5, 0},
       {0, -1, 200},
-      {1, 0, 100},
+      {0.5, 0, 100},
       {-1, 0, 300},
       {3, 3, 50},
       {3, -3, 150},

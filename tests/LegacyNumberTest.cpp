@@ -22,6 +22,7 @@ TEST(LegacyNumber, ComparesWithItsTwoTolerances) {
   EXPECT_TRUE(UgualeA(1.0009, 1.0));
   EXPECT_FALSE(MinoreDi(1.0, 1.0005));
   EXPECT_TRUE(MinoreDi(1.0, 1.0007));
+  EXPECT_FALSE(MinoreDi(-0.0006, 0.0));
   EXPECT_FALSE(MinoreDi(2.0, 1.0));
 }
 
