@@ -1,4 +1,7 @@
 // Answers, good and bad, and their headers.
+#include <chrono>
+#include <thread>
+
 #include "tests/winapi/ErrorOf.h"
 #include "tests/winapi/UnderWine.h"
 #include "tests/winapi/wininet/HttpExchange.h"
@@ -115,6 +118,30 @@ TEST(HttpAnswer, SilenceAnywhereEndsInTheTimeOut) {
     // Wine gives the socket's error.
     EXPECT_NE(got.find(UnderWine() ? "error 1" : "error 12002"), std::string::npos)
         << size << " " << got;
+  }
+}
+
+// A thread that waits in each call of a request, and another that gives up.
+TEST(HttpAnswer, ClosingTheSessionEndsAllWaiting) {
+  if (UnderWine()) GTEST_SKIP() << "Wine goes on waiting";
+  const std::string beginnings[] = {"", kOk + "Content-Length: 5\r\n\r\nhe"};
+  for (const std::string& beginning : beginnings) {
+    ScriptedServer server([&](ScriptedServer::Peer& peer) {
+      peer.ReadHead();
+      peer.Send(beginning);
+      peer.WaitForEnd();
+    });
+    HttpExchange exchange(server.Port());
+    std::thread other([&] {
+      while (server.Heads().empty()) std::this_thread::yield();
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      EXPECT_TRUE(InternetCloseHandle(exchange.session));
+    });
+    const std::string got = exchange.SendAndAnswer();
+    other.join();
+    // Or between two calls.
+    const bool isTold = got.ends_with("error 12017") || got.ends_with("error 6");
+    EXPECT_TRUE(isTold) << got;
   }
 }
 

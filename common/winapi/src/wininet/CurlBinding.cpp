@@ -65,6 +65,7 @@ BIND(CURLMcode, curl_multi_perform, (CURLM * multi, int* running), (multi, runni
 BIND(CURLMcode, curl_multi_poll,
      (CURLM * multi, curl_waitfd* more, unsigned int count, int timeOut, int* moved),
      (multi, more, count, timeOut, moved))
+BIND(CURLMcode, curl_multi_wakeup, (CURLM * multi), (multi))
 BIND(CURLMsg*, curl_multi_info_read, (CURLM * multi, int* left), (multi, left))
 BIND_OPTION(CURLMcode, curl_multi_setopt, CURLM, CURLMoption)
 

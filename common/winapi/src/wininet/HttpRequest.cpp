@@ -169,8 +169,7 @@ BOOL WINAPI HttpSendRequestW(HINTERNET handle, LPCWSTR headers, DWORD headersLen
   if (request == nullptr) return FALSE;
   const std::string_view bytes(static_cast<const char*>(body), body == nullptr ? 0 : bodySize);
   request->isWriting = false;
-  request->transfer =
-      std::make_unique<Transfer>(request->plan, request->options, std::string(bytes));
+  request->Begin(std::make_unique<Transfer>(request->plan, request->options, std::string(bytes)));
   return request->transfer->ReceiveHead();
 }
 
@@ -182,7 +181,7 @@ BOOL WINAPI HttpSendRequestExW(HINTERNET handle, LPINTERNET_BUFFERSW in, LPINTER
                                   in == nullptr ? 0 : in->dwHeadersLength);
   if (request == nullptr) return FALSE;
   const std::uint64_t size = in == nullptr ? 0 : in->dwBufferTotal;
-  request->transfer = std::make_unique<Transfer>(request->plan, request->options, size);
+  request->Begin(std::make_unique<Transfer>(request->plan, request->options, size));
   request->isWriting = request->transfer->SendHead();
   return request->isWriting;
 }

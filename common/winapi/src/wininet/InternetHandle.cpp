@@ -65,11 +65,14 @@ std::shared_ptr<Object> FindObject(HINTERNET handle) {
 bool CloseObject(HINTERNET handle) {
   // It ends behind the lock: an object takes its time to end.
   std::vector<std::shared_ptr<Object>> taken;
-  Table& table = TheTable();
-  const std::lock_guard lock(table.mutex);
-  const auto found = table.objects.find(handle);
-  if (found == table.objects.end()) return Fail(ERROR_INVALID_HANDLE);
-  Take(table, found, taken);
+  {
+    Table& table = TheTable();
+    const std::lock_guard lock(table.mutex);
+    const auto found = table.objects.find(handle);
+    if (found == table.objects.end()) return Fail(ERROR_INVALID_HANDLE);
+    Take(table, found, taken);
+  }
+  for (const auto& object : taken) object->Abandon();
   return true;
 }
 

@@ -39,6 +39,9 @@ class Object {
   Object& operator=(const Object&) = delete;
   virtual ~Object() = default;
 
+  // Its handle has been closed, on any thread: what waits for something of it ends.
+  virtual void Abandon() {}
+
   const HINTERNET parent;  // null of a session
   Options options;
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <string>
 #include <utility>
 
@@ -27,9 +28,26 @@ struct Connection : Object {
 
 struct Request : Object {
   Request(HINTERNET parent, const Options& options) : Object(parent, options) {}
+
+  // Takes the place of an earlier one.
+  void Begin(std::unique_ptr<Transfer> next) {
+    const std::lock_guard lock(m_mutex);
+    transfer.swap(next);
+    if (m_isAbandoned) transfer->Cancel();
+  }
+  void Abandon() override {
+    const std::lock_guard lock(m_mutex);
+    m_isAbandoned = true;
+    if (transfer != nullptr) transfer->Cancel();
+  }
+
   RequestPlan plan;
   std::unique_ptr<Transfer> transfer;  // null until it is sent
   bool isWriting = false;              // between HttpSendRequestExW and HttpEndRequestW
+
+ private:
+  std::mutex m_mutex;  // between sending and the closing of the handle
+  bool m_isAbandoned = false;
 };
 
 }  // namespace winapi::internet

@@ -204,6 +204,11 @@ bool Transfer::MoveUntil(Done done, DWORD timeOut) {
     curl_multi_perform(m_place.multi, &running);
     ReadMessages();
     if (done() || m_finished) break;
+    if (m_cancelled) {
+      m_finished = true;
+      m_result = CURLE_ABORTED_BY_CALLBACK;
+      break;
+    }
 
     Milliseconds step = kLongestStep;
     curl_off_t connected = 0;
@@ -223,6 +228,11 @@ bool Transfer::MoveUntil(Done done, DWORD timeOut) {
     if (moved > 0 || connected == 0) m_lastMove = steady_clock::now();
   }
   return done();
+}
+
+void Transfer::Cancel() {
+  m_cancelled = true;
+  curl_multi_wakeup(m_place.multi);
 }
 
 bool Transfer::Failed() const {

@@ -6,6 +6,7 @@
 
 #include <curl/curl.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <string>
@@ -45,6 +46,8 @@ class Transfer {
   bool ReceiveHead();
   // Until there are bytes of the body, or its end has come.
   bool ReceiveBody();
+  // Ends all waiting, from any thread.
+  void Cancel();
 
   // What was received of the body and not taken yet.
   std::string_view Received() const { return std::string_view(m_received).substr(m_taken); }
@@ -93,6 +96,7 @@ class Transfer {
   bool m_paused = false;  // sending, receiving or both
   bool m_hasBody = false;
   bool m_finished = false;
+  std::atomic<bool> m_cancelled{false};
   CURLcode m_result = CURLE_OK;
   std::chrono::steady_clock::time_point m_lastMove;
 };
