@@ -39,6 +39,7 @@ const std::string kFolders[] = {
     "apps/console",
     "apps/fieldbook/values",
     "apps/fieldbook/console",
+    "apps/fieldbook/web",
     "apps/fieldbook/points",
     "apps/fieldbook/commands",
     "apps/fieldbook",

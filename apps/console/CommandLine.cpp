@@ -28,6 +28,7 @@ constexpr OptionRule kOptions[] = {
     {Option::Tolerance, KTEXT("--tolerance"), true},
     {Option::Output, KTEXT("--output"), true},
     {Option::NoBackup, KTEXT("--no-backup"), false},
+    {Option::Field, KTEXT("--field"), true},
     {Option::Lat, KTEXT("--lat"), false},
     {Option::Lon, KTEXT("--lon"), false},
     {Option::Bearing, KTEXT("--bearing"), false},
@@ -77,8 +78,7 @@ CommandLine::CommandLine(const std::vector<Argument>& arguments) {
 }
 
 const Argument* CommandLine::Value(Option option) const {
-  const std::optional<Argument>& value = m_options[Index(option)];
-  return value ? &*value : nullptr;
+  return Has(option) ? &Values(option).back() : nullptr;
 }
 
 std::size_t CommandLine::TakeOption(const std::vector<Argument>& arguments, std::size_t at) {
@@ -90,23 +90,23 @@ std::size_t CommandLine::TakeOption(const std::vector<Argument>& arguments, std:
     SetFault(KTEXT("there is no option {1}"), {Quoted(ToWString(name))});
     return 1;
   }
-  std::optional<Argument>& value = m_options[Index(rule->option)];
+  std::vector<Argument>& values = m_options[Index(rule->option)];
   if (equals != WideView::npos) {
     if (!rule->hasValue) SetFault(KTEXT("{1} takes no value"), {rule->name});
     // The name is ASCII, so that it has the same length in the units of a path.
     const auto& native = arguments[at].path.native();
-    value = Argument{ToWString(text.substr(equals + 1)), native.substr(equals + 1)};
+    values.push_back({ToWString(text.substr(equals + 1)), native.substr(equals + 1)});
     return 1;
   }
   if (!rule->hasValue) {
-    value = Argument{};
+    values.emplace_back();
     return 1;
   }
   if (at + 1 == arguments.size()) {
     SetFault(KTEXT("{1} needs a value behind it"), {rule->name});
     return 1;
   }
-  value = arguments[at + 1];
+  values.push_back(arguments[at + 1]);
   return 2;
 }
 

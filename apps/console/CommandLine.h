@@ -5,11 +5,10 @@
 //
 // An option's value stands behind it, or in it behind an equals sign. A minus sign with a number
 // behind it begins a value, not an option; "-" alone is an operand, and behind "--" everything is.
-// Of an option that comes twice the last one counts.
+// Of an option that comes twice the last one counts, but where all of them do.
 #pragma once
 
 #include <filesystem>
-#include <optional>
 #include <vector>
 
 #include "console/Text.h"
@@ -37,6 +36,7 @@ enum class Option {
   Tolerance,
   Output,
   NoBackup,
+  Field,
   Lat,
   Lon,
   Bearing,
@@ -48,7 +48,7 @@ enum class Option {
   Help,
   Version
 };
-inline constexpr int kOptionCount = 24;
+inline constexpr int kOptionCount = 25;
 
 class CommandLine {
  public:
@@ -58,9 +58,11 @@ class CommandLine {
   const WString& Command() const { return m_command; }
   // The operands behind it.
   const std::vector<Argument>& Operands() const { return m_operands; }
-  bool Has(Option option) const { return m_options[Index(option)].has_value(); }
+  bool Has(Option option) const { return !Values(option).empty(); }
   // The option's value; null if the option wasn't given.
   const Argument* Value(Option option) const;
+  // The values of an option that may come several times, in their order.
+  const std::vector<Argument>& Values(Option option) const { return m_options[Index(option)]; }
   // The first thing that is wrong with the line itself, if any.
   const Message& Fault() const { return m_fault; }
 
@@ -74,7 +76,7 @@ class CommandLine {
   WString m_command;
   bool m_hasCommand = false;
   std::vector<Argument> m_operands;
-  std::optional<Argument> m_options[kOptionCount];
+  std::vector<Argument> m_options[kOptionCount];
   Message m_fault;
 };
 

@@ -27,6 +27,8 @@ const Command kCommands[] = {
      kEverywhere | kFileOptions | Bit(Option::Tolerance) | Bit(Option::Limit)},
     {KTEXT("tolerance"), ToleranceCommand, kToleranceHelp, kEverywhere},
     {KTEXT("plot"), PlotCommand, kPlotHelp, kEverywhere | kFileOptions | Bit(Option::Output)},
+    {KTEXT("send"), SendCommand, kSendHelp,
+     kEverywhere | Bit(Option::Field) | Bit(Option::Progress)},
     {KTEXT("units"), UnitsCommand, kUnitsHelp, kEverywhere},
     {KTEXT("edit"), EditCommand, kEditHelp, kEverywhere | kFileOptions | Bit(Option::NoBackup)},
 };
@@ -46,6 +48,7 @@ const WChar* const kGeneralHelp = KTEXT(
     "  fieldbook plot FILE -o MAP.svg  the points as a drawing\n"
     "  fieldbook check FILE...         names that come twice, points too near\n"
     "  fieldbook tolerance [LENGTH]    how near is too near\n"
+    "  fieldbook send FILE URL         sends a file to a server\n"
     "  fieldbook units                 the settings of units\n"
     "  fieldbook units set KEY VALUE   changes one, for good\n"
     "  fieldbook edit FILE             changes a file by commands, with undo\n"
@@ -60,7 +63,8 @@ const WChar* const kGeneralHelp = KTEXT(
     "  --verbose                       the local time of the run on standard error\n"
     "\n"
     "Options may stand anywhere; behind -- nothing is an option. A points file has\n"
-    "rows of point, easting, northing, elevation and description.\n"
+    "rows of point, easting, northing, elevation and description; where one is only\n"
+    "read, http://... or https://... stands for what a server has.\n"
     "\n"
     "Exit status: 0 done, 1 not done, 2 done but for some rows, values\n"
     "or commands.\n"

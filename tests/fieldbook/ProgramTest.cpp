@@ -80,12 +80,12 @@ TEST(Program, WhatCannotBeDoneIsOneClearLine) {
       {{"--lang", kPoints, "--version"}, "fieldbook: --lang: .*points\\.csv.*\n"},
       {{},
        "fieldbook: a command is missing: one of show, angle, inverse, polar, area, check, "
-       "tolerance, plot, units, "
+       "tolerance, plot, send, units, "
        "edit$"},
       {{"list"},
        "fieldbook: there is no command \"list\", only show, angle, inverse, polar, area, check, "
        "tolerance, plot, "
-       "units, "
+       "send, units, "
        "edit$"},
       {{"show"}, "fieldbook: show takes at least one FILE$"},
       {{"show", "-", "a", "-"}, "fieldbook: standard input can be one FILE only$"},
@@ -296,7 +296,7 @@ TEST(Program, SpeaksItalian) {
   EXPECT_EQ(RunFieldbook({"--nope", "--lang", kItalian}).err,
             "fieldbook: l'opzione --nope non esiste\nVedi: fieldbook --help\n");
   for (const char* command :
-       {"show", "angle", "inverse", "polar", "area", "plot", "units", "edit"}) {
+       {"show", "angle", "inverse", "polar", "area", "plot", "send", "units", "edit"}) {
     const std::string help = RunFieldbook({command, "--help", "--lang", kItalian}).out;
     EXPECT_EQ(help.find(std::string("Uso: fieldbook ") + command), 0u) << help;
   }
@@ -309,7 +309,7 @@ TEST(Program, HelpAndVersionAreOnStandardOutput) {
   EXPECT_EQ(RunFieldbook({"help"}).out, general.out);
   EXPECT_EQ(RunFieldbook({"-v"}).out, RunFieldbook({"--version"}).out);
   for (const char* command :
-       {"show", "angle", "inverse", "polar", "area", "plot", "units", "edit"}) {
+       {"show", "angle", "inverse", "polar", "area", "plot", "send", "units", "edit"}) {
     const ProgramResult help = RunFieldbook({"-h", command});
     EXPECT_EQ(help.out.find(std::string("Usage: fieldbook ") + command), 0u) << help.out;
     EXPECT_EQ(help.status, 0);

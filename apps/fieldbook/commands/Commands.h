@@ -18,6 +18,7 @@ Status PlotCommand(const CommandLine& line, Console& console);
 Status CheckCommand(const CommandLine& line, Console& console);
 Status ToleranceCommand(const CommandLine& line, Console& console);
 
+Status SendCommand(const CommandLine& line, Console& console);
 Status UnitsCommand(const CommandLine& line, Console& console);
 Status EditCommand(const CommandLine& line, Console& console);
 
@@ -30,6 +31,7 @@ extern const WChar* const kPlotHelp;
 extern const WChar* const kCheckHelp;
 extern const WChar* const kToleranceHelp;
 
+extern const WChar* const kSendHelp;
 extern const WChar* const kUnitsHelp;
 extern const WChar* const kEditHelp;
 

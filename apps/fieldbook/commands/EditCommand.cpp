@@ -334,6 +334,9 @@ Status EditCommand(const CommandLine& line, Console& console) {
   if (line.Operands()[0].text == WString(KTEXT("-"))) {
     throw UsageFailure({KTEXT("edit takes a FILE; standard input is for the commands"), {}});
   }
+  if (IsWebAddress(line.Operands()[0].text)) {
+    throw UsageFailure({KTEXT("edit takes a FILE that it can write; one on the web it can't"), {}});
+  }
   return EditSession(line, console).Run();
 }
 

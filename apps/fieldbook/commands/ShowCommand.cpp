@@ -23,8 +23,9 @@ const WChar* const kShowHelp = KTEXT(
     "the order of coordinates of the settings, see fieldbook units --help.\n"
     "\n"
     "  FILE             rows of point, coordinates, elevation, description;\n"
-    "                   - reads standard input. Several files are read at once\n"
-    "                   and shown in this order, each below its name\n"
+    "                   - reads standard input, and http://... or https://... what\n"
+    "                   a server has. Several files are read at once and shown in\n"
+    "                   this order, each below its name\n"
     "  --from UNIT      unit of the coordinates in the file, where its heads have\n"
     "                   none, instead of file-units of the settings\n"
     "  --columns LIST   the order of the columns, by P(oint), E(asting), N(orthing),\n"
@@ -337,12 +338,17 @@ class Show {
     m_console.Print(piece);
   }
 
-  // Standard input is kept, since it is looked at twice.
+  // What can't be opened twice is kept, since it is looked at twice.
   std::unique_ptr<ByteSource> OpenAny(const Argument& file, Progress& progress) {
-    if (file.text != WString(KTEXT("-"))) return OpenBytes(file);
-    m_input = ReadAll(file, [&progress](double) { progress.RequireGoingOn(); });
-    progress.RequireGoingOn();
-    return BytesOf(m_input);
+    if (IsWebAddress(file.text)) {
+      m_kept = FetchBeside(file, progress);
+    } else if (file.text == WString(KTEXT("-"))) {
+      m_kept = ReadAll(file, [&progress](double) { progress.RequireGoingOn(); });
+      progress.RequireGoingOn();
+    } else {
+      return OpenBytes(file);
+    }
+    return BytesOf(m_kept);
   }
 
   void Complain(const Argument& file, const FaultList& faults, const WString& failure) {
@@ -362,7 +368,7 @@ class Show {
   const PointStyle m_style;
   const PointFilter m_filter;
   const SortRule* m_sort;
-  std::string m_input;
+  std::string m_kept;
   Status m_status = kDone;
 };
 

@@ -30,6 +30,7 @@ Progress::Bar::Bar(bool isAsked, Console& console) : m_console(console), m_isAsk
 
 void Progress::Bar::OnNewTaskStarted(kelp::CProcessProgressManager*, const WChar* name) {
   m_task = name;
+  m_more = WString();
 }
 
 void Progress::Bar::OnProcessProgress(kelp::CProcessProgressManager*, double overall, double) {
@@ -57,7 +58,8 @@ void Progress::Bar::Draw(double overall) {
   const bool isStep = isTerminal || m_percent < 0 || percent >= m_percent + kLineStep ||
                       (percent == 100 && m_percent != 100);
   if (!isStep) return;
-  const WString text = BarText(percent, m_task);
+  const WString task = m_more.empty() ? m_task : m_task.Concat(KTEXT(", ")).Concat(m_more);
+  const WString text = BarText(percent, task);
   if (text == m_text) return;
   m_percent = percent;
   m_text = text;
@@ -87,6 +89,11 @@ Progress::~Progress() {
 void Progress::Set(double fraction) {
   RequireGoingOn();
   m_manager.SetCurTaskPercentComlete(fraction);
+}
+
+void Progress::Set(double fraction, const WString& more) {
+  m_bar.SetMore(more);
+  Set(fraction);
 }
 
 void Progress::RequireGoingOn() {

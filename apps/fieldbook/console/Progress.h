@@ -44,6 +44,8 @@ class Progress {
 
   // How far the current task is, 0 to 1. Throws Failure when the user has pressed Ctrl-C.
   void Set(double fraction);
+  // The same with more to tell behind the bar.
+  void Set(double fraction, const WString& more);
   // Throws Failure when the user has pressed Ctrl-C; whoever works on other threads finds it out by
   // IsAborted.
   void RequireGoingOn();
@@ -58,6 +60,7 @@ class Progress {
                            double currentTask) override;
     void OnCurTaskTerminated(kelp::CProcessProgressManager* manager) override;
     void OnAbort(kelp::CProcessProgressManager* manager) override;
+    void SetMore(const WString& more) { m_more = more; }
 
    private:
     void Draw(double overall);
@@ -66,6 +69,7 @@ class Progress {
     bool m_isAsked;
     std::chrono::steady_clock::time_point m_begin = std::chrono::steady_clock::now();
     WString m_task;
+    WString m_more;
     WString m_text;  // as it is drawn
     int m_percent = -1;
   };

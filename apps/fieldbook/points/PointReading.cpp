@@ -2,20 +2,20 @@
 
 #include <algorithm>
 #include <atomic>
-#include <list>
 #include <new>
 #include <numeric>
 #include <thread>
 #include <utility>
 
-#include "kelp0lang/ThreadFactory.h"
+#include "fieldbook/console/Beside.h"
+#include "fieldbook/web/WebFetch.h"
 #include "kelp0lang/Translate.h"
 
 namespace fieldbook {
 namespace {
 
-constexpr unsigned long kGlance = 50;    // ms between two looks at the readers
 constexpr std::size_t kMostReaders = 8;  // also where the processors are more
+constexpr double kFetchShare = 0.8;      // of the work on a file from the web
 
 bool IsInput(const Argument& file) {
   return file.text == WString(KTEXT("-"));
@@ -59,6 +59,8 @@ class Work {
     return std::accumulate(m_fractions.begin(), m_fractions.end(), 0.0) /
            static_cast<double>(m_fractions.size());
   }
+  // Who waits for a server waits no longer.
+  void Stop() { m_web.Stop(); }
   std::vector<WString> TakeFailures() { return std::move(m_failures); }
 
  private:
@@ -78,9 +80,21 @@ class Work {
       m_fractions[at] = fraction;
       if (m_progress.IsAborted()) throw Failure(Stopped());
     };
-    const auto bytes = IsInput(m_files[at]) ? BytesOf(m_input) : OpenBytes(m_files[at]);
-    m_work(at, *bytes, watch);
+    if (IsWebAddress(m_files[at].text)) {
+      DoFetched(at, watch);
+    } else {
+      const auto bytes = IsInput(m_files[at]) ? BytesOf(m_input) : OpenBytes(m_files[at]);
+      m_work(at, *bytes, watch);
+    }
     m_fractions[at] = 1;
+  }
+
+  // It is kept, as standard input is, since it is looked at twice.
+  void DoFetched(std::size_t at, const Watch& watch) {
+    const std::string fetched =
+        FetchFromWeb(m_web, m_files[at], [&](double part) { watch(kFetchShare * part); });
+    m_work(at, *BytesOf(fetched),
+           [&](double part) { watch(kFetchShare + (1 - kFetchShare) * part); });
   }
 
   const std::vector<Argument>& m_files;
@@ -88,44 +102,9 @@ class Work {
   Progress& m_progress;
   std::vector<WString> m_failures;
   std::string m_input;  // of standard input
+  WebSession m_web;
   std::vector<std::atomic<double>> m_fractions;
   std::atomic<std::size_t> m_next{0};
-};
-
-// A task of the pool, from its start to its end.
-class Reader : public kelp::CThreadFactory::ITask {
- public:
-  explicit Reader(Work& work) : m_work(work) {
-    // Without a thread for it the work is done at once.
-    if (!m_pool->CreateThreadForTask(this, false, &m_run)) m_work.DoRest();
-  }
-  ~Reader() override {
-    if (m_run == nullptr) return;
-    m_pool->WaitFor(m_run, kNoEnd);
-    m_pool->CloseHandle(m_run);
-  }
-  Reader(const Reader&) = delete;
-  Reader& operator=(const Reader&) = delete;
-
-  unsigned long Run() override {
-    m_work.DoRest();
-    return 0;
-  }
-
-  // Waits a moment for the end; false if it hasn't come.
-  bool WaitForEnd() {
-    if (m_run == nullptr) return true;
-    m_pool->WaitFor(m_run, kGlance);
-    unsigned long code = 0;
-    return m_pool->GetExitCodeThread(m_run, code);
-  }
-
- private:
-  static constexpr unsigned long kNoEnd = 0xFFFFFFFF;
-
-  Work& m_work;
-  kelp::CThreadFactory* m_pool = kelp::CThreadFactory::GetInstance();
-  kelp::CThreadFactory::CHandle* m_run = nullptr;
 };
 
 std::size_t CountReaders(std::size_t files) {
@@ -140,15 +119,10 @@ std::vector<WString> ForEachFile(const std::vector<Argument>& files, const FileW
   progress.Set(0);
   Work work(files, fileWork, progress);
   work.ReadInput();
-  std::list<Reader> readers;  // whatever happens, they end before the work goes
-  for (std::size_t count = CountReaders(files.size()); count > 0; --count) {
-    readers.emplace_back(work);
-  }
-  for (Reader& reader : readers) {
-    while (!reader.WaitForEnd()) progress.Set(work.Fraction());
-  }
+  RunBeside(
+      CountReaders(files.size()), [&] { work.DoRest(); }, [&] { progress.Set(work.Fraction()); },
+      [&] { work.Stop(); });
   progress.Set(1);
-  readers.clear();
   return work.TakeFailures();
 }
 
@@ -159,6 +133,21 @@ void WithFile(const Argument& file, const std::function<void(ByteSource&, const 
   };
   const WString failure = ForEachFile({file}, onFile, progress).front();
   if (!failure.empty()) throw Failure(failure);
+}
+
+std::string FetchBeside(const Argument& address, Progress& progress) {
+  WebSession session;
+  std::string fetched;
+  std::atomic<double> fraction{0};
+  const auto fetch = [&] {
+    fetched = FetchFromWeb(session, address, [&](double part) {
+      fraction = part;
+      if (progress.IsAborted()) throw Failure(Stopped());
+    });
+  };
+  RunBeside(
+      1, fetch, [&] { progress.Set(fraction); }, [&] { session.Stop(); });
+  return fetched;
 }
 
 WString InFile(const Argument& file, const WString& what) {
