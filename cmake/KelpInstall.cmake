@@ -11,6 +11,10 @@ install(TARGETS ${libraries} EXPORT kelp0langTargets
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+if(NOT WIN32)
+  # It stands beside the layer's library.
+  install(TARGETS winapi_service RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
 # What kelp0lang.h names is public; beside it go the headers that those include, and the HTTP family,
 # which programs take by itself.
 set(included_headers Export.h RegistrationMap.h HttpError.h HttpTool.h HttpEncoder.h HttpClientMap.h

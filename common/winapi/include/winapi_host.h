@@ -21,11 +21,16 @@ WINAPI_EXPORT void WinapiSetStrings(HMODULE module, WORD language, const WINAPI_
 typedef BOOL (*WINAPI_FOLDER_CHOOSER)(HWND owner, LPCWSTR title, LPCWSTR selected, LPWSTR path);
 WINAPI_EXPORT void WinapiSetFolderChooser(WINAPI_FOLDER_CHOOSER chooser);
 
-// The file of certificates (PEM, a path of this system) by which HTTPS servers are verified from now
-// on; null or empty, as at start, is the system's store.
+// The file of certificates (PEM, a path of this system) by which HTTPS servers are verified from
+// now on; null or empty, as at start, is the system's store.
 WINAPI_EXPORT void WinapiSetCertificateStore(LPCWSTR file);
 
 // Stands in for the box of MessageBoxW: shows the text and gives the button that the user chose.
 // Null, as at start, means that there is nobody to ask.
 typedef int (*WINAPI_MESSAGE_BOX)(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type);
 WINAPI_EXPORT void WinapiSetMessageBox(WINAPI_MESSAGE_BOX shown);
+
+// The folder of the services that this process installs and sees, instead of root's and the user's
+// own; it is made when it is first needed. Null or empty, as at start, is those. A service that is
+// running goes on to be looked after where it was started.
+WINAPI_EXPORT void WinapiSetServiceFolder(LPCWSTR folder);

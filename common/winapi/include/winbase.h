@@ -1,4 +1,4 @@
-// Moving files, profiles, and who is at the ends of a pipe.
+// Moving files, profiles, who is at the ends of a pipe, and blocks of memory that a call hands out.
 #pragma once
 
 #include "windef.h"
@@ -57,3 +57,6 @@ WINAPI_EXPORT BOOL WINAPI WritePrivateProfileStringW(LPCWSTR section, LPCWSTR ke
 // one that it was; ERROR_PIPE_LISTENING or ERROR_PIPE_NOT_CONNECTED where there is none.
 WINAPI_EXPORT BOOL WINAPI GetNamedPipeServerProcessId(HANDLE pipe, ULONG* processId);
 WINAPI_EXPORT BOOL WINAPI GetNamedPipeClientProcessId(HANDLE pipe, ULONG* processId);
+
+// Gives back a block that a call says is to be freed so. Gives null.
+WINAPI_EXPORT HANDLE WINAPI LocalFree(HANDLE block);

@@ -4,6 +4,7 @@
 #include "errhandlingapi.h"
 #include "fileapi.h"
 #include "handleapi.h"
+#include "heapapi.h"
 #include "libloaderapi.h"
 #include "memoryapi.h"
 #include "namedpipeapi.h"
@@ -17,4 +18,5 @@
 #include "windef.h"
 #include "winerror.h"
 #include "winreg.h"
+#include "winsvc.h"
 #include "winuser.h"

@@ -1,4 +1,4 @@
-// File attributes and rights.
+// File attributes, rights and who has them, and the kinds of services.
 #pragma once
 
 #include "windef.h"
@@ -17,6 +17,10 @@
 #define GENERIC_ALL 0x10000000L
 #define MAXIMUM_ALLOWED 0x02000000L
 #define DELETE 0x00010000L
+#define READ_CONTROL 0x00020000L
+#define WRITE_DAC 0x00040000L
+#define WRITE_OWNER 0x00080000L
+#define STANDARD_RIGHTS_REQUIRED 0x000F0000L
 #define FILE_READ_ATTRIBUTES 0x0080
 #define FILE_WRITE_ATTRIBUTES 0x0100
 
@@ -28,11 +32,71 @@
 #define PAGE_READWRITE 0x04
 #define PAGE_WRITECOPY 0x08
 
+typedef void* PSID;
 typedef void* PSECURITY_DESCRIPTOR;
+typedef DWORD ACCESS_MASK;
 typedef DWORD SECURITY_INFORMATION;
 #define OWNER_SECURITY_INFORMATION 0x00000001L
 #define GROUP_SECURITY_INFORMATION 0x00000002L
 #define DACL_SECURITY_INFORMATION 0x00000004L
+
+// A list of rights, and behind it its entries: what it says, for whom, each with an identifier from
+// SidStart on.
+typedef struct _ACL {
+  BYTE AclRevision;
+  BYTE Sbz1;
+  WORD AclSize;  // bytes, with the entries
+  WORD AceCount;
+  WORD Sbz2;
+} ACL, *PACL;
+#define ACL_REVISION 2
+typedef struct _ACE_HEADER {
+  BYTE AceType;
+  BYTE AceFlags;
+  WORD AceSize;
+} ACE_HEADER;
+#define ACCESS_ALLOWED_ACE_TYPE 0x0
+#define ACCESS_DENIED_ACE_TYPE 0x1
+typedef struct _ACCESS_ALLOWED_ACE {
+  ACE_HEADER Header;
+  ACCESS_MASK Mask;
+  DWORD SidStart;
+} ACCESS_ALLOWED_ACE;
+
+// With SE_SELF_RELATIVE the four pointers are offsets of 32 bits, and what they lead to follows.
+typedef struct _SECURITY_DESCRIPTOR {
+  BYTE Revision;
+  BYTE Sbz1;
+  WORD Control;
+  PSID Owner;
+  PSID Group;
+  PACL Sacl;
+  PACL Dacl;
+} SECURITY_DESCRIPTOR;
+typedef struct _SECURITY_DESCRIPTOR_RELATIVE {
+  BYTE Revision;
+  BYTE Sbz1;
+  WORD Control;
+  DWORD Owner;
+  DWORD Group;
+  DWORD Sacl;
+  DWORD Dacl;
+} SECURITY_DESCRIPTOR_RELATIVE;
+#define SECURITY_DESCRIPTOR_REVISION 1
+#define SE_DACL_PRESENT 0x0004
+#define SE_DACL_DEFAULTED 0x0008
+#define SE_SELF_RELATIVE 0x8000
+
+#define SERVICE_WIN32_OWN_PROCESS 0x00000010
+#define SERVICE_AUTO_START 0x00000002
+#define SERVICE_DEMAND_START 0x00000003
+#define SERVICE_DISABLED 0x00000004
+#define SERVICE_ERROR_IGNORE 0x00000000
+#define SERVICE_ERROR_NORMAL 0x00000001
+#define SERVICE_ERROR_SEVERE 0x00000002
+#define SERVICE_ERROR_CRITICAL 0x00000003
+
+#define HEAP_ZERO_MEMORY 0x00000008
 
 typedef union _LARGE_INTEGER {
   struct {

@@ -1,12 +1,11 @@
 // Identifiers of groups, and who is in them.
-#include <unistd.h>
 #include <windows.h>
 
-#include <algorithm>
-#include <iterator>
 #include <new>
+#include <string_view>
 
 #include "Fail.h"
+#include "advapi32/Identifier.h"
 
 namespace {
 
@@ -19,13 +18,6 @@ struct Identifier {
 };
 
 constexpr BYTE kRevision = 1;
-
-bool IsAdministrators(const Identifier& id) {
-  constexpr SID_IDENTIFIER_AUTHORITY kNt = SECURITY_NT_AUTHORITY;
-  return id.count == 2 &&
-         std::equal(std::begin(kNt.Value), std::end(kNt.Value), id.authority.Value) &&
-         id.numbers[0] == SECURITY_BUILTIN_DOMAIN_RID && id.numbers[1] == DOMAIN_ALIAS_RID_ADMINS;
-}
 
 }  // namespace
 
@@ -48,6 +40,8 @@ PVOID WINAPI FreeSid(PSID sid) {
 BOOL WINAPI CheckTokenMembership(HANDLE token, PSID sid, BOOL* isMember) {
   if (token != nullptr) return Fail(ERROR_INVALID_HANDLE);
   if (sid == nullptr) return Fail(ERROR_INVALID_PARAMETER);
-  *isMember = geteuid() == 0 && IsAdministrators(*static_cast<const Identifier*>(sid));
+  const std::string_view id = winapi::IdentifierAt(sid);
+  if (id.empty()) return Fail(ERROR_INVALID_SID);
+  *isMember = winapi::IsMember(winapi::OwnAccount(), id);
   return TRUE;
 }

@@ -26,6 +26,7 @@
 #include <system_error>
 #include <utility>
 
+#include "advapi32/EscapedText.h"
 #include "kernel32/PathName.h"
 #include "kernel32/ProfileFile.h"
 #include "kernel32/UserFolders.h"
@@ -63,58 +64,17 @@ std::u16string Fold(const std::string& name) {
   return FoldedName(FromUtf8(name));
 }
 
-std::string Escape(const std::string& text) {
-  std::string escaped;
-  for (const char c : text) {
-    if (c == '\\' || c == '"') escaped += '\\';
-    if (c == '\n' || c == '\r') {
-      escaped += c == '\n' ? "\\n" : "\\r";
-    } else {
-      escaped += c;
-    }
-  }
-  return escaped;
-}
-
-// Takes escaped text up to an end mark off the rest of a line, mark included.
-std::optional<std::string> TakeEscaped(std::string_view& rest, char mark) {
-  std::string text;
-  for (std::size_t i = 0; i < rest.size(); ++i) {
-    if (rest[i] == mark) {
-      rest.remove_prefix(i + 1);
-      return text;
-    }
-    if (rest[i] != '\\') {
-      text += rest[i];
-    } else if (++i < rest.size()) {
-      text += rest[i] == 'n' ? '\n' : rest[i] == 'r' ? '\r' : rest[i];
-    }
-  }
-  return std::nullopt;
-}
-
-std::optional<std::string> FromHex(std::string_view digits) {
-  std::string bytes;
-  for (; digits.size() >= 2; digits.remove_prefix(2)) {
-    unsigned byte = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + 2, byte, 16);
-    if (error != std::errc() || end != digits.data() + 2) return std::nullopt;
-    bytes += static_cast<char>(byte);
-  }
-  if (!digits.empty()) return std::nullopt;
-  return bytes;
-}
-
 // "name"=type:hex
 std::optional<Value> ParseValue(std::string_view line) {
   line.remove_prefix(1);
-  const auto name = TakeEscaped(line, '"');
+  const auto name = winapi::TakeEscaped(line, '"');
   if (!name || !line.starts_with('=')) return std::nullopt;
   Value value{*name, 0, {}};
   const char* const end = line.data() + line.size();
   const auto [colon, error] = std::from_chars(line.data() + 1, end, value.type);
   if (error != std::errc() || colon == end || *colon != ':') return std::nullopt;
-  const auto data = FromHex(std::string_view(colon + 1, static_cast<std::size_t>(end - colon) - 1));
+  const auto data =
+      winapi::FromHex(std::string_view(colon + 1, static_cast<std::size_t>(end - colon) - 1));
   if (!data) return std::nullopt;
   value.data = *data;
   return value;
@@ -131,7 +91,7 @@ std::optional<Keys> ParseKeys(std::string_view text) {
     text.remove_prefix(end + 1);
     if (rest.starts_with('[')) {
       rest.remove_prefix(1);
-      const auto path = TakeEscaped(rest, ']');
+      const auto path = winapi::TakeEscaped(rest, ']');
       if (!path) return std::nullopt;
       key = &keys[Fold(*path)];
       key->path = *path;
@@ -147,14 +107,10 @@ std::optional<Keys> ParseKeys(std::string_view text) {
 std::string FormatKeys(const Keys& keys) {
   std::string text;
   for (const auto& [folded, key] : keys) {
-    text += '[' + Escape(key.path) + "]\n";
+    text += '[' + winapi::Escape(key.path) + "]\n";
     for (const auto& [foldedName, value] : key.values) {
-      text += '"' + Escape(value.name) + "\"=" + std::to_string(value.type) + ':';
-      for (const unsigned char byte : value.data) {
-        text += "0123456789abcdef"[byte >> 4];
-        text += "0123456789abcdef"[byte & 15];
-      }
-      text += '\n';
+      text += '"' + winapi::Escape(value.name) + "\"=" + std::to_string(value.type) + ':' +
+              winapi::ToHex(value.data) + '\n';
     }
   }
   return text;

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "Fail.h"
+#include "kernel32/ByteLock.h"
 #include "kernel32/PathName.h"
 
 namespace winapi {
@@ -22,20 +23,6 @@ constexpr std::size_t kLongestName = 70;
 // The two locks of the file, by the byte that they are on.
 constexpr off_t kOwnerLock = 0;
 constexpr off_t kTermsLock = 1;
-
-// A lock goes with the open file, and so with the process.
-bool Lock(int file, int command, short type, off_t place) {
-  struct flock lock = {};
-  lock.l_type = type;
-  lock.l_whence = SEEK_SET;
-  lock.l_start = place;
-  lock.l_len = 1;
-  int result;
-  do {
-    result = fcntl(file, command, &lock);
-  } while (result != 0 && errno == EINTR);
-  return result == 0 && (command != F_OFD_GETLK || lock.l_type == F_UNLCK);
-}
 
 // The user's own folder; whoever could write into another one could stand in for the server.
 Descriptor OpenFolder() {
@@ -98,7 +85,7 @@ std::unique_ptr<PipeRecord> PipeRecord::Own(const std::string& name) {
     Descriptor file(
         openat(folder, RecordName(name).c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
     std::unique_ptr<PipeRecord> record(new PipeRecord(std::move(folder), std::move(file), name));
-    if (record->m_file < 0 || !Lock(record->m_file, F_OFD_SETLK, F_WRLCK, kOwnerLock)) {
+    if (record->m_file < 0 || !LockByte(record->m_file, F_OFD_SETLK, F_WRLCK, kOwnerLock)) {
       return Fail(ERROR_ACCESS_DENIED, nullptr);
     }
     // The one before may have taken it away between the two steps.
@@ -130,7 +117,7 @@ std::string PipeRecord::SocketPath(std::size_t instance) const {
 }
 
 bool PipeRecord::HasOwner() const {
-  return m_isOwn || !Lock(m_file, F_OFD_GETLK, F_WRLCK, kOwnerLock);
+  return m_isOwn || !LockByte(m_file, F_OFD_GETLK, F_WRLCK, kOwnerLock);
 }
 
 bool PipeRecord::IsThere() const {
@@ -141,7 +128,7 @@ bool PipeRecord::IsThere() const {
 }
 
 PipeRecord::Locked::Locked(PipeRecord& record) : m_record(record), m_own(record.m_mutex) {
-  Lock(record.m_file, F_OFD_SETLKW, F_WRLCK, kTermsLock);
+  LockByte(record.m_file, F_OFD_SETLKW, F_WRLCK, kTermsLock);
   // A file that isn't whole has no instances.
   if (pread(record.m_file, &terms, sizeof terms, 0) != sizeof terms) terms = {};
   m_before = terms;
@@ -152,7 +139,7 @@ PipeRecord::Locked::~Locked() {
     // A file of the user's memory; where that is full nobody finds the instance.
     [[maybe_unused]] const ssize_t written = pwrite(m_record.m_file, &terms, sizeof terms, 0);
   }
-  Lock(m_record.m_file, F_OFD_SETLK, F_UNLCK, kTermsLock);
+  LockByte(m_record.m_file, F_OFD_SETLK, F_UNLCK, kTermsLock);
 }
 
 }  // namespace winapi

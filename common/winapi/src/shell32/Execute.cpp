@@ -8,10 +8,10 @@
 #include <cerrno>
 #include <csignal>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "Fail.h"
+#include "kernel32/CommandLine.h"
 #include "kernel32/PathName.h"
 #include "kernel32/Process.h"
 
@@ -19,45 +19,6 @@ namespace {
 
 constexpr std::uintptr_t kStarted = 42;
 constexpr ULONG kKnownMask = SEE_MASK_NOCLOSEPROCESS | SEE_MASK_FLAG_NO_UI;
-
-// Backslashes mean themselves, but in front of a quote: there each pair is one, and a last single
-// one makes the quote mean itself.
-void TakeBackslashes(std::string_view& rest, std::string& argument, bool& isQuoted) {
-  const std::size_t count = std::min(rest.find_first_not_of('\\'), rest.size());
-  rest.remove_prefix(count);
-  if (rest.empty() || rest.front() != '"') {
-    argument.append(count, '\\');
-    return;
-  }
-  argument.append(count / 2, '\\');
-  if (count % 2 != 0) {
-    argument += '"';
-  } else {
-    isQuoted = !isQuoted;
-  }
-  rest.remove_prefix(1);
-}
-
-std::vector<std::string> SplitParameters(const std::string& parameters) {
-  constexpr const char* kBlanks = " \t";
-  std::vector<std::string> arguments;
-  std::string_view rest = parameters;
-  for (;;) {
-    rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
-    if (rest.empty()) return arguments;
-    std::string argument;
-    bool isQuoted = false;
-    while (!rest.empty() && (isQuoted || (rest.front() != ' ' && rest.front() != '\t'))) {
-      if (rest.front() == '\\' || rest.front() == '"') {
-        TakeBackslashes(rest, argument, isQuoted);
-      } else {
-        argument += rest.front();
-        rest.remove_prefix(1);
-      }
-    }
-    arguments.push_back(argument);
-  }
-}
 
 // A program with this one's environment, and with none of its blocked signals. Gives an error
 // number.
@@ -103,7 +64,7 @@ BOOL WINAPI ShellExecuteExW(SHELLEXECUTEINFOW* info) {
   const std::string folder = info->lpDirectory == nullptr ? "" : ToPosixPath(info->lpDirectory);
   const std::string parameters = info->lpParameters == nullptr ? "" : ToUtf8(info->lpParameters);
   pid_t id = 0;
-  const int error = Start(program, folder, SplitParameters(parameters), id);
+  const int error = Start(program, folder, winapi::SplitArguments(parameters), id);
   if (error != 0) {
     SetFileError(error, program);
     return FailStart(info, error == ENOEXEC ? ERROR_BAD_EXE_FORMAT : GetLastError());

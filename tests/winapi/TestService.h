@@ -1,0 +1,96 @@
+// Services of the test program test_service, each with a name of its own.
+#pragma once
+
+#include <windows.h>
+// It needs the one before.
+#include <winsvc.h>
+
+#include <filesystem>
+#include <string>
+
+#include "tests/winapi/ErrorOf.h"
+#include "tests/winapi/WideText.h"
+
+// Closes a handle at the end of a scope.
+class ScHandle {
+ public:
+  explicit ScHandle(SC_HANDLE handle) : m_handle(handle) {}
+  ~ScHandle() { Close(); }
+  ScHandle(const ScHandle&) = delete;
+  ScHandle& operator=(const ScHandle&) = delete;
+  operator SC_HANDLE() const { return m_handle; }
+  void Close() {
+    if (m_handle != nullptr) CloseServiceHandle(m_handle);
+    m_handle = nullptr;
+  }
+
+ private:
+  SC_HANDLE m_handle;
+};
+
+inline SC_HANDLE Manager() {
+  static const SC_HANDLE manager = OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
+  return manager;
+}
+
+inline Wide Widen(const std::string& text) {
+  return Wide(text.begin(), text.end());
+}
+
+inline Wide NewServiceName() {
+  static int count = 0;
+  return Widen("kelp-test-" + std::to_string(GetCurrentProcessId()) + '-' +
+               std::to_string(++count));
+}
+
+inline Wide TestServiceCommand(const Wide& arguments) {
+  const auto program = std::filesystem::absolute(TEST_SERVICE).string<WCHAR>();
+  return WTEXT('"') + program + WTEXT("\" ") + arguments;
+}
+
+inline SC_HANDLE Install(const Wide& name, const Wide& command, const WCHAR* needs = nullptr,
+                         DWORD type = SERVICE_WIN32_OWN_PROCESS,
+                         DWORD start = SERVICE_DEMAND_START) {
+  return CreateServiceW(Manager(), name.c_str(), nullptr, SERVICE_ALL_ACCESS, type, start,
+                        SERVICE_ERROR_NORMAL, command.c_str(), nullptr, nullptr, needs, nullptr,
+                        nullptr);
+}
+
+// An installed service of a mode of test_service, stopped and deleted at the end of a scope.
+class TestService {
+ public:
+  explicit TestService(const Wide& arguments, const WCHAR* needs = nullptr)
+      : name(NewServiceName()), handle(Install(name, TestServiceCommand(arguments), needs)) {}
+  ~TestService() {
+    Control(SERVICE_CONTROL_STOP);
+    // One that doesn't stop.
+    if (Await(SERVICE_STOPPED, 5'000).dwCurrentState != SERVICE_STOPPED) Control(200);
+    Await(SERVICE_STOPPED);
+    DeleteService(handle);
+  }
+
+  long Start() const { return ErrorOf(StartServiceW(handle, 0, nullptr)); }
+  long Control(DWORD control) const {
+    SERVICE_STATUS status;
+    return ErrorOf(ControlService(handle, control, &status));
+  }
+  SERVICE_STATUS_PROCESS Status() const {
+    SERVICE_STATUS_PROCESS status = {};
+    DWORD needed = 0;
+    QueryServiceStatusEx(handle, SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(&status),
+                         sizeof status, &needed);
+    return status;
+  }
+  // The status when it has come to a state, or the last one.
+  SERVICE_STATUS_PROCESS Await(DWORD state, int limit = 60'000) const {
+    SERVICE_STATUS_PROCESS status = Status();
+    for (int waited = 0; status.dwCurrentState != state && waited < limit; waited += 20) {
+      Sleep(20);
+      status = Status();
+    }
+    return status;
+  }
+
+  const Wide name;
+  const ScHandle handle;
+};
