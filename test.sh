@@ -12,7 +12,7 @@ cd "$(dirname "$0")"
 
 run_linux() {
   need_compiler
-  need_packages gdb gettext libfmt-dev nginx-light openssl tinyproxy-bin
+  need_packages gdb gettext libfmt-dev nginx-light openssl tinyproxy-bin xvfb
   need_german_locale
   build "$1"
   ctest --preset "$1"

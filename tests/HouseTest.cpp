@@ -27,6 +27,7 @@ const std::string kFolders[] = {
     "common/winapi/src/kernel32",
     "common/winapi/src/crt",
     "common/winapi/src/advapi32",
+    "common/winapi/src/gdi32",
     "common/winapi/src/user32",
     "common/winapi/src/shell32",
     "common/winapi/src/ole32",

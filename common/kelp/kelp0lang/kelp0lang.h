@@ -34,6 +34,7 @@
 #include "kelp0lang/MeasUnitText.h"
 #include "kelp0lang/Memento.h"
 #include "kelp0lang/MemoryMappedFile.h"
+#include "kelp0lang/MonitorInfo.h"
 #include "kelp0lang/NaturalOrder.h"
 #include "kelp0lang/Object.h"
 #include "kelp0lang/PerPropertySetting.h"

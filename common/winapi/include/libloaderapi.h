@@ -6,7 +6,9 @@
 
 // A name matches the file name of a module without regard to case, or its
 // whole path; "name" and "name.dll" also match a library that is called "libname.so" here, whatever
-// its version. Where there is none it gives null and ERROR_MOD_NOT_FOUND.
+// its version. The libraries of Windows whose calls this layer has ("user32.dll", "winspool.drv"
+// and so on, ".dll" may be left out) are the layer itself. Where there is none it gives null and
+// ERROR_MOD_NOT_FOUND.
 WINAPI_EXPORT HMODULE WINAPI GetModuleHandleW(LPCWSTR name);
 
 #define GET_MODULE_HANDLE_EX_FLAG_PIN 0x1
@@ -18,6 +20,14 @@ WINAPI_EXPORT HMODULE WINAPI GetModuleHandleW(LPCWSTR name);
 // process. What isn't loaded gives false, null and ERROR_MOD_NOT_FOUND, PIN with
 // UNCHANGED_REFCOUNT, other flags or no place for the handle ERROR_INVALID_PARAMETER.
 WINAPI_EXPORT BOOL WINAPI GetModuleHandleExW(DWORD flags, LPCWSTR name, HMODULE* module);
+// A module by its name as GetModuleHandleW finds it, or loaded: a path names its file, and a name
+// without a folder a library of the system, "name" or "libname.so". Adds a reference, which
+// FreeLibrary gives back. What can't be loaded is ERROR_MOD_NOT_FOUND.
+WINAPI_EXPORT HMODULE WINAPI LoadLibraryW(LPCWSTR name);
+// A function that the module itself exports under its C name; null and ERROR_PROC_NOT_FOUND where
+// it has none. Of the layer's own calls those of winuser.h, wingdi.h and winspool.h have one. There
+// are no ordinals.
+WINAPI_EXPORT FARPROC WINAPI GetProcAddress(HMODULE module, LPCSTR name);
 // Gives a reference back; the module goes with the last. What is no module gives false and
 // ERROR_MOD_NOT_FOUND.
 WINAPI_EXPORT BOOL WINAPI FreeLibrary(HMODULE module);

@@ -6,6 +6,9 @@
 
 #include "winapi_export.h"
 
+#define WINAPI
+#define CALLBACK
+
 typedef int BOOL;
 typedef unsigned char BYTE;
 typedef uint16_t WORD;
@@ -47,14 +50,24 @@ typedef struct HICON__* HICON;
 typedef HICON HCURSOR;
 typedef struct HBRUSH__* HBRUSH;
 typedef struct HBITMAP__* HBITMAP;
+typedef struct HMONITOR__* HMONITOR;
+typedef struct HDC__* HDC;
+typedef LONG_PTR(WINAPI* FARPROC)();
 
 typedef struct tagPOINT {
   LONG x;
   LONG y;
-} POINT;
+} POINT, *LPPOINT;
 
-#define WINAPI
-#define CALLBACK
+// Right and bottom are outside it.
+typedef struct tagRECT {
+  LONG left;
+  LONG top;
+  LONG right;
+  LONG bottom;
+} RECT, *LPRECT;
+typedef const RECT* LPCRECT;
+
 #define TRUE 1
 #define FALSE 0
 #define MAX_PATH 260

@@ -17,6 +17,7 @@
 #include "winbase.h"
 #include "windef.h"
 #include "winerror.h"
+#include "wingdi.h"
 #include "winreg.h"
 #include "winsvc.h"
 #include "winuser.h"

@@ -1,10 +1,14 @@
-// Windows and the messages between them and between threads, and menus.
+// Windows and the messages between them and between threads, menus, and the monitors.
 //
 // There is no screen, keyboard or mouse behind the windows: a message comes only from the program
-// itself, and WM_PAINT, WM_TIMER and input never come by themselves. Nor is a menu ever shown.
+// itself, and WM_PAINT, WM_TIMER and input never come by themselves. Nor is a menu ever shown. The
+// monitors are those of the X server that DISPLAY names, where there is one.
 #pragma once
 
 #include "windef.h"
+#include "wingdi.h"
+
+extern "C" {
 
 typedef LRESULT(CALLBACK* WNDPROC)(HWND, UINT, WPARAM, LPARAM);
 
@@ -313,3 +317,86 @@ WINAPI_EXPORT int WINAPI LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, i
 WINAPI_EXPORT int WINAPI MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type);
 // Null: no window here is in front of others.
 WINAPI_EXPORT HWND WINAPI GetForegroundWindow();
+
+// What two rectangles have in common; gives whether there is anything, else zeros. The result may
+// be one of them. A rectangle without an extent has nothing in common with any.
+WINAPI_EXPORT BOOL WINAPI IntersectRect(LPRECT result, const RECT* first, const RECT* second);
+WINAPI_EXPORT BOOL WINAPI OffsetRect(LPRECT rect, int x, int y);
+
+// Monitors, in pixels of the virtual screen, whose origin is the top left corner of the primary
+// one. They are asked for anew by each call, and a handle stays good for as long as its monitor is
+// there. Without a display, or where all monitors are off, there are none.
+typedef struct tagMONITORINFO {
+  DWORD cbSize;
+  RECT rcMonitor;
+  RECT rcWork;
+  DWORD dwFlags;
+} MONITORINFO, *LPMONITORINFO;
+#define CCHDEVICENAME 32
+typedef struct tagMONITORINFOEXA {
+  DWORD cbSize;
+  RECT rcMonitor;
+  RECT rcWork;
+  DWORD dwFlags;
+  char szDevice[CCHDEVICENAME];
+} MONITORINFOEXA;
+typedef struct tagMONITORINFOEXW {
+  DWORD cbSize;
+  RECT rcMonitor;
+  RECT rcWork;
+  DWORD dwFlags;
+  WCHAR szDevice[CCHDEVICENAME];
+} MONITORINFOEXW;
+#define MONITORINFOF_PRIMARY 0x00000001
+
+// Calls back for each monitor, or for those that a rectangle touches, with what it covers of them;
+// a callback that gives FALSE ends the walk, and the call gives FALSE then. There are no device
+// contexts here: one that isn't null is ERROR_INVALID_HANDLE.
+typedef BOOL(CALLBACK* MONITORENUMPROC)(HMONITOR, HDC, LPRECT, LPARAM);
+WINAPI_EXPORT BOOL WINAPI EnumDisplayMonitors(HDC context, LPCRECT clip, MONITORENUMPROC callback,
+                                              LPARAM data);
+// The monitor's area, what the window manager leaves of it for windows (all of it, where the hint
+// _NET_WORKAREA isn't there), and with a MONITORINFOEXW its device, "\\.\DISPLAY1" and so on.
+// Another size is ERROR_INVALID_PARAMETER, a monitor that isn't there ERROR_INVALID_MONITOR_HANDLE.
+WINAPI_EXPORT BOOL WINAPI GetMonitorInfoW(HMONITOR monitor, LPMONITORINFO info);
+
+// The monitor at a point, the one that has most of a rectangle, that of a window; where there is
+// none, null or the primary or the nearest one. A window here lies on no monitor.
+#define MONITOR_DEFAULTTONULL 0
+#define MONITOR_DEFAULTTOPRIMARY 1
+#define MONITOR_DEFAULTTONEAREST 2
+WINAPI_EXPORT HMONITOR WINAPI MonitorFromPoint(POINT point, DWORD flags);
+WINAPI_EXPORT HMONITOR WINAPI MonitorFromRect(LPCRECT rect, DWORD flags);
+WINAPI_EXPORT HMONITOR WINAPI MonitorFromWindow(HWND window, DWORD flags);
+
+// Size of the primary monitor, place and size of the virtual screen, number of monitors; 0 without
+// one, and for other numbers.
+#define SM_CXSCREEN 0
+#define SM_CYSCREEN 1
+#define SM_XVIRTUALSCREEN 76
+#define SM_YVIRTUALSCREEN 77
+#define SM_CXVIRTUALSCREEN 78
+#define SM_CYVIRTUALSCREEN 79
+#define SM_CMONITORS 80
+WINAPI_EXPORT int WINAPI GetSystemMetrics(int index);
+// The work area of the primary monitor, a RECT; there are no other parameters
+// (ERROR_INVALID_SPI_VALUE). Fails without a monitor.
+#define SPI_GETWORKAREA 0x0030
+WINAPI_EXPORT BOOL WINAPI SystemParametersInfoA(UINT action, UINT number, PVOID value, UINT flags);
+
+// The devices that monitors are on, one each; with the name of a device the monitor on it, of which
+// DeviceString is the name that the X server has for it. False where there is no further one.
+#define DISPLAY_DEVICE_ATTACHED_TO_DESKTOP 0x00000001
+#define DISPLAY_DEVICE_ACTIVE 0x00000001
+#define DISPLAY_DEVICE_PRIMARY_DEVICE 0x00000004
+typedef struct _DISPLAY_DEVICEW {
+  DWORD cb;
+  WCHAR DeviceName[32];
+  WCHAR DeviceString[128];
+  DWORD StateFlags;
+  WCHAR DeviceID[128];
+  WCHAR DeviceKey[128];
+} DISPLAY_DEVICEW, *PDISPLAY_DEVICEW;
+WINAPI_EXPORT BOOL WINAPI EnumDisplayDevicesW(LPCWSTR device, DWORD number, PDISPLAY_DEVICEW info,
+                                              DWORD flags);
+}

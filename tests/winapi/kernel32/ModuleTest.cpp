@@ -88,4 +88,22 @@ TEST(Module, IsFoundByAnAddressWithinItAndCounted) {
   EXPECT_EQ(ErrorOf(FreeLibrary(reinterpret_cast<HMODULE>(0x10000))), ERROR_MOD_NOT_FOUND);
 }
 
+TEST(Module, AFunctionIsFoundInTheModuleThatHasIt) {
+  for (const LPCWSTR name : {WTEXT("User32.DLL"), WTEXT("user32")}) {
+    const HMODULE user = LoadLibraryW(name);
+    ASSERT_NE(user, nullptr);
+    EXPECT_EQ(GetModuleHandleW(WTEXT("USER32")), user);
+    const auto isMenu = reinterpret_cast<void*>(GetProcAddress(user, "IsMenu"));
+    ASSERT_NE(isMenu, nullptr);
+    EXPECT_FALSE(reinterpret_cast<decltype(&IsMenu)>(isMenu)(nullptr));
+    EXPECT_EQ(ErrorOf(GetProcAddress(user, "malloc")), ERROR_PROC_NOT_FOUND) << "another's";
+    EXPECT_EQ(ErrorOf(GetProcAddress(user, "NoSuchCall")), ERROR_PROC_NOT_FOUND);
+    EXPECT_TRUE(FreeLibrary(user));
+  }
+  EXPECT_EQ(ErrorOf(GetProcAddress(reinterpret_cast<HMODULE>(0x10000), "IsMenu")),
+            ERROR_MOD_NOT_FOUND);
+  EXPECT_EQ(ErrorOf(LoadLibraryW(WTEXT("no_such_module.dll"))), ERROR_MOD_NOT_FOUND);
+  EXPECT_EQ(ErrorOf(LoadLibraryW(WTEXT("C:\\no folder\\no module.dll"))), ERROR_MOD_NOT_FOUND);
+}
+
 }  // namespace

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -69,6 +70,20 @@ std::u16string_view LibraryNameOf(std::u16string_view fileName) {
   return fileName.substr(kPrefix.size(), end - kPrefix.size());
 }
 
+// The libraries of Windows whose calls the layer has.
+constexpr std::u16string_view kOwnNames[] = {u"advapi32.dll", u"gdi32.dll",    u"kernel32.dll",
+                                             u"ole32.dll",    u"oleaut32.dll", u"psapi.dll",
+                                             u"shell32.dll",  u"shlwapi.dll",  u"user32.dll",
+                                             u"wininet.dll",  u"winspool.drv", u"ws2_32.dll"};
+
+bool IsOwnName(const std::u16string& name) {
+  const std::u16string wanted = FoldedName(name);
+  return std::any_of(std::begin(kOwnNames), std::end(kOwnNames), [&](std::u16string_view own) {
+    const std::u16string folded = FoldedName(own);
+    return folded == wanted || folded == wanted + FoldedName(u".dll");
+  });
+}
+
 bool HasName(const Module& module, const std::u16string& name) {
   const std::u16string path = FoldedName(module.path);
   if (std::any_of(name.begin(), name.end(), IsSeparator)) {
@@ -87,17 +102,41 @@ void* AddReference(const Module& module, int flags) {
                 RTLD_LAZY | RTLD_NOLOAD | flags);
 }
 
-// The module that a call of GetModuleHandleExW means, none where it isn't loaded.
-auto FindModule(const std::vector<Module>& modules, DWORD flags, LPCWSTR name) {
-  if (name == nullptr) return modules.begin();
-  if ((flags & GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS) == 0) {
-    return std::find_if(modules.begin(), modules.end(),
-                        [name](const Module& module) { return HasName(module, name); });
-  }
-  const auto address = reinterpret_cast<std::uintptr_t>(name);
+auto FindAddress(const std::vector<Module>& modules, const void* pointer) {
+  const auto address = reinterpret_cast<std::uintptr_t>(pointer);
   return std::find_if(modules.begin(), modules.end(), [address](const Module& module) {
     return module.base <= address && address < module.end;
   });
+}
+
+auto FindName(const std::vector<Module>& modules, LPCWSTR name) {
+  if (IsOwnName(name)) return FindAddress(modules, kOwnNames);
+  return std::find_if(modules.begin(), modules.end(),
+                      [name](const Module& module) { return HasName(module, name); });
+}
+
+auto FindHandle(const std::vector<Module>& modules, HMODULE handle) {
+  return std::find_if(modules.begin(), modules.end(),
+                      [handle](const Module& module) { return HandleOf(module) == handle; });
+}
+
+// The module that a call of GetModuleHandleExW means, none where it isn't loaded.
+auto FindModule(const std::vector<Module>& modules, DWORD flags, LPCWSTR name) {
+  if (name == nullptr) return modules.begin();
+  const bool isAddress = (flags & GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS) != 0;
+  return isAddress ? FindAddress(modules, name) : FindName(modules, name);
+}
+
+// Has the loader look for a library that isn't there yet, by its path or its name in the system;
+// the loader's own handle.
+void* LoadFile(const std::u16string& name) {
+  if (std::any_of(name.begin(), name.end(), IsSeparator)) {
+    const std::string file = ToPosixPath(name.c_str());
+    return file.empty() ? nullptr : dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+  }
+  const std::string file = ToUtf8(name);
+  void* const loaded = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+  return loaded != nullptr ? loaded : dlopen(("lib" + file + ".so").c_str(), RTLD_NOW | RTLD_LOCAL);
 }
 
 }  // namespace
@@ -122,13 +161,40 @@ BOOL WINAPI GetModuleHandleExW(DWORD flags, LPCWSTR name, HMODULE* module) {
 
 BOOL WINAPI FreeLibrary(HMODULE module) {
   const std::vector<Module> modules = LoadedModules();
-  const auto found = std::find_if(modules.begin(), modules.end(),
-                                  [module](const Module& m) { return HandleOf(m) == module; });
+  const auto found = FindHandle(modules, module);
   void* const loaded = found == modules.end() ? nullptr : AddReference(*found, 0);
   if (loaded == nullptr) return Fail(ERROR_MOD_NOT_FOUND);
   dlclose(loaded);
   dlclose(loaded);
   return TRUE;
+}
+
+HMODULE WINAPI LoadLibraryW(LPCWSTR name) {
+  if (name == nullptr || *name == 0) return Fail<HMODULE>(ERROR_INVALID_PARAMETER);
+  const std::vector<Module> before = LoadedModules();
+  const auto there = FindName(before, name);
+  if (there != before.end() && AddReference(*there, 0) != nullptr) return HandleOf(*there);
+  void* const loaded = LoadFile(name);
+  link_map* map = nullptr;
+  if (loaded == nullptr || dlinfo(loaded, RTLD_DI_LINKMAP, &map) != 0) {
+    return Fail<HMODULE>(ERROR_MOD_NOT_FOUND);
+  }
+  const std::vector<Module> modules = LoadedModules();
+  const auto found = FindAddress(modules, map->l_ld);
+  return found == modules.end() ? Fail<HMODULE>(ERROR_MOD_NOT_FOUND) : HandleOf(*found);
+}
+
+FARPROC WINAPI GetProcAddress(HMODULE module, LPCSTR name) {
+  const std::vector<Module> modules = LoadedModules();
+  const auto found = module == nullptr ? modules.begin() : FindHandle(modules, module);
+  void* const loaded = found == modules.end() ? nullptr : AddReference(*found, 0);
+  if (loaded == nullptr) return Fail<FARPROC>(ERROR_MOD_NOT_FOUND);
+  const bool isOrdinal = reinterpret_cast<std::uintptr_t>(name) <= 0xFFFF;
+  void* const function = isOrdinal ? nullptr : dlsym(loaded, name);
+  dlclose(loaded);
+  // The loader looks on in what the module needs.
+  if (FindAddress(modules, function) != found) return Fail<FARPROC>(ERROR_PROC_NOT_FOUND);
+  return reinterpret_cast<FARPROC>(function);
 }
 
 HMODULE WINAPI GetModuleHandleW(LPCWSTR name) {
@@ -140,9 +206,7 @@ HMODULE WINAPI GetModuleHandleW(LPCWSTR name) {
 
 DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size) {
   const std::vector<Module> modules = LoadedModules();
-  const auto found = std::find_if(modules.begin(), modules.end(), [module](const Module& m) {
-    return module == nullptr || HandleOf(m) == module;
-  });
+  const auto found = module == nullptr ? modules.begin() : FindHandle(modules, module);
   if (found == modules.end()) {
     return Fail(ERROR_MOD_NOT_FOUND, DWORD{0});
   }
