@@ -43,10 +43,15 @@ class Page(html.parser.HTMLParser):
             self.faults.append("a script")
 
 
+# The pages' own sources among the headers.
+PAGE_FILES = re.compile(r'<tr id="row_[^"]*"[^>]*>(?:(?!</tr>).)*>(?:build|docs-pages|docs|[\w.]+\.md)</a>.*?</tr>\n?',
+                        re.DOTALL)
+
+
 def tidied(text):
     for pattern in SCRIPTED:
         text = re.sub(pattern, "", text, flags=re.DOTALL if ".*?" in pattern else 0)
-    return text
+    return PAGE_FILES.sub("", text)
 
 
 def target_of(path, link):

@@ -12,12 +12,12 @@ import sys
 
 CALL = re.compile(r"(?:WINAPI_EXPORT|extern \"C\" WINAPI_EXPORT)\s[^;{]*?\b(\w+)\(")
 # Markdown's own signs, and those of Doxygen.
-SPECIAL = re.compile(r"[\\@&<>#%*_`\[\]|]")
-COMMAND = {"*": "&lowast;", "|": "\\|", "_": "_", "`": "'", "[": "\\[", "]": "\\]"}
+SPECIAL = re.compile(r"[\\@&<>#%*\"]")
+NAMED = {"*": "&lowast;", '"': "&quot;"}
 
 
 def escaped(text):
-    return SPECIAL.sub(lambda match: COMMAND.get(match.group(), "\\" + match.group()), text)
+    return SPECIAL.sub(lambda match: NAMED.get(match.group(), "\\" + match.group()), text)
 
 
 def text_of(lines):
@@ -66,6 +66,9 @@ def parts_of(run):
                 part = Part([])
             part.comment.append(match.group(1) or "")
         else:
+            if line.startswith("typedef") and part.calls():
+                yield part
+                part = Part([])
             part.code += re.sub(r"\s//.*", "", line) + "\n"
     yield part
 
@@ -84,7 +87,7 @@ def page_of(path):
                 result.append("**" + ", ".join(escaped(call) for call in calls) + "**\n")
             if part.comment:
                 result.append(text_of(part.comment))
-            elif calls and not part.comment:
+            elif calls:
                 result.append("As Windows' documentation has it.\n")
     return result if count else []
 

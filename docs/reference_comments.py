@@ -12,7 +12,7 @@ import re
 import sys
 
 # What the text of a comment must not mean to Doxygen.
-SPECIAL = re.compile(r"[\\@&<>#%]")
+SPECIAL = re.compile(r"[\\@&<>#%\"]")
 FULL_LINE = re.compile(r"^(\s*)//(?: (.*)|)$")
 # A comment before one of these tells of what comes behind it, not of a declaration.
 NO_DECLARATION = re.compile(r"^\s*(?:$|//|}|\{|#(?!define)|public:|protected:|private:|static_assert|"
@@ -20,12 +20,18 @@ NO_DECLARATION = re.compile(r"^\s*(?:$|//|}|\{|#(?!define)|public:|protected:|pr
                             r"extern \"C\" \{)")
 # Code that a comment behind it speaks of: a member or an enumerator, no closing brace or directive.
 DOCUMENTED = re.compile(r"^\s*[^\s#}].*[\w,;}]\s*$")
+# What tells for itself, and isn't spoken of by the comment of what stands before it.
+PLAIN = re.compile(r"=\s*(?:default|delete);|^\s*(?:virtual )?~\w+\(|^\s*friend class")
+# An exported class without a comment of its own: that at the top of its header is about it.
+EXPORTED = re.compile(r"^(?:class|struct) (?:KELP0LANG|SARNUTILS)_API \w+[^;]*$")
 CODE = re.compile(r"[;{}]\s*(?://.*)?$")
 SCOPE = re.compile(r"\b(?:namespace|class|struct|enum|union)\b|extern \"C\"")
 
 
 def escaped(text):
-    return SPECIAL.sub(lambda match: "\\" + match.group(), text)
+    # Within quotation marks Doxygen reads escapes in another way, and "file:" begins a link.
+    text = SPECIAL.sub(lambda match: "&quot;" if match.group() == '"' else "\\" + match.group(), text)
+    return text.replace("file:", "file<!-- -->:")
 
 
 def paragraphs(lines):
@@ -166,8 +172,10 @@ class Filter:
                 pass
             elif NO_DECLARATION.match(line) or self.scopes.ended_type:
                 self.repeated = None
-            else:
+            elif not PLAIN.search(line):
                 self.emit(*self.repeated)
+        if EXPORTED.match(line) and not self.is_given:
+            self.emit("", [f"Told with its family, {self.name}."])
         self.is_given = False
         place = trailing_comment(line)
         self.scopes.read(line)

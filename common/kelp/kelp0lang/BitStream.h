@@ -54,12 +54,14 @@ class KELP0LANG_API CBitStreamReader {
   bool ReadBool() noexcept { return ReadBit() != 0; }
   // A count below 1 reads nothing.
   void ReadBytes(int count, void* out) noexcept;
+  // Numbers of whole bytes, at any bit.
   unsigned char ReadRawByte() noexcept;
   unsigned short ReadRawShort() noexcept;
   unsigned ReadRawInt() noexcept;
   double ReadDouble() noexcept;
   // Of 0 bits or fewer nothing is read, and the result is 0.
   unsigned ReadInt(int bits) noexcept;
+  // The bytes of a text, as they are.
   String ReadString();
 
   // To the begin of a byte. False for a place outside the buffer, which is kept all the same.
@@ -70,9 +72,11 @@ class KELP0LANG_API CBitStreamReader {
 
   // In bits, INT_MAX where an int can't hold it.
   int GetBitPos() const noexcept;
+  // Whether all bytes have been read.
   bool Eof() const noexcept { return m_bytePosition >= m_size; }
   // A bit behind the end was read; that stays so.
   bool IsError() const noexcept { return m_error; }
+  // That of the constructor.
   const unsigned char* GetBufferAddress() const noexcept { return m_buffer; }
 
  private:
@@ -103,12 +107,14 @@ class KELP0LANG_API CBitStreamWriter {
   }
   // The data may be this writer's own. A count below 1 writes nothing.
   void WriteBytes(const void* data, int count);
+  // Numbers of whole bytes, at any bit.
   void WriteRawByte(unsigned char value);
   void WriteRawShort(unsigned short value);
   void WriteRawInt(unsigned value);
   void WriteRawDouble(double value);
   // The low bits of the value. Of 0 bits or fewer nothing is written.
   void WriteInt(unsigned value, int bits);
+  // Count and bytes of a text, as told above.
   void WriteString(const WString& text);
 
   // The bytes so far, the last one filled up with zeros; valid until the next write.

@@ -62,6 +62,7 @@ class KELP0LANG_API CSourceEvent : public IRefCounter {
     virtual void OnBeginEvent(CSourceEvent* source) = 0;
     // All data are in their new state; no source of the transaction has ended yet.
     virtual void OnBeforeEndEvent(CSourceEvent* source) = 0;
+    // This source has ended; those on which it depends haven't yet.
     virtual void OnEndEvent(CSourceEvent* source) = 0;
 
    protected:
@@ -95,6 +96,7 @@ class KELP0LANG_API CSourceEvent : public IRefCounter {
   // transaction that closes there. So a source is moved between transactions.
   void Attach(CChangeTransactionManager* manager);
   void Detach() noexcept;
+  // Null without one.
   CChangeTransactionManager* GetChangeTransactionManager() const noexcept { return m_manager; }
 
   // Whether this source takes part in the open transaction.
@@ -183,9 +185,11 @@ class KELP0LANG_API CChangeTransactionManager {
   // Transactions that the commands open notify as usual, but record nothing.
   void Undo();
   void Redo();
+  // The steps that there are, as the list of commands tells them.
   bool CanUndo() const noexcept { return m_list->CanUndo(); }
   bool CanRedo() const noexcept { return m_list->CanRedo(); }
   void FreeUndoList() { m_list->FreeUndoList(); }
+  // Whether Undo or Redo is at work.
   bool IsUndoInProgress() const noexcept { return m_undoInProgress; }
 
   // While disabled, transactions aren't closed: sources begin, nothing ends, and each command is a

@@ -53,6 +53,7 @@ class KELP0LANG_API CCmdExecuted {
   bool IsPresent(ICmdExecuted* command) const noexcept;
   // The sum of GetMemSize of the commands, bytes.
   unsigned int GetMemSize() const noexcept { return m_memSize; }
+  // That of the constructor.
   const WString& GetName() const noexcept { return m_name; }
 
  private:
@@ -145,6 +146,7 @@ class KELP0LANG_API CCmdExecutedList : public IRefCounter {
   // command or a listener throws, the group is deleted.
   void Undo() { DoUndoRedo(true); }
   void Redo() { DoUndoRedo(false); }
+  // Whether there is such a group.
   bool CanUndo() const noexcept { return m_undo.count > 0; }
   bool CanRedo() const noexcept { return m_redo.count > 0; }
 

@@ -39,6 +39,7 @@ struct TFeetInch {
 KELP0LANG_API TFeetInch FeetToTFeetInch(double feet, enumInchDecPrec prec);
 // The same with all of the length in inches, and no feet.
 KELP0LANG_API TFeetInch InchToFeetInch(double inches, enumInchDecPrec prec);
+// The way back, in feet.
 KELP0LANG_API double TFeetInchToFeet(const TFeetInch& length);
 // Inches and fraction alone; the feet don't count.
 KELP0LANG_API double TFeetInchToInch(const TFeetInch& length);

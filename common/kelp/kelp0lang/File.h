@@ -118,6 +118,7 @@ class KELP0LANG_API CFile : public Object {
   bool RenameTo(const CFile& to) const;
   // Ticks as above; 0 leaves the file's time.
   bool SetLastModifiedTime(std::uint64_t time) const;
+  // Nobody may write it from now on.
   bool SetReadOnly() const;
 
   // The path is the search: "C:\jobs\*.dat" gives what matches, "C:\jobs\*" all with "." and "..",

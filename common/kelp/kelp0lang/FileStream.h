@@ -134,6 +134,7 @@ class FileStreamBase {
 
   // kStreamGood, kStreamError or kStreamEnd.
   int GetState() const noexcept { return m_state; }
+  // What the writer was made with, or the reader has set.
   short GetVersion() const noexcept { return m_version; }
   const WString& GetName() const noexcept { return m_name; }
 

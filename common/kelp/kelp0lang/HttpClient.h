@@ -149,6 +149,7 @@ class CHttpClientT {
   // Moves the post on, by at most desired bytes of values. Null until the response is there, which
   // is the caller's. Id 104 where no post is under way.
   Response* Proceed(DWORD desired);
+  // How far the post is.
   const PostStatistics& PostStat() const { return m_postStat; }
 
   // The steps of these operations.

@@ -83,6 +83,7 @@ class CHttpClientMapT {
     }
     return {};
   }
+  // What Get gives of an entry.
   static Value ValueOf(const Entry& entry) {
     return {entry.value == nullptr ? KTEXT("") : entry.value.get(), entry.flags};
   }

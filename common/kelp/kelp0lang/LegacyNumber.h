@@ -74,6 +74,7 @@ KELP0LANG_API kelp::WString StringDaDoubleConZeri(double v, int width, int dec);
 // The same without trailing zeros, nor a "." that they leave behind: "1.5", "2". Under a locale
 // with another decimal separator that one stays.
 KELP0LANG_API kelp::WString StringDaDoubleSenzaZeri(double v, int width, int dec);
+// In decimal.
 KELP0LANG_API kelp::WString StringDaInt(int v);
 
 // The text of StringDaDouble, but with the decimal point "." in every locale, into a buffer with

@@ -21,6 +21,7 @@
 KELP0LANG_API void StringToLower(kelp::WString& text);
 KELP0LANG_API void StringToUpper(kelp::WString& text);
 
+// Takes off the white space at the begin, at the end, or at both.
 KELP0LANG_API void StringTrimLeft(kelp::WString& text);
 KELP0LANG_API void StringTrimRight(kelp::WString& text);
 KELP0LANG_API void StringTrimBoth(kelp::WString& text);

@@ -20,6 +20,7 @@ enum class enumCoordLabelMode : std::int32_t {
   Letter,
 };
 
+// The label of a kind of value, in its unit of the current settings.
 KELP0LANG_API kelp::WString GetDistLabel(const kelp::WString& prefix, enumMeasUnitSize size,
                                          bool bracket);
 KELP0LANG_API kelp::WString GetAreaLabel(const kelp::WString& prefix, enumMeasUnitSize size,

@@ -13,6 +13,7 @@
 #include "kelp0lang/MeasUnitSystem.h"
 #include "kelp0lang/String.h"
 
+// A stored value as text, as CMeasUnitSystem::FromDistToString and its kin give it.
 KELP0LANG_API kelp::WString DistToString(double v, enumDistType type = enumDistType::Distance,
                                          enumMeasUnitSize size = enumMeasUnitSize::Normal,
                                          int decimals = -1, bool plainDecimal = false);
@@ -54,6 +55,8 @@ KELP0LANG_API kelp::WString ScaleToString(double v);
 KELP0LANG_API kelp::WString DistToStringMaxChar(double v, enumDistType type, enumMeasUnitSize size,
                                                 int ignored, bool plainDecimal, int maxChars);
 
+// Text as a stored value, as CMeasUnitSystem::FromStringToDist and its kin read it: nothing is
+// refused.
 KELP0LANG_API double StringToDist(const kelp::WString& s,
                                   enumDistType type = enumDistType::Distance,
                                   enumMeasUnitSize size = enumMeasUnitSize::Normal,

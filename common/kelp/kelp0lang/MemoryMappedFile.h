@@ -40,6 +40,7 @@ class KELP0LANG_API CMemoryMappedFile {
   unsigned long getLength() const { return m_nLength; }
   // The system's handle of the file, which stays this object's.
   void* getHandle() const { return m_hFile; }
+  // Whether the file is mapped.
   bool isLoaded() const { return m_bLoaded; }
   // Whether this opening made the file.
   bool isCreated() const { return m_bCreated; }

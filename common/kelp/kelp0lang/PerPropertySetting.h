@@ -42,10 +42,12 @@ class KELP0LANG_API IPerPropertySetting {
 
   // Null where the class doesn't list its properties.
   virtual IPerPropertySettingIterator* EnumProperties() = 0;
+  // The value of a property, and a new one for it.
   virtual unsigned GetProperty(unsigned id, CPolyValue& value) = 0;
   virtual unsigned SetProperty(unsigned id, const CPolyValue& value) = 0;
   // For the user to read.
   virtual unsigned GetPropertyName(unsigned id, WString& name) = 0;
+  // One of enumPolyValueType, as far as the class keeps to it.
   virtual unsigned GetPropertyType(unsigned id, unsigned& type) = 0;
   // The values to choose from, and how the user reads each of them.
   virtual unsigned GetPredefinedValues(unsigned id, CPolyValue& values, CPolyValue& labels) = 0;

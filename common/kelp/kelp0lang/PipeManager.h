@@ -50,6 +50,7 @@ class KELP0LANG_API CPipeManager {
   // Delivers what comes until StopRead, with true, or until nothing has come for the time of
   // GetReadTimeout or the pipe has broken. It looks twice a second.
   bool StartRead();
+  // Ends StartRead, from any thread.
   void StopRead() { m_reading = false; }
 
  protected:

@@ -22,6 +22,7 @@ class KELP0LANG_API CPoint3dVector {
   void AddPoint(double x, double y, double z, const WString& name, const WString& code);
   // With empty name and code.
   void AddPointUnnamed(double x, double y, double z);
+  // Leaves none.
   void DeleteAllPoints();
 
   unsigned GetNoPoints() const;

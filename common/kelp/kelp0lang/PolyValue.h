@@ -72,6 +72,7 @@ class KELP0LANG_API CPolyValue {
   CPolyValue(std::uint64_t value) noexcept : m_type(pvInt64) { m_value.int64 = value; }
   // The pointer is never owned.
   CPolyValue(void* value) noexcept : m_type(pvPointer) { m_value.pointer = value; }
+  // A copy of the text.
   CPolyValue(const WString& value);
   // Null gives the empty text.
   CPolyValue(const WChar* value);
@@ -106,6 +107,7 @@ class KELP0LANG_API CPolyValue {
   CPolyValue& operator=(const void*) = delete;
   // A date, from a C time.
   void SetDateValue(std::int64_t value) noexcept;
+  // Nothing, the kind pvEmpty.
   void SetToEmpty() noexcept;
 
   int GetType() const noexcept { return m_type; }

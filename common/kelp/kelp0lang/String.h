@@ -190,6 +190,7 @@ class KELP0LANG_API BasicText : public TextHandle {
   void ReleaseBuffer(int length);
   // Lets go of the buffer; a string without text keeps it, capacity included.
   void Empty();
+  // GetBufferSetLength.
   void resize(int length) { GetBufferSetLength(length); }
   // Units gained hold fill.
   void resize(int length, C fill);
@@ -267,6 +268,7 @@ class KELP0LANG_API BasicText : public TextHandle {
   // Inserts count units of text (all ones: the whole) into the receiver at position and returns it;
   // what stood there before stays around the insertion.
   S& assign(const S& text, int position, std::uint64_t count);
+  // With to in place of every from.
   [[nodiscard]] S Replace(C from, C to) const;
   // By the C library's case routines (process locale).
   [[nodiscard]] S ToLowerCase() const;

@@ -65,6 +65,7 @@ KELP0LANG_API WString GetTranslateFileError();
 // Source texts are shown again.
 KELP0LANG_API void UnloadTranslateFile();
 
+// Whether translations are there, of whatever catalogue was taken last.
 KELP0LANG_API bool IsTranslateFileLoaded();
 
 }  // namespace kelp

@@ -71,6 +71,7 @@ KELP0LANG_API int GetUtcDay1600(int day, int month, int year);
 // The midnight with which the UTC day of a moment begins.
 KELP0LANG_API std::uint64_t FGetUtcMidNight(std::uint64_t ms);
 
+// Now.
 KELP0LANG_API std::uint64_t FGetUtcCurTime();
 // The midnights with which today began, in UTC and on the local clock, in UTC ms.
 KELP0LANG_API std::uint64_t FGetUtcMidNightOfCurUtcDay();

@@ -77,6 +77,7 @@ class KELP0LANG_API XmlWriter {
 
   // Hands the buffer to the stream. After a failure what is pending is dropped.
   void flush();
+  // Whether the stream has failed.
   bool fail() const { return m_bFail; }
 
  protected:
@@ -144,6 +145,7 @@ class KELP0LANG_API CGenericXmlElement {
 
   // By name, in the order of the units. A file's own order is lost.
   std::map<WString, WString> m_Attribs;
+  // Its name, and its own text.
   WString m_sTag;
   WString m_sContent;
   // In document order, made by new and owned.
