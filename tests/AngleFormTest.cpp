@@ -166,6 +166,7 @@ TEST(AngleTexts, FixedForms) {
   EXPECT_EQ(Narrow(StrAngSesgFromCent(50.0, 2)), "45\u00B0 0' 0.00\"");
   EXPECT_EQ(Narrow(StrAngSesgFromCent(-50.0, 2)), "-45\u00B0 0' 0.00\"");
   EXPECT_EQ(Narrow(StrAngSesgFromCent(-0.5, 2)), "-0\u00B027' 0.00\"");
+  EXPECT_EQ(Narrow(StrAngSesgFromCent(0.5, 2)), "0\u00B027' 0.00\"");
   EXPECT_EQ(Narrow(StrAngSesgNoSmbFromRadi(radians, 3)), "  45  3  5.250");
   EXPECT_EQ(Narrow(StrLatSesgFromRadi(-radians, 2)), "45\u00B0  3'  5.25\" S");
   EXPECT_EQ(Narrow(StrLatSesgFromRadi(radians, 2)), "45\u00B0  3'  5.25\" N");
