@@ -7,6 +7,7 @@
 #include <iostream>
 #include <system_error>
 
+#include "kelp0lang/File.h"
 #include "kelp0lang/Translate.h"
 
 #ifdef _WIN32
@@ -334,12 +335,26 @@ WString SystemPath(const WString& path) {
   return path.Replace(KTEXT('/'), KTEXT('\\'));
 }
 
+WString LibraryPath(const Argument& file) {
+  return kelp::CFile(file.text).GetAbsolutePath();
+}
+
 #else
 
 // The library sees the root folder as a drive.
 WString SystemPath(const WString& path) {
   const WString slashes = path.Replace(KTEXT('\\'), KTEXT('/'));
   return slashes.find(KTEXT("C:/")) == 0 ? slashes.Substring(2) : slashes;
+}
+
+// What the library takes for the path has to lead back to it.
+WString LibraryPath(const Argument& file) {
+  std::error_code error;
+  const fs::path absolute = fs::absolute(file.path, error).lexically_normal();
+  const WString path = kelp::CFile(KTEXT("C:") + Decode(absolute.native())).GetAbsolutePath();
+  std::string back;
+  AppendUtf8(back, SystemPath(path));
+  return !error && back == absolute.native() ? path : WString();
 }
 
 #endif

@@ -109,5 +109,8 @@ void WriteAll(const Argument& file, const std::string& bytes);
 
 // A path of the library's as this system writes it.
 WString SystemPath(const WString& path);
+// The absolute path of a file as the library writes it; empty for one that only this system can
+// name: on POSIX one with a "\" in it, with points or blanks at its end, or that isn't UTF-8.
+WString LibraryPath(const Argument& file);
 
 }  // namespace console

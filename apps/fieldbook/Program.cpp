@@ -26,6 +26,7 @@ const Command kCommands[] = {
     {KTEXT("check"), CheckCommand, kCheckHelp,
      kEverywhere | kFileOptions | Bit(Option::Tolerance) | Bit(Option::Limit)},
     {KTEXT("tolerance"), ToleranceCommand, kToleranceHelp, kEverywhere},
+    {KTEXT("recent"), RecentCommand, kRecentHelp, kEverywhere},
     {KTEXT("plot"), PlotCommand, kPlotHelp, kEverywhere | kFileOptions | Bit(Option::Output)},
     {KTEXT("send"), SendCommand, kSendHelp,
      kEverywhere | Bit(Option::Field) | Bit(Option::Progress)},
@@ -49,6 +50,7 @@ const WChar* const kGeneralHelp = KTEXT(
     "  fieldbook check FILE...         names that come twice, points too near\n"
     "  fieldbook tolerance [LENGTH]    how near is too near\n"
     "  fieldbook send FILE URL         sends a file to a server\n"
+    "  fieldbook recent                the points files that were read last\n"
     "  fieldbook units                 the settings of units\n"
     "  fieldbook units set KEY VALUE   changes one, for good\n"
     "  fieldbook edit FILE             changes a file by commands, with undo\n"

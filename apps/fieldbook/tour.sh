@@ -15,6 +15,7 @@ run units set dist-units us-ft num-coord-dec 2 --data settings
 run_with $'begin "mill stone"\nmove T1 1.5 -2 0\nrename T1 T1a\nend\nundo\nredo\nsave' \
   edit points.csv --data settings
 run show points.csv --to us-ft-in --denominator 8
+run recent --data settings
 run inverse points.csv T1a BM2
 run angle -10.5 33.8912 --from gon --to dms
 run angle 134.5042 N45-30-15W --from deg --to bearing

@@ -80,11 +80,11 @@ TEST(Program, WhatCannotBeDoneIsOneClearLine) {
       {{"--lang", kPoints, "--version"}, "fieldbook: --lang: .*points\\.csv.*\n"},
       {{},
        "fieldbook: a command is missing: one of show, angle, inverse, polar, area, check, "
-       "tolerance, plot, send, units, "
+       "tolerance, recent, plot, send, units, "
        "edit$"},
       {{"list"},
        "fieldbook: there is no command \"list\", only show, angle, inverse, polar, area, check, "
-       "tolerance, plot, "
+       "tolerance, recent, plot, "
        "send, units, "
        "edit$"},
       {{"show"}, "fieldbook: show takes at least one FILE$"},

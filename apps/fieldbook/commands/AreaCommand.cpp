@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "fieldbook/commands/Commands.h"
+#include "fieldbook/commands/RecentFiles.h"
 #include "fieldbook/commands/Settings.h"
 #include "fieldbook/console/Table.h"
 #include "fieldbook/points/NamedPoints.h"
@@ -89,6 +90,7 @@ Status AreaCommand(const CommandLine& line, Console& console) {
   const LengthStyle style = ChooseDistanceStyle(settings.units, line);
   const NamedPoints found = FindPoints(operands[0], NamesBehind(operands, 1),
                                        ChooseLayout(line, settings), line, console);
+  RememberFiles({operands[0]});
   RequireSimple(found.points);
   const LengthUnit& unit = *found.layout.unit;
   const double toMetres = ConvertDist(1, unit.unit, enumDistUnits::Metre);

@@ -1,5 +1,6 @@
 // fieldbook check: names that come twice, and points that lie too near to each other.
 #include "fieldbook/commands/Commands.h"
+#include "fieldbook/commands/RecentFiles.h"
 #include "fieldbook/commands/Settings.h"
 #include "fieldbook/commands/Tolerance.h"
 #include "fieldbook/points/PointCheck.h"
@@ -116,6 +117,7 @@ class Check {
       };
       failures = ForEachFile(files, work, progress);
     }
+    std::vector<Argument> wellRead;
     for (std::size_t at = 0; at < files.size(); ++at) {
       if (!failures[at].empty()) {
         ComplainOfFailure(failures[at], m_console);
@@ -123,11 +125,13 @@ class Check {
         m_files[at] = CheckedFile();
         continue;
       }
+      wellRead.push_back(files[at]);
       const WString layout = LayoutText(m_files[at].layout);
       m_console.PrintLine(files.size() > 1 ? InFile(files[at], layout) : layout);
       ComplainOfRows(m_files[at].faults, files[at], m_console);
       if (!m_files[at].faults.IsEmpty() && m_status == kDone) m_status = kPartly;
     }
+    RememberFiles(wellRead);
   }
 
   // All files as one list.

@@ -17,6 +17,7 @@ Status AreaCommand(const CommandLine& line, Console& console);
 Status PlotCommand(const CommandLine& line, Console& console);
 Status CheckCommand(const CommandLine& line, Console& console);
 Status ToleranceCommand(const CommandLine& line, Console& console);
+Status RecentCommand(const CommandLine& line, Console& console);
 
 Status SendCommand(const CommandLine& line, Console& console);
 Status UnitsCommand(const CommandLine& line, Console& console);
@@ -30,6 +31,7 @@ extern const WChar* const kAreaHelp;
 extern const WChar* const kPlotHelp;
 extern const WChar* const kCheckHelp;
 extern const WChar* const kToleranceHelp;
+extern const WChar* const kRecentHelp;
 
 extern const WChar* const kSendHelp;
 extern const WChar* const kUnitsHelp;

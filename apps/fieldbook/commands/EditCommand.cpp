@@ -9,6 +9,7 @@
 #include "fieldbook/commands/EditReporter.h"
 #include "fieldbook/commands/EditedFile.h"
 #include "fieldbook/commands/PointEdits.h"
+#include "fieldbook/commands/RecentFiles.h"
 #include "fieldbook/commands/Settings.h"
 #include "fieldbook/console/Words.h"
 #include "fieldbook/points/PointReading.h"
@@ -166,6 +167,7 @@ Status EditSession::Run() {
   if (!m_list.Faults().IsEmpty()) {
     RequirePoints(m_file.File(), m_list.CountPoints(), m_list.Faults());
   }
+  RememberFiles({m_file.File()});
   m_console.PrintLine(LayoutText(m_list.Layout()));
   ComplainOfRows(m_list.Faults(), m_file.File(), m_console);
   if (!m_list.Faults().IsEmpty()) m_status = kPartly;

@@ -10,7 +10,7 @@ namespace fieldbook {
 namespace fs = std::filesystem;
 
 EditedFile::EditedFile(const Argument& file, bool keepsBackup, Console& console)
-    : m_file(file), m_console(console), m_keepsBackup(keepsBackup), m_bytes(ReadAll(file)) {}
+    : m_file(file), m_console(console), m_keepsBackup(keepsBackup), m_bytes(ReadRest(*OpenBytes(file))) {}
 
 void EditedFile::Save(const PointList& list, const Argument& file) {
   std::error_code ignored;
@@ -52,7 +52,7 @@ void EditedFile::KeepBackup() {
 
 void EditedFile::RequireUntouched() const {
   std::error_code ignored;
-  if (!fs::exists(m_file.path, ignored) || ReadAll(m_file) == m_bytes) return;
+  if (!fs::exists(m_file.path, ignored) || ReadRest(*OpenBytes(m_file)) == m_bytes) return;
   throw Failure(
       {KTEXT("{1} has changed since it was read; save under another name"), {Shown(m_file.text)}});
 }

@@ -4,6 +4,7 @@
 
 #include "fieldbook/commands/Commands.h"
 #include "fieldbook/commands/Direction.h"
+#include "fieldbook/commands/RecentFiles.h"
 #include "fieldbook/commands/Settings.h"
 #include "fieldbook/console/Table.h"
 #include "fieldbook/points/NamedPoints.h"
@@ -139,6 +140,7 @@ Status InverseCommand(const CommandLine& line, Console& console) {
   const LengthStyle style = ChooseDistanceStyle(settings.units, line);
   const NamedPoints found = FindPoints(operands[0], NamesBehind(operands, 1),
                                        ChooseLayout(line, settings), line, console);
+  RememberFiles({operands[0]});
   const InverseTexts texts(*found.layout.unit, style, settings.units, line.Has(Option::Bearing));
   console.PrintLine(LayoutText(found.layout));
   const Table table = found.points.size() == 2 ? TableOfOne(found.points[0], found.points[1], texts)

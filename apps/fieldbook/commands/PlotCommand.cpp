@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "fieldbook/commands/Commands.h"
+#include "fieldbook/commands/RecentFiles.h"
 #include "fieldbook/commands/Settings.h"
 #include "fieldbook/points/PointReading.h"
 #include "kelp0lang/Translate.h"
@@ -189,6 +190,7 @@ Status PlotCommand(const CommandLine& line, Console& console) {
     WithFile(source, read, progress);
   }
   RequirePoints(source, file.points.size(), file.faults);
+  RememberFiles({source});
   ComplainOfRows(file.faults, source, console);
   const LengthUnit& barUnit = UnitOf(settings.units.GetDistUnits());
   WriteAll(*output, Drawing(file.points, *file.layout.unit, barUnit).Svg());

@@ -1,6 +1,7 @@
 // fieldbook polar: a point by direction and distance from another.
 #include "fieldbook/commands/Direction.h"
 #include "fieldbook/commands/PointTable.h"
+#include "fieldbook/commands/RecentFiles.h"
 #include "fieldbook/commands/Settings.h"
 #include "fieldbook/points/NamedPoints.h"
 #include "kelp0lang/LegacyGeometry.h"
@@ -39,6 +40,7 @@ Status PolarCommand(const CommandLine& line, Console& console) {
   }
   const NamedPoints found =
       FindPoints(operands[0], {operands[1].text}, ChooseLayout(line, settings), line, console);
+  RememberFiles({operands[0]});
   Point point = found.points[0];
   const LengthUnit& fileUnit = *found.layout.unit;
   const double length = ConvertDist(distance.value, unit.unit, fileUnit.unit);

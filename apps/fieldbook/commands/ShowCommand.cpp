@@ -5,6 +5,7 @@
 #include <set>
 
 #include "fieldbook/commands/PointTable.h"
+#include "fieldbook/commands/RecentFiles.h"
 #include "fieldbook/commands/Settings.h"
 #include "fieldbook/points/PointReading.h"
 #include "kelp0lang/NaturalOrder.h"
@@ -211,6 +212,7 @@ class Show {
     } else {
       ShowTables();
     }
+    RememberFiles(m_wellRead);
     return m_status;
   }
 
@@ -357,6 +359,7 @@ class Show {
       m_status = kFailed;
       return;
     }
+    m_wellRead.push_back(file);
     ComplainOfRows(faults, file, m_console);
     if (!faults.IsEmpty() && m_status == kDone) m_status = kPartly;
   }
@@ -369,6 +372,7 @@ class Show {
   const PointFilter m_filter;
   const SortRule* m_sort;
   std::string m_kept;
+  std::vector<Argument> m_wellRead;
   Status m_status = kDone;
 };
 

@@ -1,11 +1,7 @@
 #include "fieldbook/points/TextSource.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <system_error>
-#include <utility>
 
 namespace fieldbook {
 namespace {
@@ -14,49 +10,6 @@ constexpr std::size_t kBlock = 1 << 18;
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 constexpr char kDosEnd = '\x1A';
-
-class FileBytes final : public ByteSource {
- public:
-  explicit FileBytes(const Argument& file) : m_file(file), m_stream(OpenFile(file)) {
-    std::error_code unknown;
-    m_size = std::filesystem::file_size(file.path, unknown);
-    if (unknown) m_size = 0;
-  }
-
-  void Rewind() override {
-    m_stream.clear();
-    m_stream.seekg(0);
-  }
-  std::size_t Read(char* buffer, std::size_t size) override {
-    errno = 0;
-    m_stream.read(buffer, static_cast<std::streamsize>(size));
-    if (m_stream.bad()) FailOnFile(m_file, errno);
-    return static_cast<std::size_t>(m_stream.gcount());
-  }
-  std::uintmax_t Size() const override { return m_size; }
-
- private:
-  Argument m_file;
-  std::ifstream m_stream;
-  std::uintmax_t m_size;
-};
-
-class MemoryBytes final : public ByteSource {
- public:
-  explicit MemoryBytes(std::string_view bytes) : m_bytes(bytes), m_rest(bytes) {}
-
-  void Rewind() override { m_rest = m_bytes; }
-  std::size_t Read(char* buffer, std::size_t size) override {
-    const std::size_t taken = m_rest.copy(buffer, size);
-    m_rest.remove_prefix(taken);
-    return taken;
-  }
-  std::uintmax_t Size() const override { return m_bytes.size(); }
-
- private:
-  std::string_view m_bytes;
-  std::string_view m_rest;
-};
 
 TextEncoding EncodingOfMark(std::string_view bytes) {
   if (bytes.starts_with(kUtf8Mark)) return TextEncoding::Utf8WithMark;
@@ -117,14 +70,6 @@ void ReplaceZeros(std::string& text, std::size_t from) {
 }
 
 }  // namespace
-
-std::unique_ptr<ByteSource> OpenBytes(const Argument& file) {
-  return std::make_unique<FileBytes>(file);
-}
-
-std::unique_ptr<ByteSource> BytesOf(std::string_view bytes) {
-  return std::make_unique<MemoryBytes>(bytes);
-}
 
 TextSource::TextSource(ByteSource& bytes, const Watch& watch) : m_bytes(bytes) {
   LookAtAll(watch);

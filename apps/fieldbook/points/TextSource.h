@@ -11,33 +11,15 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
-#include <memory>
 #include <string>
 #include <string_view>
 
-#include "console/Console.h"
+#include "fieldbook/points/ByteSource.h"
 #include "fieldbook/values/Text.h"
 
 namespace fieldbook {
 
 enum class TextEncoding { Utf8, Utf8WithMark, Utf16Little, Utf16Big, Latin1 };
-
-// Bytes that are read from the beginning as often as one likes.
-class ByteSource {
- public:
-  virtual ~ByteSource() = default;
-  virtual void Rewind() = 0;
-  // Fills the buffer as far as it can; 0 at the end. Throws Failure.
-  virtual std::size_t Read(char* buffer, std::size_t size) = 0;
-  // 0 where it isn't known.
-  virtual std::uintmax_t Size() const = 0;
-};
-
-// A file, which stays open. Throws Failure where it can't be opened.
-std::unique_ptr<ByteSource> OpenBytes(const Argument& file);
-// Bytes in memory, which outlive the source.
-std::unique_ptr<ByteSource> BytesOf(std::string_view bytes);
 
 class TextSource {
  public:

@@ -6,7 +6,8 @@
 //
 // A mapping outlives the handle of its file, and a view that of its mapping. While either is there,
 // no handle of this layer cuts the file (ERROR_USER_MAPPED_FILE). Where another program does, what
-// is behind the new end can't be touched.
+// is behind the new end can't be touched: that would end the process. ReadProcessMemory copies what
+// is there, and tells where there is nothing.
 #pragma once
 
 #include "minwinbase.h"
@@ -30,3 +31,15 @@ WINAPI_EXPORT LPVOID WINAPI MapViewOfFile(HANDLE mapping, DWORD access, DWORD of
                                           DWORD offsetLow, SIZE_T size);
 // By what MapViewOfFile gave (else ERROR_INVALID_ADDRESS).
 WINAPI_EXPORT BOOL WINAPI UnmapViewOfFile(LPCVOID view);
+
+// Gives the pages of a part of a view back to the system, which keeps them in the file and brings
+// them in again when they are touched; so that a file of any size can be read through a view in
+// little memory. Nothing is ever locked here, so that the answer is FALSE with ERROR_NOT_LOCKED, as
+// Windows gives it for pages that aren't. Other memory, and views for COPY, stay as they are.
+WINAPI_EXPORT BOOL WINAPI VirtualUnlock(LPVOID address, SIZE_T size);
+
+// Copies memory of a process that OpenProcess gave, this one too. Where some of it isn't there, or
+// the file behind it is shorter by now, the call fails with ERROR_PARTIAL_COPY; read, which may be
+// null, receives what was copied before.
+WINAPI_EXPORT BOOL WINAPI ReadProcessMemory(HANDLE process, LPCVOID address, LPVOID buffer,
+                                            SIZE_T size, SIZE_T* read);

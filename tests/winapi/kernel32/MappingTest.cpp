@@ -116,4 +116,38 @@ TEST_F(Mapping, ViewsReachNoFurtherThanTheMapping) {
   EXPECT_EQ(ErrorOf(MapViewOfFile(mapping, FILE_MAP_READ, 0, 0, 0)), ERROR_INVALID_HANDLE);
 }
 
+TEST_F(Mapping, PagesComeBackAndAreCopiedAsFarAsTheFileGoes) {
+  folder.Write("file", std::string(0x3000, 'a'));
+  const HANDLE mapping = Map(kReadWrite, PAGE_READWRITE);
+  auto* const view = static_cast<char*>(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0));
+  auto* const own = static_cast<char*>(MapViewOfFile(mapping, FILE_MAP_COPY, 0, 0, 0));
+  CloseHandle(mapping);
+  view[0x2000] = 'b';
+  own[0x1000] = 'c';
+  for (char* const each : {view, own}) {
+    EXPECT_EQ(ErrorOf(VirtualUnlock(each + 1, 0x5000)),
+              UnderWine() ? ERROR_SUCCESS : ERROR_NOT_LOCKED);
+  }
+  EXPECT_EQ(own[0x1000], 'c');
+
+  const HANDLE process = OpenProcess(PROCESS_VM_READ, FALSE, GetCurrentProcessId());
+  std::string copy(0x3000, 0);
+  SIZE_T read = 0;
+  EXPECT_TRUE(ReadProcessMemory(process, view, copy.data(), copy.size(), &read));
+  EXPECT_EQ(read, copy.size());
+  EXPECT_EQ(copy, std::string(0x2000, 'a') + 'b' + std::string(0xFFF, 'a'));
+  std::error_code refused;  // as Windows does
+  std::filesystem::resize_file(folder.Path() / "file", 0x1000, refused);
+  if (!refused) {
+    EXPECT_EQ(ErrorOf(ReadProcessMemory(process, view, copy.data(), copy.size(), &read)),
+              ERROR_PARTIAL_COPY);
+    EXPECT_EQ(read, 0x1000u);
+  }
+  EXPECT_EQ(ErrorOf(ReadProcessMemory(mapping, view, copy.data(), 1, nullptr)),
+            ERROR_INVALID_HANDLE);
+  CloseHandle(process);
+  UnmapViewOfFile(own);
+  UnmapViewOfFile(view);
+}
+
 }  // namespace

@@ -2,8 +2,10 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <map>
@@ -34,6 +36,7 @@ class Mapping : public KernelObject {
 
 struct View {
   std::size_t size;
+  bool isShared;  // with the file: nothing is in its pages alone
   std::shared_ptr<Mapping> mapping;
 };
 
@@ -52,10 +55,22 @@ class ViewTable {
   View Take(const void* begin) {
     const std::lock_guard lock(m_mutex);
     const auto found = m_views.find(begin);
-    if (found == m_views.end()) return {0, nullptr};
+    if (found == m_views.end()) return {0, false, nullptr};
     View view = std::move(found->second);
     m_views.erase(found);
     return view;
+  }
+  // The pages of a part of a view go, and come back from the file.
+  void DropPages(std::uintptr_t begin, std::size_t size) {
+    const std::lock_guard lock(m_mutex);
+    auto view = m_views.upper_bound(reinterpret_cast<const void*>(begin));
+    if (view == m_views.begin()) return;
+    --view;
+    const auto first = reinterpret_cast<std::uintptr_t>(view->first);
+    if (!view->second.isShared || begin - first >= view->second.size) return;
+    const std::size_t rest = view->second.size - (begin - first);
+    const std::uintptr_t page = begin - begin % static_cast<std::uintptr_t>(getpagesize());
+    madvise(reinterpret_cast<void*>(page), begin - page + std::min(size, rest), MADV_DONTNEED);
   }
 
  private:
@@ -111,16 +126,17 @@ std::shared_ptr<Mapping> FindMapping(HANDLE handle) {
 LPVOID MapView(std::shared_ptr<Mapping> mapping, DWORD access, std::uint64_t offset,
                std::uint64_t size) {
   const bool writes = (access & (FILE_MAP_WRITE | FILE_MAP_COPY)) != 0;
-  const int flags = (access & FILE_MAP_WRITE) != 0 ? MAP_SHARED : MAP_PRIVATE;
+  const bool isShared = !writes || (access & FILE_MAP_WRITE) != 0;
   struct stat status;
   const bool known = fstat(mapping->file, &status) == 0;
   if (!known || static_cast<std::uint64_t>(status.st_size) < offset + size) {
     return Fail<LPVOID>(ERROR_FILE_INVALID);
   }
-  void* const view = mmap(nullptr, size, writes ? PROT_READ | PROT_WRITE : PROT_READ,
-                          writes ? flags : MAP_SHARED, mapping->file, static_cast<off_t>(offset));
+  void* const view =
+      mmap(nullptr, size, writes ? PROT_READ | PROT_WRITE : PROT_READ,
+           isShared ? MAP_SHARED : MAP_PRIVATE, mapping->file, static_cast<off_t>(offset));
   if (view == MAP_FAILED) return Fail<LPVOID>(ERROR_NOT_ENOUGH_MEMORY);
-  ViewTable::Get().Add(view, {size, std::move(mapping)});
+  ViewTable::Get().Add(view, {size, isShared, std::move(mapping)});
   return view;
 }
 
@@ -167,4 +183,9 @@ BOOL WINAPI UnmapViewOfFile(LPCVOID begin) {
   if (view.size == 0) return Fail(ERROR_INVALID_ADDRESS);
   munmap(const_cast<void*>(begin), view.size);
   return TRUE;
+}
+
+BOOL WINAPI VirtualUnlock(LPVOID address, SIZE_T size) {
+  winapi::ViewTable::Get().DropPages(reinterpret_cast<std::uintptr_t>(address), size);
+  return Fail(ERROR_NOT_LOCKED);
 }
