@@ -7,6 +7,7 @@
 #include <boost/smart_ptr/make_shared_object.hpp>
 #include <cstddef>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <new>
@@ -51,30 +52,48 @@ struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-// The bytes of a file, block by block. A block begins with a size and grows while the file goes on.
+// The bytes of a file, block by block. A block is as long as the file; where that isn't known, as
+// for a pipe, it begins with a size and grows while the file goes on.
 class BlockReader {
  public:
   BlockReader(std::FILE* file, int firstSize)
-      : m_file(file), m_block(static_cast<std::size_t>(std::clamp(firstSize, 1, 1 << 20))) {}
+      : m_file(file), m_capacity(static_cast<std::size_t>(std::clamp(firstSize, 1, 1 << 20))) {
+    if (std::fseek(file, 0, SEEK_END) == 0) {
+      const long length = std::ftell(file);
+      std::rewind(file);
+      // One byte more, so that the end is seen with the first block.
+      if (length > 0) m_capacity = std::min(static_cast<std::size_t>(length) + 1, kMaxBlock);
+    }
+    m_block = std::make_unique_for_overwrite<char[]>(m_capacity);
+  }
 
   // False where the file can't be read.
   bool Read() {
     m_size = 0;
     for (;;) {
-      m_size += std::fread(m_block.data() + m_size, 1, m_block.size() - m_size, m_file);
-      m_last = m_size < m_block.size();
+      m_size += std::fread(m_block.get() + m_size, 1, m_capacity - m_size, m_file);
+      m_last = m_size < m_capacity;
       if (m_last) return std::ferror(m_file) == 0;
-      if (m_block.size() == kMaxBlock) return true;
-      m_block.resize(std::min(2 * m_block.size(), kMaxBlock));
+      if (m_capacity == kMaxBlock) return true;
+      Grow();
     }
   }
-  const char* Bytes() const { return m_block.data(); }
+  const char* Bytes() const { return m_block.get(); }
   int Size() const { return static_cast<int>(m_size); }
   bool IsLast() const { return m_last; }
 
  private:
+  void Grow() {
+    const std::size_t capacity = std::min(2 * m_capacity, kMaxBlock);
+    auto block = std::make_unique_for_overwrite<char[]>(capacity);
+    std::memcpy(block.get(), m_block.get(), m_size);
+    m_block = std::move(block);
+    m_capacity = capacity;
+  }
+
   std::FILE* m_file;
-  std::vector<char> m_block;
+  std::size_t m_capacity;
+  std::unique_ptr<char[]> m_block;
   std::size_t m_size = 0;
   bool m_last = false;
 };
