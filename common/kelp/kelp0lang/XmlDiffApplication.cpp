@@ -5,31 +5,90 @@
 #include <utility>
 
 #include "kelp0lang/LegacyNumber.h"
+#include "kelp0lang/XmlDiffIndex.h"
 #include "kelp0lang/XmlDiffManager.h"
 
 namespace kelp {
 namespace {
 
 using Children = decltype(CGenericXmlElement::m_Children);
-// Places of children, the least one in front.
-using Places = std::vector<std::size_t>;
-constexpr std::greater<> kLeastFirst;
-
-void AddPlace(Places& places, std::size_t place) {
-  places.push_back(place);
-  std::push_heap(places.begin(), places.end(), kLeastFirst);
-}
-
-// The least place for which the test holds. Places before it for which it doesn't hold are dropped.
-template <class Test>
-std::size_t* FirstPlace(Places& places, Test test) {
-  while (!places.empty()) {
-    if (test(places.front())) return &places.front();
-    std::pop_heap(places.begin(), places.end(), kLeastFirst);
-    places.pop_back();
+// Places of children, of which the least is wanted. The first of them takes no memory of its own,
+// since most keys have one child.
+class Places {
+ public:
+  void Add(std::size_t place) {
+    if (m_least == kNone) {
+      m_least = place;
+      return;
+    }
+    m_others.push_back(std::max(m_least, place));
+    std::push_heap(m_others.begin(), m_others.end(), std::greater<>());
+    m_least = std::min(m_least, place);
   }
-  return nullptr;
-}
+
+  // The least place for which the test holds. Places before it for which it doesn't hold are
+  // dropped.
+  template <class Test>
+  const std::size_t* First(Test test) {
+    while (m_least != kNone && !test(m_least)) DropLeast();
+    return m_least == kNone ? nullptr : &m_least;
+  }
+
+ private:
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+  void DropLeast() {
+    m_least = kNone;
+    if (m_others.empty()) return;
+    std::pop_heap(m_others.begin(), m_others.end(), std::greater<>());
+    m_least = m_others.back();
+    m_others.pop_back();
+  }
+
+  std::size_t m_least = kNone;
+  std::vector<std::size_t> m_others;  // a heap, the least one in front
+};
+
+// Places by keys that are texts.
+template <class Key>
+class PlacesByKey {
+ public:
+  explicit PlacesByKey(std::size_t count = 0) : m_numbers(count) { m_entries.reserve(count); }
+
+  // The number of a key; kNone where there is none.
+  std::int32_t Find(const Key& key) const {
+    return m_numbers.Find(HashOf(key), [&](std::int32_t number) { return KeyAt(number) == key; });
+  }
+  // The same; a key that isn't there is added.
+  std::int32_t FindOrAdd(Key key) {
+    const auto next = static_cast<std::int32_t>(m_entries.size());
+    const std::int32_t number = m_numbers.FindOrAdd(
+        HashOf(key), next, [&](std::int32_t other) { return KeyAt(other) == key; });
+    if (number == next) m_entries.push_back({std::move(key), {}});
+    return number;
+  }
+  Places& At(std::int32_t number) { return m_entries[static_cast<std::size_t>(number)].places; }
+
+  static constexpr std::int32_t kNone = detail::HashedNumbers::kNone;
+
+ private:
+  struct Entry {
+    Key key;
+    Places places;
+  };
+
+  static std::size_t HashOf(const WString& text) { return std::hash<WString>()(text); }
+  static std::size_t HashOf(const std::pair<WString, WString>& key) {
+    constexpr std::size_t kFactor = 0x9E3779B97F4A7C15u;
+    return HashOf(key.first) * kFactor + HashOf(key.second);
+  }
+  const Key& KeyAt(std::int32_t number) const {
+    return m_entries[static_cast<std::size_t>(number)].key;
+  }
+
+  std::vector<Entry> m_entries;
+  detail::HashedNumbers m_numbers;
+};
 
 }  // namespace
 
@@ -57,9 +116,9 @@ class CXmlDiffManager::CEditedLayout {
     // there is none.
     const std::size_t* Find(const WString& tag, const WString& id) {
       if (!m_isBuilt) Build();
-      const auto found = m_places.find({tag, id});
-      if (found == m_places.end()) return nullptr;
-      return FirstPlace(found->second, [&](std::size_t place) {
+      const std::int32_t found = m_places.Find({tag, id});
+      if (found == m_places.kNone) return nullptr;
+      return m_places.At(found).First([&](std::size_t place) {
         const CGenericXmlElement* const child = At(place);
         return child != nullptr && (id.empty() || GetXmlElementId(*child) == id);
       });
@@ -80,7 +139,7 @@ class CXmlDiffManager::CEditedLayout {
     void Renamed(std::size_t place) {
       const CGenericXmlElement& child = *At(place);
       const WString id = GetXmlElementId(child);
-      if (!id.empty()) AddPlace(m_places[{child.m_sTag, id}], place);
+      if (!id.empty()) AddPlace(child.m_sTag, id, place);
     }
     // Closes the gaps.
     void Settle() {
@@ -91,29 +150,24 @@ class CXmlDiffManager::CEditedLayout {
     void Sort(const std::vector<WString>& ids);
 
    private:
-    using TKey = std::pair<WString, WString>;
-    struct HashKey {
-      std::size_t operator()(const TKey& key) const {
-        constexpr std::size_t kFactor = 0x9E3779B97F4A7C15u;
-        return std::hash<WString>()(key.first) * kFactor + std::hash<WString>()(key.second);
-      }
-    };
-
     void Build() {
       m_isBuilt = true;
-      m_places.clear();
+      m_places = PlacesByKey<std::pair<WString, WString>>(m_parent->m_Children.size());
       for (std::size_t place = 0; place < m_parent->m_Children.size(); ++place) {
         Add(*At(place), place);
       }
     }
     void Add(const CGenericXmlElement& child, std::size_t place) {
-      AddPlace(m_places[{child.m_sTag, WString()}], place);
+      AddPlace(child.m_sTag, WString(), place);
       const WString id = GetXmlElementId(child);
-      if (!id.empty()) AddPlace(m_places[{child.m_sTag, id}], place);
+      if (!id.empty()) AddPlace(child.m_sTag, id, place);
+    }
+    void AddPlace(const WString& tag, const WString& id, std::size_t place) {
+      m_places.At(m_places.FindOrAdd({tag, id})).Add(place);
     }
 
     CGenericXmlElement* m_parent;
-    std::unordered_map<TKey, Places, HashKey> m_places;
+    PlacesByKey<std::pair<WString, WString>> m_places;
     bool m_hasGaps = false;
     bool m_isBuilt = false;  // the places, for the first search since children have moved
   };
@@ -169,28 +223,23 @@ void CXmlDiffManager::CEditedLayout::CSiblings::Sort(const std::vector<WString>&
   m_isBuilt = false;
   Children& children = m_parent->m_Children;
   // Each id as a number, by which the places of its children are kept.
-  std::unordered_map<WString, std::size_t> numbers;
-  std::vector<Places> places;
-  std::vector<std::size_t> numberAt;
+  PlacesByKey<WString> places(children.size());
+  std::vector<std::int32_t> numberAt;
+  numberAt.reserve(children.size());
   for (std::size_t place = 0; place < children.size(); ++place) {
-    const std::size_t number =
-        numbers.try_emplace(GetXmlElementId(*children[place]), places.size()).first->second;
-    if (number == places.size()) places.emplace_back();
-    places[number].push_back(place);
-    numberAt.push_back(number);
+    numberAt.push_back(places.FindOrAdd(GetXmlElementId(*children[place])));
+    places.At(numberAt.back()).Add(place);
   }
   for (std::size_t place = 0; place < std::min(children.size(), ids.size()); ++place) {
-    const auto wanted = numbers.find(ids[place]);
-    if (wanted == numbers.end()) continue;
-    const std::size_t number = wanted->second;
-    const std::size_t* const from = FirstPlace(places[number], [&](std::size_t candidate) {
-      return candidate >= place && numberAt[candidate] == number;
-    });
+    const std::int32_t number = places.Find(ids[place]);
+    if (number == places.kNone) continue;
+    const std::size_t* const from = places.At(number).First(
+        [&](std::size_t candidate) { return candidate >= place && numberAt[candidate] == number; });
     if (from == nullptr || *from == place) continue;
     const std::size_t source = *from;
     std::swap(children[place], children[source]);
     std::swap(numberAt[place], numberAt[source]);
-    AddPlace(places[numberAt[source]], source);
+    places.At(numberAt[source]).Add(source);
   }
 }
 

@@ -2,12 +2,13 @@
 // tag, id and class.
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <climits>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string_view>
 
+#include "kelp0lang/XmlDiffIndex.h"
 #include "kelp0lang/XmlDiffManager.h"
 
 namespace kelp {
@@ -48,8 +49,6 @@ WString CleanContent(const WChar* text) {
   return clean.Trim();
 }
 
-constexpr std::int32_t kFree = -1;
-
 std::size_t Mix(std::size_t hash, WideView text) {
   constexpr std::size_t kFactor = 0x9E3779B97F4A7C15u;
   return (hash ^ std::hash<WideView>()(text)) * kFactor;
@@ -75,16 +74,14 @@ class CXmlDiffManager::CChildIndex {
     WideView id;
     WideView className;
   };
-  using Slots = std::vector<std::int32_t>;
 
   static bool Matches(const Child& child, const Child& wanted, unsigned kind);
   static std::size_t HashOf(const Child& child, unsigned kind);
-  const Slots& SlotsOf(unsigned kind) const;
-  std::size_t SlotFor(const Slots& slots, const Child& wanted, unsigned kind) const;
+  const detail::HashedNumbers& PlacesOf(unsigned kind) const;
 
   std::vector<Child> m_children;
-  // For each kind, made for the first search: the first child of each key, -1 in a free slot.
-  mutable std::array<Slots, kKinds> m_slots;
+  // For each kind, made for the first search: the place of the first child of each key.
+  mutable std::array<std::optional<detail::HashedNumbers>, kKinds> m_places;
 };
 
 CXmlDiffManager::CChildIndex::CChildIndex(const sarn::XmlElement& parent) {
@@ -99,8 +96,10 @@ CXmlDiffManager::CChildIndex::CChildIndex(const sarn::XmlElement& parent) {
 int CXmlDiffManager::CChildIndex::Find(WideView tag, WideView id, WideView className) const {
   if (m_children.empty()) return -1;
   const unsigned kind = (id.empty() ? kTag : kId) | (className.empty() ? kTag : kClass);
-  const Slots& slots = SlotsOf(kind);
-  return slots[SlotFor(slots, {tag, id, className}, kind)];
+  const Child wanted{tag, id, className};
+  return PlacesOf(kind).Find(HashOf(wanted, kind), [&](std::int32_t place) {
+    return Matches(m_children[static_cast<std::size_t>(place)], wanted, kind);
+  });
 }
 
 bool CXmlDiffManager::CChildIndex::Matches(const Child& child, const Child& wanted, unsigned kind) {
@@ -112,30 +111,21 @@ std::size_t CXmlDiffManager::CChildIndex::HashOf(const Child& child, unsigned ki
   std::size_t hash = Mix(0, child.tag);
   if ((kind & kId) != 0) hash = Mix(hash, child.id);
   if ((kind & kClass) != 0) hash = Mix(hash, child.className);
-  return hash ^ hash >> 32;
+  return hash;
 }
 
-const CXmlDiffManager::CChildIndex::Slots& CXmlDiffManager::CChildIndex::SlotsOf(
-    unsigned kind) const {
-  Slots& slots = m_slots[kind];
-  if (!slots.empty()) return slots;
-  slots.assign(std::bit_ceil(2 * m_children.size()), kFree);
+const detail::HashedNumbers& CXmlDiffManager::CChildIndex::PlacesOf(unsigned kind) const {
+  std::optional<detail::HashedNumbers>& places = m_places[kind];
+  if (places) return *places;
+  places.emplace(m_children.size());
   for (std::size_t place = 0; place < m_children.size(); ++place) {
-    std::int32_t& slot = slots[SlotFor(slots, m_children[place], kind)];
-    if (slot == kFree) slot = static_cast<std::int32_t>(place);
+    const Child& child = m_children[place];
+    places->FindOrAdd(HashOf(child, kind), static_cast<std::int32_t>(place),
+                      [&](std::int32_t other) {
+                        return Matches(m_children[static_cast<std::size_t>(other)], child, kind);
+                      });
   }
-  return slots;
-}
-
-// That of the child with the key, or the free one where it belongs.
-std::size_t CXmlDiffManager::CChildIndex::SlotFor(const Slots& slots, const Child& wanted,
-                                                  unsigned kind) const {
-  const std::size_t mask = slots.size() - 1;
-  std::size_t slot = HashOf(wanted, kind) & mask;
-  while (slots[slot] != kFree && !Matches(m_children[slots[slot]], wanted, kind)) {
-    slot = (slot + 1) & mask;
-  }
-  return slot;
+  return *places;
 }
 
 bool CXmlDiffManager::GenerateDiffRules(const boost::shared_ptr<const sarn::XmlElement>& first,

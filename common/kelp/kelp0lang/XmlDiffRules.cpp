@@ -52,11 +52,21 @@ void AddWord(Words& words, const WString& word) {
 // An id that is empty stands as "-1", a tag never is.
 template <class Take>
 void SplitWords(const WChar* text, Take take) {
-  const CSarnStringT<WChar> words(text);
-  int position = 0;
-  for (auto word = words.Tokenize(KTEXT(" "), position, false); position != -1;
-       word = words.Tokenize(KTEXT(" "), position, false)) {
-    take(WString(word.c_str()));
+  Words word;
+  for (const WChar* end = text; *end != 0;) {
+    const WChar* const begin = end;
+    while (*end != 0 && *end != KTEXT(' ')) ++end;
+    word.assign(begin, end);
+    if (!word.empty()) take(WString(word.c_str()));
+    while (*end == KTEXT(' ')) ++end;
+  }
+}
+
+// A path is mostly that of the rule before, but for its end, and shares the texts with it.
+void ShareTexts(CXmlDiffManager::TPath& path, const CXmlDiffManager::TPath& before) {
+  for (std::size_t level = 0; level < std::min(path.size(), before.size()); ++level) {
+    if (path[level] != before[level]) return;
+    path[level] = before[level];
   }
 }
 
@@ -189,6 +199,7 @@ class CXmlDiffManager::CXmlDiffRulesImporter : public sarn::XmlExpatHybridParser
       }
       isTag = !isTag;
     });
+    if (!m_pRules->empty()) ShareTexts(rule->m_ParentTags, m_pRules->back()->m_ParentTags);
     rule->m_sElementId = element->getOptChildContent(kElementId, KTEXT(""));
     VisitRule(*rule, [&element](auto& typed) { ReadFields(typed, *element); });
     m_pRules->push_back(std::move(rule));
