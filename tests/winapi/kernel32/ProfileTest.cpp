@@ -45,7 +45,7 @@ class Profile : public testing::Test {
 TEST_F(Profile, ReadsByNamesWithoutRegardToCaseAndBlanks) {
   const std::string text =
       "stray=0\r\n[One]\r\n a = first \r\nA=second\n;c=comment\n\n  ;d=4\nno value\nb=\"x y \"\n"
-      "q='s\"'\nh=\"open\ne=\"\nempty=\n [ Two ] rest\nEq=1=2;3\nlast=end";
+      "q='s\"'\nh=\"open\ne=\"\nempty=\n[ONE]\nlate=1\n [ Two ] rest\nEq=1=2;3\nlast=end";
   struct Case {
     const WCHAR* section;
     const WCHAR* key;
@@ -59,7 +59,7 @@ TEST_F(Profile, ReadsByNamesWithoutRegardToCaseAndBlanks) {
       {WTEXT("One"), WTEXT("d"), WTEXT("?")},      {WTEXT("One"), WTEXT("stray"), WTEXT("?")},
       {WTEXT("two"), WTEXT("eq"), WTEXT("1=2;3")}, {WTEXT("Two"), WTEXT("last"), WTEXT("end")},
       {WTEXT("Two"), WTEXT("a"), WTEXT("?")},      {WTEXT("None"), WTEXT("a"), WTEXT("?")},
-      {WTEXT("Two\nEq"), WTEXT("a"), WTEXT("?")},
+      {WTEXT("Two\nEq"), WTEXT("a"), WTEXT("?")},  {WTEXT("One"), WTEXT("late"), WTEXT("?")},
   };
   for (const std::string& bytes : {text, Utf16(text)}) {
     Write(bytes);
@@ -68,6 +68,9 @@ TEST_F(Profile, ReadsByNamesWithoutRegardToCaseAndBlanks) {
     }
   }
   EXPECT_EQ(Get(WTEXT("One"), WTEXT("none"), WTEXT(" d  ")), WTEXT(" d"));
+  Write(Utf16("[\xC9t\xE9]\nqualit\xE0=high\n"));
+  EXPECT_EQ(Get(WTEXT("\u00E9T\u00C9"), WTEXT("QUALIT\u00C0")), WTEXT("high"));
+  EXPECT_EQ(Get(WTEXT("\u00E9T\u00C9"), WTEXT("QUALIT\u00C8")), WTEXT("?"));
 }
 
 TEST_F(Profile, ListsNamesWithTwoTerminators) {

@@ -2,8 +2,10 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
 #include <climits>
+#include <cstdint>
 #include <list>
 #include <memory>
 #include <mutex>
@@ -11,7 +13,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -27,34 +28,27 @@ namespace {
 using winapi::FileStamp;
 using winapi::ProfileLineKind;
 
-// Names are looked up by their folded form.
-void AppendFolded(std::u16string& text, std::u16string_view name) {
-  const std::size_t begin = text.size();
-  text += name;
-  char16_t bits = 0;
-  for (auto unit = text.begin() + static_cast<std::ptrdiff_t>(begin); unit != text.end(); ++unit) {
-    bits |= *unit;
-    if (*unit >= 'a' && *unit <= 'z') *unit -= 'a' - 'A';
-  }
-  if (bits < 0x80) return;
-  text.resize(begin);
-  text += FoldedName(name);
+// Of ASCII alone; of other letters FoldedName knows.
+constexpr char16_t Upper(char16_t unit) {
+  return unit >= 'a' && unit <= 'z' ? static_cast<char16_t>(unit - ('a' - 'A')) : unit;
 }
 
-std::u16string NameKey(std::u16string_view name) {
-  std::u16string folded;
-  AppendFolded(folded, name);
-  return folded;
+bool IsAscii(std::u16string_view name) {
+  return std::all_of(name.begin(), name.end(), [](char16_t unit) { return unit < 0x80; });
 }
 
-// No name of a file holds the end of a line, which so parts section and key.
-std::u16string ValueKey(std::u16string_view section, std::u16string_view key) {
-  std::u16string folded;
-  folded.reserve(section.size() + key.size() + 1);
-  AppendFolded(folded, section);
-  folded += u'\n';
-  AppendFolded(folded, key);
-  return folded;
+// A letter beyond ASCII never equals one of ASCII, so that names of ASCII need no folded form.
+bool IsSameName(std::u16string_view a, std::u16string_view b) {
+  const auto isSame = [](char16_t x, char16_t y) { return Upper(x) == Upper(y); };
+  if (std::equal(a.begin(), a.end(), b.begin(), b.end(), isSame)) return true;
+  return a.size() == b.size() && !IsAscii(a) && FoldedName(a) == FoldedName(b);
+}
+
+// The same for names that are the same: units beyond ASCII don't count.
+std::uint32_t HashOf(std::int32_t section, std::u16string_view name) {
+  auto hash = static_cast<std::uint32_t>(section);
+  for (const char16_t unit : name) hash = (hash ^ (unit < 0x80 ? Upper(unit) : 0)) * 16777619U;
+  return hash ^ hash >> 15;
 }
 
 // The parsed form of a file. Of sections and keys of one name the first counts.
@@ -62,50 +56,79 @@ class Profile {
  public:
   explicit Profile(std::u16string text) : m_text(std::move(text)) {
     std::u16string_view rest = m_text;
-    bool counts = false;
+    std::int32_t section = kNone;
     while (!rest.empty()) {
       const auto line = winapi::TakeProfileLine(rest);
       if (line.kind == ProfileLineKind::kSection) {
-        m_names.push_back({line.name, m_keys.size()});
-        counts = m_sections.try_emplace(NameKey(line.name), m_names.size() - 1).second;
-      } else if (line.kind == ProfileLineKind::kKey && !m_names.empty()) {
-        m_keys.push_back(line.name);
-        if (counts) m_values.try_emplace(ValueKey(m_names.back().name, line.name), line.value);
+        section = static_cast<std::int32_t>(m_entries.size());
+        m_entries.push_back({line.name, {}, kNone, HashOf(kNone, line.name), kNone});
+      } else if (line.kind == ProfileLineKind::kKey && section != kNone) {
+        m_entries.push_back({line.name, line.value, section, HashOf(section, line.name), kNone});
       }
     }
+    Link();
   }
   Profile(const Profile&) = delete;
   Profile& operator=(const Profile&) = delete;
 
   const std::u16string_view* Find(std::u16string_view section, std::u16string_view key) const {
-    if (section.find(u'\n') != section.npos) return nullptr;
-    const auto found = m_values.find(ValueKey(section, key));
-    return found == m_values.end() ? nullptr : &found->second;
+    const std::int32_t at = Find(kNone, section);
+    const std::int32_t found = at == kNone ? kNone : Find(at, key);
+    return found == kNone ? nullptr : &EntryAt(found).value;
   }
   std::vector<std::u16string_view> Sections() const {
     std::vector<std::u16string_view> names;
-    for (const Section& section : m_names) names.push_back(section.name);
+    for (const Entry& entry : m_entries) {
+      if (entry.section == kNone) names.push_back(entry.name);
+    }
     return names;
   }
   std::vector<std::u16string_view> Keys(std::u16string_view section) const {
-    const auto found = m_sections.find(NameKey(section));
-    if (found == m_sections.end()) return {};
-    const std::size_t next = found->second + 1;
-    const std::size_t end = next < m_names.size() ? m_names[next].firstKey : m_keys.size();
-    return {m_keys.begin() + static_cast<std::ptrdiff_t>(m_names[found->second].firstKey),
-            m_keys.begin() + static_cast<std::ptrdiff_t>(end)};
+    std::vector<std::u16string_view> names;
+    const std::int32_t at = Find(kNone, section);
+    if (at == kNone) return names;
+    for (auto entry = m_entries.begin() + at + 1; entry != m_entries.end() && entry->section == at;
+         ++entry) {
+      names.push_back(entry->name);
+    }
+    return names;
   }
 
  private:
-  struct Section {
+  static constexpr std::int32_t kNone = -1;
+  // A section or, behind it, one of its keys. The names lie in the text and aren't copied.
+  struct Entry {
     std::u16string_view name;
-    std::size_t firstKey;
+    std::u16string_view value;
+    std::int32_t section;  // where that of a key stands
+    std::uint32_t hash;
+    std::int32_t next;  // the entry behind this one in its list
   };
+
+  const Entry& EntryAt(std::int32_t at) const { return m_entries[static_cast<std::size_t>(at)]; }
+  std::size_t ListOf(std::uint32_t hash) const { return hash & (m_lists.size() - 1); }
+
+  // From the back on, so that the first of one name is the first in its list.
+  void Link() {
+    m_lists.assign(std::bit_ceil(m_entries.size() + 1), kNone);
+    for (auto at = static_cast<std::int32_t>(m_entries.size()) - 1; at >= 0; --at) {
+      Entry& entry = m_entries[static_cast<std::size_t>(at)];
+      entry.next = std::exchange(m_lists[ListOf(entry.hash)], at);
+    }
+  }
+  std::int32_t Find(std::int32_t section, std::u16string_view name) const {
+    const std::uint32_t hash = HashOf(section, name);
+    std::int32_t at = m_lists[ListOf(hash)];
+    for (; at != kNone; at = EntryAt(at).next) {
+      const Entry& entry = EntryAt(at);
+      if (entry.hash == hash && entry.section == section && IsSameName(entry.name, name)) break;
+    }
+    return at;
+  }
+
   const std::u16string m_text;
-  std::vector<Section> m_names;
-  std::vector<std::u16string_view> m_keys;
-  std::unordered_map<std::u16string, std::size_t> m_sections;
-  std::unordered_map<std::u16string, std::u16string_view> m_values;
+  std::vector<Entry> m_entries;       // in the order of the file
+  std::vector<std::int32_t> m_lists;  // by the lowest bits of the hash, the first entry of each
 };
 
 using ProfilePointer = std::shared_ptr<const Profile>;
