@@ -26,6 +26,7 @@ using Lines = std::vector<std::string>;
 std::string ToTarget(std::string_view object) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
   std::string target;
+  target.reserve(object.size() + 1);
   if (!object.starts_with('/')) target = "/";
   for (const char c : object) {
     const auto byte = static_cast<unsigned char>(c);
@@ -90,6 +91,7 @@ void AddLine(Lines& lines, std::string line, DWORD flags) {
 // The headers that a request has from its start.
 Lines OwnHeaders(LPCSTR referer, LPCSTR* acceptTypes, DWORD flags) {
   Lines lines;
+  lines.reserve(8);
   std::string accepted;
   for (; acceptTypes != nullptr && *acceptTypes != nullptr; ++acceptTypes) {
     accepted += (accepted.empty() ? "" : ", ") + std::string(*acceptTypes);

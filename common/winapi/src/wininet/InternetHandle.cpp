@@ -1,7 +1,7 @@
 #include "wininet/InternetHandle.h"
 
+#include <algorithm>
 #include <cstdint>
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,10 +11,24 @@
 namespace winapi::internet {
 namespace {
 
+struct Entry {
+  HINTERNET handle;
+  std::shared_ptr<Object> object;
+};
+
+// In the order of their handles, which is that of their age.
 struct Table {
   std::mutex mutex;
-  std::map<HINTERNET, std::shared_ptr<Object>> objects;
+  std::vector<Entry> objects;
   std::uintptr_t last = 0;
+
+  // Null where there is none.
+  Entry* Find(HINTERNET handle) {
+    const auto found = std::lower_bound(
+        objects.begin(), objects.end(), handle,
+        [](const Entry& entry, HINTERNET sought) { return entry.handle < sought; });
+    return found == objects.end() || found->handle != handle ? nullptr : &*found;
+  }
 };
 
 // It outlives all threads and static objects.
@@ -23,21 +37,24 @@ Table& TheTable() {
   return table;
 }
 
-// Takes the object out, and all under it; children are always younger.
-void Take(Table& table, std::map<HINTERNET, std::shared_ptr<Object>>::iterator object,
-          std::vector<std::shared_ptr<Object>>& taken) {
-  const HINTERNET handle = object->first;
-  taken.push_back(std::move(object->second));
-  auto next = table.objects.erase(object);
-  while (next != table.objects.end()) {
-    if (next->second->parent != handle) {
-      ++next;
-      continue;
+// Takes the object out, and all under it; children are always younger, so that who is under a child
+// comes behind it.
+void Take(Table& table, Entry* object, std::vector<std::shared_ptr<Object>>& taken) {
+  std::vector<HINTERNET> handles;
+  const auto isTaken = [&](const Entry& entry) {
+    return &entry == object ||
+           std::find(handles.begin(), handles.end(), entry.object->parent) != handles.end();
+  };
+  auto kept = table.objects.begin() + (object - table.objects.data());
+  for (auto entry = kept; entry != table.objects.end(); ++entry) {
+    if (isTaken(*entry)) {
+      handles.push_back(entry->handle);
+      taken.push_back(std::move(entry->object));
+    } else {
+      *kept++ = std::move(*entry);
     }
-    const HINTERNET child = next->first;
-    Take(table, next, taken);
-    next = table.objects.upper_bound(child);
   }
+  table.objects.erase(kept, table.objects.end());
 }
 
 }  // namespace
@@ -49,15 +66,14 @@ HINTERNET AddObject(std::shared_ptr<Object> object) {
   const std::lock_guard lock(table.mutex);
   table.last += kStep;
   const auto handle = reinterpret_cast<HINTERNET>(table.last);
-  table.objects.emplace(handle, std::move(object));
+  table.objects.push_back({handle, std::move(object)});
   return handle;
 }
 
 std::shared_ptr<Object> FindObject(HINTERNET handle) {
   Table& table = TheTable();
   const std::lock_guard lock(table.mutex);
-  const auto found = table.objects.find(handle);
-  if (found != table.objects.end()) return found->second;
+  if (const Entry* const found = table.Find(handle)) return found->object;
   SetLastError(ERROR_INVALID_HANDLE);
   return nullptr;
 }
@@ -68,8 +84,8 @@ bool CloseObject(HINTERNET handle) {
   {
     Table& table = TheTable();
     const std::lock_guard lock(table.mutex);
-    const auto found = table.objects.find(handle);
-    if (found == table.objects.end()) return Fail(ERROR_INVALID_HANDLE);
+    Entry* const found = table.Find(handle);
+    if (found == nullptr) return Fail(ERROR_INVALID_HANDLE);
     Take(table, found, taken);
   }
   for (const auto& object : taken) object->Abandon();

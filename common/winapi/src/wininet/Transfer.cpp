@@ -54,12 +54,13 @@ Transfer::Transfer(const RequestPlan& plan, const Options& options, std::uint64_
 }
 
 Transfer::~Transfer() {
-  {
+  if (m_isLeft) {
+    curl_multi_remove_handle(m_place.multi, m_place.easy);
+  } else {
     const SigPipeGuard guard;
     curl_multi_remove_handle(m_place.multi, m_place.easy);
   }
   GivePlaceBack(std::move(m_place));
-  curl_slist_free_all(m_headers);
 }
 
 void Transfer::Start() {
@@ -69,7 +70,24 @@ void Transfer::Start() {
 
 void Transfer::SetUp(const RequestPlan& plan) {
   CURL* const easy = m_place.easy;
+  const std::string store = CertificateStore();
+  const auto& last = m_place.setUp;
+  const bool isSame = last && last->certificateStore == store &&
+                      last->connectTimeOut == m_timeOuts.connect && last->plan.IsLike(plan);
+  if (!isSame) SetUpAnew(plan, store);
   curl_easy_setopt(easy, CURLOPT_URL, plan.url.c_str());
+  curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
+  curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+  curl_easy_setopt(easy, CURLOPT_READDATA, this);
+  curl_easy_setopt(easy, CURLOPT_SEEKDATA, this);
+}
+
+void Transfer::SetUpAnew(const RequestPlan& plan, const std::string& store) {
+  CURL* const easy = m_place.easy;
+  m_place.setUp.reset();
+  // A reset forgets the names of cookie files without freeing them.
+  curl_easy_setopt(easy, CURLOPT_COOKIEFILE, nullptr);
+  curl_easy_reset(easy);
   curl_easy_setopt(easy, CURLOPT_PATH_AS_IS, 1L);
   curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
   curl_easy_setopt(easy, CURLOPT_HTTP_VERSION,
@@ -92,25 +110,21 @@ void Transfer::SetUp(const RequestPlan& plan) {
   const bool cookies = (plan.flags & INTERNET_FLAG_NO_COOKIES) == 0;
   curl_easy_setopt(easy, CURLOPT_SHARE, cookies ? SharedCookies() : nullptr);
   if (cookies) curl_easy_setopt(easy, CURLOPT_COOKIEFILE, "");
-  SetUpSecurity(plan);
+  SetUpSecurity(plan, store);
   SetUpHeaders(plan);
 
   curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &OnHeader);
-  curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
   curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &OnBody);
-  curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
   curl_easy_setopt(easy, CURLOPT_READFUNCTION, &OnRead);
-  curl_easy_setopt(easy, CURLOPT_READDATA, this);
   curl_easy_setopt(easy, CURLOPT_SEEKFUNCTION, &OnSeek);
-  curl_easy_setopt(easy, CURLOPT_SEEKDATA, this);
+  m_place.setUp = {plan, store, m_timeOuts.connect};
 }
 
-void Transfer::SetUpSecurity(const RequestPlan& plan) {
+void Transfer::SetUpSecurity(const RequestPlan& plan, const std::string& store) {
   CURL* const easy = m_place.easy;
   const bool mayLeave = !m_isSecure || (plan.flags & INTERNET_FLAG_IGNORE_REDIRECT_TO_HTTP) != 0;
   curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
   curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, mayLeave ? "http,https" : "https");
-  const std::string store = CertificateStore();
   if (store.empty()) return;
   curl_easy_setopt(easy, CURLOPT_CAINFO, store.c_str());
   curl_easy_setopt(easy, CURLOPT_CAPATH, nullptr);
@@ -120,10 +134,11 @@ void Transfer::SetUpHeaders(const RequestPlan& plan) {
   // libcurl sends these by itself unless they are named without a value.
   bool has[] = {false, false, false};
   constexpr const char* kOwn[] = {"Accept:", "Content-Type:", "Expect:"};
+  curl_slist_free_all(std::exchange(m_place.headers, nullptr));
   const auto add = [this](const std::string& line) {
-    curl_slist* const longer = curl_slist_append(m_headers, line.c_str());
+    curl_slist* const longer = curl_slist_append(m_place.headers, line.c_str());
     if (longer == nullptr) throw std::bad_alloc();
-    m_headers = longer;
+    m_place.headers = longer;
   };
   for (const std::string& line : plan.headers) {
     for (std::size_t i = 0; i < std::size(kOwn); ++i) {
@@ -137,7 +152,7 @@ void Transfer::SetUpHeaders(const RequestPlan& plan) {
   for (std::size_t i = 0; i < std::size(kOwn); ++i) {
     if (!has[i]) add(kOwn[i]);
   }
-  curl_easy_setopt(m_place.easy, CURLOPT_HTTPHEADER, m_headers);
+  curl_easy_setopt(m_place.easy, CURLOPT_HTTPHEADER, m_place.headers);
 }
 
 void Transfer::SetUpAccounts(const RequestPlan& plan, const Options& options) {
@@ -150,18 +165,21 @@ void Transfer::SetUpAccounts(const RequestPlan& plan, const Options& options) {
     curl_easy_setopt(easy, CURLOPT_PASSWORD, options.account.password.c_str());
     curl_easy_setopt(easy, CURLOPT_HTTPAUTH, ways);
     m_hasAccount = m_isWhole;
+    m_place.setUp.reset();
   }
   if (!plan.proxy.empty() && !options.proxyAccount.user.empty()) {
     curl_easy_setopt(easy, CURLOPT_PROXYUSERNAME, options.proxyAccount.user.c_str());
     curl_easy_setopt(easy, CURLOPT_PROXYPASSWORD, options.proxyAccount.password.c_str());
     curl_easy_setopt(easy, CURLOPT_PROXYAUTH, ways);
     m_hasAccount = m_isWhole;
+    m_place.setUp.reset();
   }
 }
 
 void Transfer::SetUpVerb(const RequestPlan& plan, bool hasBody, std::uint64_t bodySize) {
   CURL* const easy = m_place.easy;
   const bool isPost = plan.verb == "POST";
+  if (hasBody || plan.verb != "GET") m_place.setUp.reset();
   if (hasBody || isPost) {
     curl_easy_setopt(easy, CURLOPT_POST, 1L);
     curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(bodySize));
@@ -184,55 +202,59 @@ void Transfer::ReadMessages() {
   int left = 0;
   while (const CURLMsg* const message = curl_multi_info_read(m_place.multi, &left)) {
     if (message->msg != CURLMSG_DONE) continue;
-    m_finished = true;
-    m_result = message->data.result;
+    m_isLeft = true;
+    End(message->data.result);
   }
 }
 
 // Moves the transfer on until what is waited for has come, it has ended, or nothing has moved for
-// the time. A connection that isn't made yet has its own time.
+// the time.
 template <class Done>
 bool Transfer::MoveUntil(Done done, DWORD timeOut) {
-  using std::chrono::steady_clock;
-  using Milliseconds = std::chrono::milliseconds;
-  constexpr Milliseconds kLongestStep{1000};
-  const bool isEndless = timeOut == 0 || timeOut == INFINITE;
+  if (done() || m_finished) return done();
   const SigPipeGuard guard;
-  m_lastMove = steady_clock::now();
-  while (!done() && !m_finished) {
+  m_lastMove = std::chrono::steady_clock::now();
+  for (;;) {
     int running = 0;
     curl_multi_perform(m_place.multi, &running);
     ReadMessages();
-    if (done() || m_finished) break;
-    if (m_cancelled) {
-      m_finished = true;
-      m_result = CURLE_ABORTED_BY_CALLBACK;
-      break;
-    }
-
-    Milliseconds step = kLongestStep;
-    curl_off_t connected = 0;
-    curl_easy_getinfo(m_place.easy, CURLINFO_PRETRANSFER_TIME_T, &connected);
-    if (!isEndless && connected > 0) {
-      const auto silence =
-          std::chrono::duration_cast<Milliseconds>(steady_clock::now() - m_lastMove);
-      if (silence >= Milliseconds(timeOut)) {
-        m_finished = true;
-        m_result = CURLE_OPERATION_TIMEDOUT;
-        break;
-      }
-      step = std::min(step, Milliseconds(timeOut) - silence);
-    }
-    int moved = 0;
-    curl_multi_poll(m_place.multi, nullptr, 0, static_cast<int>(step.count()), &moved);
-    if (moved > 0 || connected == 0) m_lastMove = steady_clock::now();
+    if (done() || m_finished) return done();
+    WaitForMove(timeOut);
+    if (m_finished) return false;
   }
-  return done();
+}
+
+// A while, until something can move; ends the transfer where it has been silent for the time. A
+// connection that isn't made yet has its own time.
+void Transfer::WaitForMove(DWORD timeOut) {
+  using std::chrono::steady_clock;
+  using Milliseconds = std::chrono::milliseconds;
+  Milliseconds step{1000};
+  curl_off_t connected = 0;
+  curl_easy_getinfo(m_place.easy, CURLINFO_PRETRANSFER_TIME_T, &connected);
+  const bool isEndless = timeOut == 0 || timeOut == INFINITE;
+  if (!isEndless && connected > 0) {
+    const auto silence = std::chrono::duration_cast<Milliseconds>(steady_clock::now() - m_lastMove);
+    if (silence >= Milliseconds(timeOut)) return End(CURLE_OPERATION_TIMEDOUT);
+    step = std::min(step, Milliseconds(timeOut) - silence);
+  }
+  int moved = 0;
+  m_isWaiting = true;
+  if (m_cancelled) return End(CURLE_ABORTED_BY_CALLBACK);
+  curl_multi_poll(m_place.multi, nullptr, 0, static_cast<int>(step.count()), &moved);
+  m_isWaiting = false;
+  if (m_cancelled) return End(CURLE_ABORTED_BY_CALLBACK);
+  if (moved > 0 || connected == 0) m_lastMove = steady_clock::now();
+}
+
+void Transfer::End(CURLcode result) {
+  m_finished = true;
+  m_result = result;
 }
 
 void Transfer::Cancel() {
   m_cancelled = true;
-  curl_multi_wakeup(m_place.multi);
+  if (m_isWaiting) curl_multi_wakeup(m_place.multi);
 }
 
 bool Transfer::Failed() const {

@@ -11,25 +11,13 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "wininet/AnswerHead.h"
 #include "wininet/InternetHandle.h"
+#include "wininet/RequestPlan.h"
 #include "wininet/TransferPool.h"
 
 namespace winapi::internet {
-
-// All that is known of a request before it is sent.
-struct RequestPlan {
-  std::string url;
-  std::string server;  // scheme, host and port: whom a kept connection leads to
-  std::string verb;
-  std::string agent;
-  std::string proxy;  // empty: none
-  bool http10 = false;
-  DWORD flags = 0;
-  std::vector<std::string> headers;  // lines without their end
-};
 
 class Transfer {
  public:
@@ -57,7 +45,8 @@ class Transfer {
  private:
   Transfer(const RequestPlan& plan, const Options& options);
   void SetUp(const RequestPlan& plan);
-  void SetUpSecurity(const RequestPlan& plan);
+  void SetUpAnew(const RequestPlan& plan, const std::string& store);
+  void SetUpSecurity(const RequestPlan& plan, const std::string& store);
   void SetUpHeaders(const RequestPlan& plan);
   void SetUpAccounts(const RequestPlan& plan, const Options& options);
   void SetUpVerb(const RequestPlan& plan, bool hasBody, std::uint64_t bodySize);
@@ -65,7 +54,9 @@ class Transfer {
 
   template <class Done>
   bool MoveUntil(Done done, DWORD timeOut);
+  void WaitForMove(DWORD timeOut);
   void ReadMessages();
+  void End(CURLcode result);
   void Resume();
   bool Failed() const;
   bool IsHeadFinal() const;
@@ -77,7 +68,6 @@ class Transfer {
   static int OnSeek(void* self, curl_off_t offset, int origin);
 
   TransferPlace m_place;
-  curl_slist* m_headers = nullptr;
   TimeOuts m_timeOuts;
   bool m_isSecure;
   bool m_follows;
@@ -96,7 +86,9 @@ class Transfer {
   bool m_paused = false;  // sending, receiving or both
   bool m_hasBody = false;
   bool m_finished = false;
+  bool m_isLeft = false;  // by libcurl, which has done all for it
   std::atomic<bool> m_cancelled{false};
+  std::atomic<bool> m_isWaiting{false};
   CURLcode m_result = CURLE_OK;
   std::chrono::steady_clock::time_point m_lastMove;
 };

@@ -50,8 +50,10 @@ Shared& TheShared() {
 
 void Close(TransferPlace& place) {
   const SigPipeGuard guard;
+  curl_easy_setopt(place.easy, CURLOPT_COOKIEFILE, nullptr);
   curl_easy_cleanup(place.easy);
   curl_multi_cleanup(place.multi);
+  curl_slist_free_all(place.headers);
 }
 
 }  // namespace
@@ -68,15 +70,12 @@ TransferPlace TakePlace(const std::string& server) {
       return place;
     }
   }
-  TransferPlace place{curl_multi_init(), curl_easy_init(), server};
+  TransferPlace place{curl_multi_init(), curl_easy_init(), server, {}, nullptr};
   curl_multi_setopt(place.multi, CURLMOPT_MAXCONNECTS, kKeptConnections);
   return place;
 }
 
 void GivePlaceBack(TransferPlace place) {
-  // A reset forgets the names of cookie files without freeing them.
-  curl_easy_setopt(place.easy, CURLOPT_COOKIEFILE, nullptr);
-  curl_easy_reset(place.easy);
   Shared& shared = TheShared();
   {
     const std::lock_guard lock(shared.mutex);
@@ -100,13 +99,14 @@ std::string CertificateStore() {
 
 SigPipeGuard::SigPipeGuard() {
   sigset_t pipe;
-  sigset_t pending;
   sigemptyset(&pipe);
   sigaddset(&pipe, SIGPIPE);
-  // One that is pending already is somebody else's, and blocked.
+  m_blocked = pthread_sigmask(SIG_BLOCK, &pipe, &m_before) == 0;
+  if (!m_blocked || sigismember(&m_before, SIGPIPE) == 0) return;
+  // Where the host had it blocked, one that is pending already is the host's.
+  sigset_t pending;
   sigpending(&pending);
-  m_blocked =
-      sigismember(&pending, SIGPIPE) == 0 && pthread_sigmask(SIG_BLOCK, &pipe, &m_before) == 0;
+  m_blocked = sigismember(&pending, SIGPIPE) == 0;
 }
 
 SigPipeGuard::~SigPipeGuard() {

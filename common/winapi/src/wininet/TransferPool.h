@@ -4,7 +4,10 @@
 #include <curl/curl.h>
 #include <signal.h>
 
+#include <optional>
 #include <string>
+
+#include "wininet/RequestPlan.h"
 
 namespace winapi::internet {
 
@@ -13,6 +16,16 @@ struct TransferPlace {
   CURLM* multi = nullptr;
   CURL* easy = nullptr;
   std::string server;  // that of the last transfer
+
+  // What the easy handle is set up for, so that a transfer like the last one needn't set up the
+  // same again; nothing where the next one begins anew.
+  struct SetUp {
+    RequestPlan plan;
+    std::string certificateStore;
+    DWORD connectTimeOut = 0;
+  };
+  std::optional<SetUp> setUp;
+  curl_slist* headers = nullptr;
 };
 
 // A place, best one that has talked to that server; null members where memory is out. Connections
