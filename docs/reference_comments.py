@@ -22,16 +22,15 @@ NO_DECLARATION = re.compile(r"^\s*(?:$|//|}|\{|#(?!define)|public:|protected:|pr
 DOCUMENTED = re.compile(r"^\s*[^\s#}].*[\w,;}]\s*$")
 # What tells for itself, and isn't spoken of by the comment of what stands before it.
 PLAIN = re.compile(r"=\s*(?:default|delete);|^\s*(?:virtual )?~\w+\(|^\s*friend class")
-# An exported class without a comment of its own: that at the top of its header is about it.
-EXPORTED = re.compile(r"^(?:class|struct) (?:KELP0LANG|SARNUTILS)_API \w+[^;]*$")
+# A class without a comment of its own: that at the top of its header is about it.
+CLASS = re.compile(r"^(?:class|struct) (?:(?:KELP0LANG|SARNUTILS)_API )?\w+[^;]*$")
 CODE = re.compile(r"[;{}]\s*(?://.*)?$")
 SCOPE = re.compile(r"\b(?:namespace|class|struct|enum|union)\b|extern \"C\"")
 
 
 def escaped(text):
-    # Within quotation marks Doxygen reads escapes in another way, and "file:" begins a link.
-    text = SPECIAL.sub(lambda match: "&quot;" if match.group() == '"' else "\\" + match.group(), text)
-    return text.replace("file:", "file<!-- -->:")
+    # Within quotation marks Doxygen reads escapes in another way.
+    return SPECIAL.sub(lambda match: "&quot;" if match.group() == '"' else "\\" + match.group(), text)
 
 
 def paragraphs(lines):
@@ -174,7 +173,9 @@ class Filter:
                 self.repeated = None
             elif not PLAIN.search(line):
                 self.emit(*self.repeated)
-        if EXPORTED.match(line) and not self.is_given:
+        head = self.lines[at + 1] if line.startswith("template <") else line
+        if CLASS.match(head) and not self.is_given and \
+                not (line is head and self.lines[at - 1].startswith("template <")):
             self.emit("", [f"Told with its family, {self.name}."])
         self.is_given = False
         place = trailing_comment(line)

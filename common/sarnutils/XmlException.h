@@ -30,7 +30,7 @@ class SARNUTILS_API XmlException : public std::exception {
   int getCode() const noexcept { return m_code; }
   // In English; may be empty.
   const sarn_text::CSarnStringT<WChar>& getText() const noexcept { return m_text; }
-  // "file:line: text" in UTF-8.
+  // "path:line: text" in UTF-8.
   const char* what() const noexcept override { return m_what.c_str(); }
 
  private:
