@@ -29,8 +29,9 @@ SCOPE = re.compile(r"\b(?:namespace|class|struct|enum|union)\b|extern \"C\"")
 
 
 def escaped(text):
-    # Within quotation marks Doxygen reads escapes in another way.
-    return SPECIAL.sub(lambda match: "&quot;" if match.group() == '"' else "\\" + match.group(), text)
+    # Within quotation marks Doxygen reads escapes in another way. A point there ends no sentence.
+    text = SPECIAL.sub(lambda match: "&quot;" if match.group() == '"' else "\\" + match.group(), text)
+    return text.replace("&quot;.&quot;", "&quot;\\.&quot;")
 
 
 def paragraphs(lines):
