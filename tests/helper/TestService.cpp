@@ -70,6 +70,7 @@ void WINAPI Run(DWORD count, LPWSTR* arguments) {
   stopped = CreateEventW(nullptr, TRUE, FALSE, nullptr);
   handle = RegisterServiceCtrlHandlerExW(arguments[0], &OnControl, nullptr);
   if (mode == "fail") {
+    Sleep(300);
     status.dwWin32ExitCode = ERROR_SERVICE_SPECIFIC_ERROR;
     status.dwServiceSpecificExitCode = 7;
     return Tell(SERVICE_STOPPED);
@@ -89,6 +90,7 @@ void WINAPI Run(DWORD count, LPWSTR* arguments) {
   Tell(SERVICE_RUNNING,
        SERVICE_ACCEPT_STOP | (mode == "pauses" ? SERVICE_ACCEPT_PAUSE_CONTINUE : 0u));
   WaitForSingleObject(stopped, INFINITE);
+  if (mode == "lingers") Sleep(1'500);
   Tell(SERVICE_STOPPED);
 }
 

@@ -6,6 +6,7 @@
 #include <winsvc.h>
 
 #include <filesystem>
+#include <random>
 #include <string>
 
 #include "tests/winapi/ErrorOf.h"
@@ -37,10 +38,10 @@ inline Wide Widen(const std::string& text) {
   return Wide(text.begin(), text.end());
 }
 
+// One that no run before has left, either.
 inline Wide NewServiceName() {
-  static int count = 0;
-  return Widen("kelp-test-" + std::to_string(GetCurrentProcessId()) + '-' +
-               std::to_string(++count));
+  std::random_device random;
+  return Widen("kelp-test-" + std::to_string(random()) + '-' + std::to_string(random()));
 }
 
 inline Wide TestServiceCommand(const Wide& arguments) {
@@ -62,6 +63,7 @@ class TestService {
   explicit TestService(const Wide& arguments, const WCHAR* needs = nullptr)
       : name(NewServiceName()), handle(Install(name, TestServiceCommand(arguments), needs)) {}
   ~TestService() {
+    if (handle == nullptr) return;
     Control(SERVICE_CONTROL_STOP);
     // One that doesn't stop.
     if (Await(SERVICE_STOPPED, 5'000).dwCurrentState != SERVICE_STOPPED) Control(200);
@@ -69,7 +71,14 @@ class TestService {
     DeleteService(handle);
   }
 
-  long Start() const { return ErrorOf(StartServiceW(handle, 0, nullptr)); }
+  long Start() const {
+    for (;;) {
+      const long error = ErrorOf(StartServiceW(handle, 0, nullptr));
+      // Somebody else's service is being started.
+      if (error != ERROR_SERVICE_DATABASE_LOCKED) return error;
+      Sleep(100);
+    }
+  }
   long Control(DWORD control) const {
     SERVICE_STATUS status;
     return ErrorOf(ControlService(handle, control, &status));

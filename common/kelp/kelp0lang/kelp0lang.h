@@ -46,6 +46,7 @@
 #include "kelp0lang/ReportLog.h"
 #include "kelp0lang/RunOnce.h"
 #include "kelp0lang/SafeFormat.h"
+#include "kelp0lang/ServiceControl.h"
 #include "kelp0lang/Sha.h"
 #include "kelp0lang/Singleton.h"
 #include "kelp0lang/SpecialFolder.h"

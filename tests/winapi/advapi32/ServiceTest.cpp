@@ -101,7 +101,12 @@ TEST(Service, RefusesWhatIsNone) {
                                         SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS,
                                         SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL, command.c_str(),
                                         nullptr, nullptr, nullptr, nullptr, nullptr));
-  EXPECT_EQ(ErrorOf(SC_HANDLE{display}), ERROR_DUPLICATE_SERVICE_NAME);
+  // Wine compares display names with display names alone.
+  if (UnderWine()) {
+    DeleteService(display);
+  } else {
+    EXPECT_EQ(ErrorOf(SC_HANDLE{display}), ERROR_DUPLICATE_SERVICE_NAME);
+  }
 }
 
 TEST(Service, AHandleHasTheRightsThatItWasOpenedWith) {
@@ -140,8 +145,9 @@ TEST(Service, AStartThatFailsSaysWhy) {
   EXPECT_EQ(dies.Start(), ERROR_SERVICE_REQUEST_TIMEOUT);
   EXPECT_EQ(dies.Status().dwCurrentState, DWORD{SERVICE_STOPPED});
 
+  // Wine waits for the service to run itself, and then has an error of a start.
   const TestService fails(WTEXT("fail"));
-  EXPECT_EQ(fails.Start(), ERROR_SUCCESS);
+  EXPECT_EQ(fails.Start(), UnderWine() ? ERROR_SERVICE_REQUEST_TIMEOUT : ERROR_SUCCESS);
   const SERVICE_STATUS_PROCESS failed = fails.Await(SERVICE_STOPPED);
   EXPECT_EQ(failed.dwCurrentState, DWORD{SERVICE_STOPPED});
   EXPECT_EQ(failed.dwWin32ExitCode, DWORD{ERROR_SERVICE_SPECIFIC_ERROR});
@@ -169,6 +175,8 @@ TEST(Service, APendingOneTellsHowFarItIsAndTakesNoControls) {
   EXPECT_EQ(last, 3u);
   EXPECT_EQ(slow.Status().dwCurrentState, DWORD{SERVICE_RUNNING});
 
+  // It doesn't notice either that a program has ended.
+  if (UnderWine()) return;
   const TempFolder folder;
   const TestService hangs(WTEXT("pending \"") + folder.Wide(WTEXT("end")) + WTEXT('"'));
   ASSERT_EQ(hangs.Start(), ERROR_SUCCESS);
@@ -186,7 +194,8 @@ TEST(Service, OneThatIgnoresItsStopRunsOn) {
   deaf.Await(SERVICE_RUNNING);
   EXPECT_EQ(deaf.Control(SERVICE_CONTROL_STOP), ERROR_SUCCESS);
   EXPECT_EQ(deaf.Status().dwCurrentState, DWORD{SERVICE_RUNNING});
-  // It ends without a word.
+  // It ends without a word, which Wine doesn't notice.
+  if (UnderWine()) return;
   EXPECT_NE(deaf.Control(200), ERROR_SUCCESS);
   const SERVICE_STATUS_PROCESS ended = deaf.Await(SERVICE_STOPPED);
   EXPECT_EQ(ended.dwCurrentState, DWORD{SERVICE_STOPPED});
@@ -239,6 +248,7 @@ TEST(Service, GoesWithItsLastHandle) {
     EXPECT_EQ(ErrorOf(DeleteService(second)), ERROR_SERVICE_MARKED_FOR_DELETE);
     EXPECT_EQ(service.Control(SERVICE_CONTROL_STOP), ERROR_SUCCESS);
     service.Await(SERVICE_STOPPED);
+    if (UnderWine()) return;  // it starts it again
     EXPECT_EQ(service.Start(), ERROR_SERVICE_MARKED_FOR_DELETE);
     EXPECT_EQ(ErrorOf(Install(name, TestServiceCommand(WTEXT("plain")))),
               ERROR_SERVICE_MARKED_FOR_DELETE);
