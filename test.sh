@@ -12,7 +12,7 @@ cd "$(dirname "$0")"
 
 run_linux() {
   need_compiler
-  need_packages gdb gettext libfmt-dev nginx-light openssl tinyproxy-bin xvfb
+  need_packages cups-daemon gdb gettext libfmt-dev nginx-light openssl tinyproxy-bin xvfb
   need_german_locale
   build "$1"
   ctest --preset "$1"
@@ -52,7 +52,7 @@ with_fixed_addresses() {
 
 run_windows() {
   need_compiler
-  need_packages g++-mingw-w64-x86-64-posix wine64 googletest xvfb
+  need_packages cups-daemon g++-mingw-w64-x86-64-posix wine64 googletest xvfb
   need_expat_source
   build windows
   # A Windows of the build's own, made before several tests start at once.

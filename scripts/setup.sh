@@ -38,8 +38,8 @@ need_packages() {
 
 # What every build on Linux takes; the tests belong to it.
 need_compiler() {
-  need_packages g++ cmake ninja-build libboost-dev libcurl4-openssl-dev libedit-dev libexpat1-dev \
-    libgtest-dev libxcb-randr0-dev
+  need_packages g++ cmake ninja-build libboost-dev libcups2-dev libcurl4-openssl-dev libedit-dev \
+    libexpat1-dev libgtest-dev libxcb-randr0-dev
   # A compiler cache is used where there is one, and not asked for.
   if command -v ccache >/dev/null; then export CMAKE_CXX_COMPILER_LAUNCHER=ccache; fi
 }

@@ -35,6 +35,7 @@ const std::string kFolders[] = {
     "common/winapi/src/shlwapi",
     "common/winapi/src/oleaut32",
     "common/winapi/src/wininet",
+    "common/winapi/src/winspool",
     "common/winapi/src/ws2_32",
     "common/sarnutils",
     "common/kelp/kelp0lang",

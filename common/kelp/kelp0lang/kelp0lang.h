@@ -41,6 +41,7 @@
 #include "kelp0lang/PipeManager.h"
 #include "kelp0lang/PointRecords.h"
 #include "kelp0lang/PolyValue.h"
+#include "kelp0lang/PrinterPage.h"
 #include "kelp0lang/ProcessProgress.h"
 #include "kelp0lang/Ptr64Mapper.h"
 #include "kelp0lang/ReportLog.h"

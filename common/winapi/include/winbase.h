@@ -1,7 +1,16 @@
-// Moving files, profiles, who is at the ends of a pipe, and blocks of memory that a call hands out.
+// Memory, moving files, profiles, and who is at the ends of a pipe.
 #pragma once
 
 #include "windef.h"
+
+// Memory that stays where it is, zeros with GMEM_ZEROINIT; null, and ERROR_NOT_ENOUGH_MEMORY, where
+// there isn't enough. Other flags are ERROR_INVALID_PARAMETER. GlobalFree gives it back, and gives
+// null.
+#define GMEM_FIXED 0x0000
+#define GMEM_ZEROINIT 0x0040
+#define GPTR (GMEM_FIXED | GMEM_ZEROINIT)
+WINAPI_EXPORT HGLOBAL WINAPI GlobalAlloc(UINT flags, SIZE_T size);
+WINAPI_EXPORT HGLOBAL WINAPI GlobalFree(HGLOBAL memory);
 
 #define MOVEFILE_REPLACE_EXISTING 0x00000001
 #define MOVEFILE_COPY_ALLOWED 0x00000002

@@ -31,6 +31,7 @@ typedef const char* LPCSTR;
 typedef char* LPSTR;
 
 typedef void* HANDLE;
+typedef HANDLE* LPHANDLE;
 typedef struct HINSTANCE__* HINSTANCE;
 typedef HINSTANCE HMODULE;
 typedef struct HRSRC__* HRSRC;

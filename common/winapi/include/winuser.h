@@ -21,6 +21,7 @@ typedef LRESULT(CALLBACK* WNDPROC)(HWND, UINT, WPARAM, LPARAM);
 #define WM_CLOSE 0x0010
 #define WM_QUERYENDSESSION 0x0011
 #define WM_QUIT 0x0012
+#define WM_DEVMODECHANGE 0x001B
 #define WM_KEYDOWN 0x0100
 #define WM_KEYUP 0x0101
 #define WM_SYSKEYDOWN 0x0104
@@ -184,6 +185,15 @@ WINAPI_EXPORT LONG_PTR WINAPI SetWindowLongPtrW(HWND window, int index, LONG_PTR
 // on answering what others send to its windows. 0 with ERROR_INVALID_WINDOW_HANDLE where the window
 // or its thread is gone, or goes before it answered.
 WINAPI_EXPORT LRESULT WINAPI SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+// The same, but gives up after a time in milliseconds: 0 with ERROR_TIMEOUT, and a message that
+// nobody has begun to answer is taken back. To HWND_BROADCAST it goes to each of this process's
+// top-level windows, with the time for each; the call is true then, and no result is known. The
+// flags are 0.
+#define SMTO_NORMAL 0x0000
+#define HWND_BROADCAST ((HWND)(intptr_t)0xFFFF)
+WINAPI_EXPORT LRESULT WINAPI SendMessageTimeoutW(HWND window, UINT message, WPARAM wParam,
+                                                 LPARAM lParam, UINT flags, UINT time,
+                                                 ULONG_PTR* result);
 // Queues a message for the window's thread, or, with a null window, for this one. A queue holds at
 // most 10000 of them.
 WINAPI_EXPORT BOOL WINAPI PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -332,7 +342,6 @@ typedef struct tagMONITORINFO {
   RECT rcWork;
   DWORD dwFlags;
 } MONITORINFO, *LPMONITORINFO;
-#define CCHDEVICENAME 32
 typedef struct tagMONITORINFOEXA {
   DWORD cbSize;
   RECT rcMonitor;

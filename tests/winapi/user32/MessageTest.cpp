@@ -248,6 +248,50 @@ void Pause() {
   std::this_thread::sleep_for(std::chrono::milliseconds(30));
 }
 
+TEST_F(MessageTest, ASenderGivesUpAfterItsTime) {
+  std::promise<void> wakeUp;
+  std::atomic<int> heard = 0;
+  const WindowThread other([&, awake = wakeUp.get_future().share()](HWND window, UINT message,
+                                                                    WPARAM wParam, LPARAM lParam) {
+    if (message == WM_APP) awake.wait();
+    if (message < WM_APP) return DefWindowProcW(window, message, wParam, lParam);
+    return static_cast<LRESULT>(++heard);
+  });
+  ULONG_PTR result = 0;
+  const auto send = [&](UINT message, UINT time) {
+    return SendMessageTimeoutW(other.Window(), message, 0, 0, SMTO_NORMAL, time, &result);
+  };
+  EXPECT_NE(send(WM_APP + 1, 60'000), 0);
+  EXPECT_EQ(result, 1u);
+  EXPECT_TRUE(PostMessageW(other.Window(), WM_APP, 0, 0));
+  while (send(WM_NULL, 1) != 0) Sleep(1);
+  EXPECT_EQ(ErrorOf(send(WM_APP + 1, 1)), ERROR_TIMEOUT);
+  wakeUp.set_value();
+  EXPECT_NE(send(WM_NULL, 60'000), 0);
+  EXPECT_EQ(heard, 2) << "what nobody had begun to answer was taken back";
+  EXPECT_EQ(
+      ErrorOf(SendMessageTimeoutW(reinterpret_cast<HWND>(0x7654321), WM_NULL, 0, 0, 0, 1, &result)),
+      ERROR_INVALID_WINDOW_HANDLE);
+}
+
+TEST_F(MessageTest, ABroadcastReachesTopLevelWindows) {
+  int heard = 0;
+  Handler handler = [&](HWND window, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT {
+    if (message == WM_DEVMODECHANGE) ++heard;
+    return DefWindowProcW(window, message, wParam, lParam);
+  };
+  const HWND top = Create(&handler, nullptr), child = Create(&handler, top, WS_CHILD);
+  const HWND hidden = Create(&handler);
+  ASSERT_NE(child, nullptr);
+  EXPECT_NE(
+      SendMessageTimeoutW(HWND_BROADCAST, WM_DEVMODECHANGE, 0,
+                          reinterpret_cast<LPARAM>(WTEXT("printer")), SMTO_NORMAL, 1000, nullptr),
+      0);
+  EXPECT_EQ(heard, 1);
+  EXPECT_TRUE(DestroyWindow(top));
+  EXPECT_TRUE(DestroyWindow(hidden));
+}
+
 TEST_F(MessageTest, NobodyWaitsForADestroyedWindow) {
   Handler handler = [](HWND window, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT {
     if (message != WM_APP) return DefWindowProcW(window, message, wParam, lParam);

@@ -1,5 +1,7 @@
 // Message queues: sending, posting, and the loop.
 #include <algorithm>
+#include <chrono>
+#include <vector>
 
 #include "Fail.h"
 #include "user32/WindowTable.h"
@@ -102,6 +104,52 @@ int Retrieve(MSG* message, const Filter& filter, bool remove, Wait wait) {
   }
 }
 
+using Deadline = std::chrono::steady_clock::time_point;
+
+// Until something may have come for the queue; false once the time is over.
+bool WaitUntil(std::unique_lock<std::mutex>& lock, MessageQueue& queue, const Deadline* deadline) {
+  if (deadline != nullptr) {
+    return queue.wake.wait_until(lock, *deadline) == std::cv_status::no_timeout;
+  }
+  queue.wake.wait(lock);
+  return true;
+}
+
+// Has the window's thread answer a message; null waits for as long as it takes. False, and the last
+// error, where it isn't answered.
+bool Send(const SentMessage& message, const Deadline* deadline, LRESULT& result) {
+  const std::shared_ptr<MessageQueue>& queue = message.sender;
+  std::unique_lock lock(Table().mutex);
+  const auto record = Table().Find(message.window);
+  if (record == nullptr) return Fail(ERROR_INVALID_WINDOW_HANDLE);
+  if (record->queue == queue) {
+    const WNDPROC procedure = record->procedure;
+    lock.unlock();
+    result = procedure(message.window, message.message, message.wParam, message.lParam);
+    return true;
+  }
+  const auto sent = std::make_shared<SentMessage>(message);
+  record->queue->sent.push_back(sent);
+  record->queue->wake.notify_one();
+  while (!sent->answered) {
+    if (AnswerOne(lock, *queue) || WaitUntil(lock, *queue, deadline) || sent->answered) continue;
+    std::erase(record->queue->sent, sent);
+    return Fail(ERROR_TIMEOUT);
+  }
+  if (sent->failed) return Fail(ERROR_INVALID_WINDOW_HANDLE);
+  result = sent->result;
+  return true;
+}
+
+std::vector<HWND> TopLevelWindows() {
+  const std::lock_guard lock(Table().mutex);
+  std::vector<HWND> windows;
+  for (const auto& [handle, window] : Table().windows) {
+    if (window->Container() == nullptr) windows.push_back(handle);
+  }
+  return windows;
+}
+
 }  // namespace
 
 }  // namespace winapi
@@ -109,24 +157,24 @@ int Retrieve(MSG* message, const Filter& filter, bool remove, Wait wait) {
 using winapi::Table;
 
 LRESULT WINAPI SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  const auto queue = winapi::ThreadQueue();
-  std::unique_lock lock(Table().mutex);
-  const auto record = Table().Find(window);
-  if (record == nullptr) return Fail(ERROR_INVALID_WINDOW_HANDLE);
-  if (record->queue == queue) {
-    const WNDPROC procedure = record->procedure;
-    lock.unlock();
-    return procedure(window, message, wParam, lParam);
-  }
+  LRESULT result = 0;
+  winapi::Send({window, message, wParam, lParam, winapi::ThreadQueue()}, nullptr, result);
+  return result;
+}
 
-  const auto sent = std::make_shared<winapi::SentMessage>(
-      winapi::SentMessage{window, message, wParam, lParam, queue});
-  record->queue->sent.push_back(sent);
-  record->queue->wake.notify_one();
-  while (!sent->answered) {
-    if (!winapi::AnswerOne(lock, *queue)) queue->wake.wait(lock);
+LRESULT WINAPI SendMessageTimeoutW(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                   UINT flags, UINT time, ULONG_PTR* result) {
+  if (flags != SMTO_NORMAL) return Fail(ERROR_NOT_SUPPORTED);
+  const bool isForAll = window == HWND_BROADCAST;
+  bool isAnswered = isForAll;
+  for (const HWND each : isForAll ? winapi::TopLevelWindows() : std::vector{window}) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(time);
+    LRESULT answer = 0;
+    isAnswered |=
+        winapi::Send({each, message, wParam, lParam, winapi::ThreadQueue()}, &deadline, answer);
+    if (!isForAll && result != nullptr) *result = static_cast<ULONG_PTR>(answer);
   }
-  return sent->failed ? Fail(ERROR_INVALID_WINDOW_HANDLE) : sent->result;
+  return isAnswered;
 }
 
 BOOL WINAPI PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
