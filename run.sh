@@ -9,7 +9,7 @@ caller=$PWD
 cd "$(dirname "$0")"
 . scripts/setup.sh
 need_compiler
-build release fieldbook ribbon
+build release fieldbook ribbon ostrandadmin
 programs=$root/build/release/bin
 if [ $# -eq 0 ]; then
   "$root/apps/fieldbook/tour.sh" "$programs/fieldbook"

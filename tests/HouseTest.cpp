@@ -48,6 +48,7 @@ const std::string kFolders[] = {
     "apps/fieldbook/commands",
     "apps/fieldbook",
     "apps/fieldwatch",
+    "apps/ostrandadmin",
     "apps/ribbon/files",
     "apps/ribbon/rules",
     "apps/ribbon/commands",

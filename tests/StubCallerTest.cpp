@@ -45,7 +45,8 @@ TEST(StubCaller, TheHelperIsStartedConnectedAndHeard) {
   const struct {
     const WChar* name;
     bool installed;
-  } cases[] = {{KTEXT("5"), false}, {KTEXT("0"), true}, {KTEXT("two"), true}};
+  } cases[] = {{KTEXT("5"), false},      {KTEXT("0"), true},    {KTEXT("two"), true},
+               {KTEXT("garbage"), true}, {KTEXT("end"), false}, {KTEXT("0"), false}};
   for (const auto& test : cases) {
     CServiceStubCaller caller;
     EXPECT_EQ(caller.InstallService(test.name, KTEXT("name"), KTEXT("path"), true), test.installed);

@@ -1,10 +1,13 @@
 // A helper as the tests want it, by the command line that the caller gives it:
-//   "talk;pipes"  opens the pipes and answers each command by what its first value says: a number,
-//   or
-//             "two" for an answer of two values before that of 0, until the pipes end
+//   "talk;pipes"  opens the pipes and answers each command by what its first value says, until the
+//             pipes end: a number, "two" for an answer of two values before that of 0, "garbage"
+//             for what is no answer before that of 0, "end" for half an answer and the end
+//   "launch;" starts the program that the next argument names, and gives its exit status
 //   "sleep;"  is there for three seconds
 //   else      ends at once
 #include <windows.h>
+// It needs the one before.
+#include <shellapi.h>
 
 #include <string>
 
@@ -27,6 +30,40 @@ void Say(HANDLE pipe, const Text& text) {
   WriteFile(pipe, text.data(), static_cast<DWORD>(text.size() * sizeof(WCHAR)), &count, nullptr);
 }
 
+// What is no answer, each in a read of the other side's own.
+void SayGarbage(HANDLE pipe) {
+  constexpr DWORD kMoreThanAPoll = 700;
+  const Text parts[] = {
+      WTEXT("1;2000000000;2;0;"),
+      WTEXT("1;-3;2;0;"),
+      WTEXT("1;1;99;0;"),
+      WTEXT(";;;;"),
+      WTEXT("99999999999999999999;1;2;0;"),
+      Text(200'000, 'x'),
+      Text(1, 0) + WTEXT("1;1;2;0;"),
+  };
+  for (const Text& part : parts) {
+    Say(pipe, part);
+    Sleep(kMoreThanAPoll);
+  }
+  // The long one is read in several parts.
+  Sleep(4 * kMoreThanAPoll);
+}
+
+int Launch(const char* program) {
+  const std::string narrow = program;
+  const Text path(narrow.begin(), narrow.end());
+  SHELLEXECUTEINFOW info = {};
+  info.cbSize = sizeof info;
+  info.fMask = SEE_MASK_NOCLOSEPROCESS;
+  info.lpFile = path.c_str();
+  DWORD status = 99;
+  if (!ShellExecuteExW(&info)) return 98;
+  WaitForSingleObject(info.hProcess, INFINITE);
+  GetExitCodeProcess(info.hProcess, &status);
+  return static_cast<int>(status);
+}
+
 void Talk() {
   const HANDLE in = Open(WTEXT("//./pipe/runas_server"), GENERIC_READ);
   const HANDLE out = Open(WTEXT("//./pipe/runas_client"), GENERIC_WRITE);
@@ -37,7 +74,14 @@ void Talk() {
     Text rest(units, bytes / sizeof(WCHAR));
     for (int i = 0; i < 3; ++i) rest.erase(0, rest.find(';') + 1);
     const Text value = rest.substr(0, rest.find(';'));
-    if (value == WTEXT("two")) {
+    if (value == WTEXT("end")) {
+      Say(out, WTEXT("1;1;2"));
+      return;
+    }
+    if (value == WTEXT("garbage")) {
+      SayGarbage(out);
+      Say(out, WTEXT("1;1;2;0;"));
+    } else if (value == WTEXT("two")) {
       Say(out, WTEXT("1;2;2;0;2;0;"));
       Say(out, WTEXT("1;1;2;0;"));
     } else {
@@ -52,5 +96,6 @@ int main(int count, char** arguments) {
   const std::string what = count > 1 ? arguments[1] : "";
   if (what == "talk;pipes") Talk();
   if (what == "sleep;") Sleep(3'000);
+  if (what == "launch;" && count > 2) return Launch(arguments[2]);
   return 0;
 }

@@ -2,11 +2,13 @@
 #include <windows.h>
 // It needs the one before.
 #include <psapi.h>
+#include <tlhelp32.h>
 
 #include <algorithm>
 #include <vector>
 
 #include "tests/winapi/ErrorOf.h"
+#include "tests/winapi/UnderWine.h"
 #include "tests/winapi/WideText.h"
 
 namespace {
@@ -59,6 +61,37 @@ TEST(Process, AnOpenOneTellsItsProgramAndItsModules) {
   EXPECT_NE(BaseName(process, modules.back()), name);
   EXPECT_TRUE(CloseHandle(process));
   EXPECT_EQ(ErrorOf(GetExitCodeProcess(process, &code), FALSE), ERROR_INVALID_HANDLE);
+}
+
+TEST(Process, ASnapshotTellsProgramsAndParents) {
+  const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+  ASSERT_NE(snapshot, INVALID_HANDLE_VALUE);
+  PROCESSENTRY32W entry = {};
+  EXPECT_FALSE(Process32FirstW(snapshot, &entry)) << "of no size";
+  entry.dwSize = sizeof entry;
+  std::vector<DWORD> ids;
+  DWORD parent = 0;
+  Wide name;
+  for (BOOL there = Process32FirstW(snapshot, &entry); there;
+       there = Process32NextW(snapshot, &entry)) {
+    ids.push_back(entry.th32ProcessID);
+    if (entry.th32ProcessID != GetCurrentProcessId()) continue;
+    parent = entry.th32ParentProcessID;
+    name = entry.szExeFile;
+    EXPECT_GE(entry.cntThreads, 1u);
+  }
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NO_MORE_FILES));
+  EXPECT_EQ(std::count(ids.begin(), ids.end(), GetCurrentProcessId()), 1);
+  // It may have ended under Wine, whose starter isn't one of its processes.
+  if (!UnderWine()) {
+    EXPECT_EQ(std::count(ids.begin(), ids.end(), parent), 1);
+  }
+  EXPECT_EQ(name.rfind(WTEXT("winapi_test"), 0), 0u);
+  const DWORD first = ids.front();
+  EXPECT_TRUE(Process32FirstW(snapshot, &entry));
+  EXPECT_EQ(entry.th32ProcessID, first);
+  EXPECT_TRUE(CloseHandle(snapshot));
+  EXPECT_EQ(ErrorOf(Process32NextW(snapshot, &entry), FALSE), ERROR_INVALID_HANDLE);
 }
 
 TEST(Process, WhatIsNoneCannotBeOpened) {

@@ -50,7 +50,17 @@ struct PendingWait {
   DWORD result;
 };
 
-enum class KernelType { kEvent, kMutex, kSemaphore, kThread, kFile, kMapping, kPipe, kProcess };
+enum class KernelType {
+  kEvent,
+  kMutex,
+  kSemaphore,
+  kThread,
+  kFile,
+  kMapping,
+  kPipe,
+  kProcess,
+  kSnapshot
+};
 
 class KernelObject : public std::enable_shared_from_this<KernelObject> {
  public:

@@ -1,6 +1,7 @@
 // The processes of the machine and their modules, as /proc shows them.
 #include <dirent.h>
 #include <psapi.h>
+#include <tlhelp32.h>
 #include <unistd.h>
 #include <windows.h>
 
@@ -12,6 +13,7 @@
 #include <fstream>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +36,17 @@ std::optional<DWORD> ProcessNumber(const char* name) {
   const auto result = std::from_chars(name, end, number);
   if (result.ec != std::errc() || result.ptr != end) return std::nullopt;
   return number;
+}
+
+// Empty where they can't be had.
+std::vector<DWORD> ProcessNumbers() {
+  const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/proc"), closedir);
+  std::vector<DWORD> numbers;
+  if (folder == nullptr) return numbers;
+  while (const dirent* const entry = readdir(folder.get())) {
+    if (const auto number = ProcessNumber(entry->d_name)) numbers.push_back(*number);
+  }
+  return numbers;
 }
 
 std::string ProgramOf(const std::string& folder) {
@@ -84,25 +97,67 @@ HMODULE HandleOf(const Module& module) {
 }
 
 // A program that was replaced while it runs bears a note.
-std::string_view BaseNameOf(const Module& module) {
+std::string_view BaseNameOf(std::string_view path) {
   constexpr std::string_view kDeleted = " (deleted)";
-  std::string_view path = module.path;
   if (path.ends_with(kDeleted)) path.remove_suffix(kDeleted.size());
   return path.substr(path.rfind('/') + 1);
+}
+
+class Snapshot : public winapi::KernelObject {
+ public:
+  static constexpr winapi::KernelType kType = winapi::KernelType::kSnapshot;
+
+  explicit Snapshot(std::vector<PROCESSENTRY32W> entries)
+      : KernelObject(kType), entries(std::move(entries)) {}
+  bool IsSignalled(const winapi::Thread&) const override { return false; }
+
+  const std::vector<PROCESSENTRY32W> entries;
+  std::size_t next = 0;
+};
+
+// A line of /proc/N/stat: "number (name) state parent ...", the number of threads in the 20th
+// place. The name may hold anything.
+bool ReadEntry(DWORD number, PROCESSENTRY32W& entry) {
+  const std::string folder = "/proc/" + std::to_string(number) + '/';
+  std::ifstream stat(folder + "stat");
+  std::string line;
+  std::getline(stat, line, '\0');
+  const std::size_t begin = line.find('(');
+  const std::size_t end = line.rfind(')');
+  if (begin == std::string::npos || end == std::string::npos) return false;
+  std::istringstream rest(line.substr(end + 1));
+  std::string skipped;
+  entry = {};
+  entry.dwSize = sizeof entry;
+  entry.th32ProcessID = number;
+  rest >> skipped >> entry.th32ParentProcessID;
+  for (int i = 5; i < 20; ++i) rest >> skipped;
+  rest >> entry.cntThreads;
+  const std::string program = ProgramOf(folder);
+  const std::string name = line.substr(begin + 1, end - begin - 1);
+  CopyText(FromUtf8(program.empty() ? name : BaseNameOf(program)), entry.szExeFile, MAX_PATH);
+  return !rest.fail();
+}
+
+BOOL GiveEntry(HANDLE handle, bool isFirst, PROCESSENTRY32W* entry) {
+  if (entry->dwSize != sizeof *entry) return Fail(ERROR_BAD_LENGTH);
+  const winapi::KernelLock lock;
+  auto* const snapshot = lock.Find<Snapshot>(handle);
+  if (snapshot == nullptr) return FALSE;
+  if (isFirst) snapshot->next = 0;
+  if (snapshot->next == snapshot->entries.size()) return Fail(ERROR_NO_MORE_FILES);
+  *entry = snapshot->entries[snapshot->next++];
+  return TRUE;
 }
 
 }  // namespace
 
 BOOL WINAPI EnumProcesses(DWORD* processIds, DWORD size, LPDWORD needed) {
-  const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/proc"), closedir);
-  if (folder == nullptr) return Fail(ERROR_GEN_FAILURE);
-  const DWORD room = size / sizeof(DWORD);
-  DWORD count = 0;
-  while (const dirent* const entry = readdir(folder.get())) {
-    const auto number = ProcessNumber(entry->d_name);
-    if (number && count < room) processIds[count++] = *number;
-  }
-  *needed = count * static_cast<DWORD>(sizeof(DWORD));
+  const std::vector<DWORD> numbers = ProcessNumbers();
+  if (numbers.empty()) return Fail(ERROR_GEN_FAILURE);
+  const std::size_t count = std::min(numbers.size(), size / sizeof(DWORD));
+  std::copy_n(numbers.begin(), count, processIds);
+  *needed = static_cast<DWORD>(count * sizeof(DWORD));
   return TRUE;
 }
 
@@ -124,5 +179,24 @@ DWORD WINAPI GetModuleBaseNameW(HANDLE process, HMODULE module, LPWSTR name, DWO
     return module == nullptr || HandleOf(candidate) == module;
   });
   if (found == modules.end()) return Fail(ERROR_INVALID_HANDLE, DWORD{0});
-  return static_cast<DWORD>(CopyText(FromUtf8(BaseNameOf(*found)), name, static_cast<int>(size)));
+  return static_cast<DWORD>(
+      CopyText(FromUtf8(BaseNameOf(found->path)), name, static_cast<int>(size)));
+}
+
+HANDLE WINAPI CreateToolhelp32Snapshot(DWORD flags, DWORD) {
+  if (flags != TH32CS_SNAPPROCESS) return Fail(ERROR_NOT_SUPPORTED, INVALID_HANDLE_VALUE);
+  std::vector<PROCESSENTRY32W> entries;
+  PROCESSENTRY32W entry;
+  for (const DWORD number : ProcessNumbers()) {
+    if (ReadEntry(number, entry)) entries.push_back(entry);
+  }
+  return winapi::KernelLock().Add(std::make_shared<Snapshot>(std::move(entries)));
+}
+
+BOOL WINAPI Process32FirstW(HANDLE snapshot, LPPROCESSENTRY32W entry) {
+  return GiveEntry(snapshot, true, entry);
+}
+
+BOOL WINAPI Process32NextW(HANDLE snapshot, LPPROCESSENTRY32W entry) {
+  return GiveEntry(snapshot, false, entry);
 }
