@@ -5,15 +5,20 @@
 #include <algorithm>
 #include <iterator>
 
+#include "kelp0lang/ServiceControl.h"
+
 namespace ostrandadmin {
 namespace {
 
 using kelp::CPolyValue;
 using kelp::WString;
 
-// Services can't be installed by this helper yet; this function alone is to learn it.
-int Install(const WString&, const WString&, const WString&, bool) {
-  return ERROR_NOT_SUPPORTED;
+// The library tells no more than that it failed, and leaves the system's last error.
+int Install(const WString& name, const WString& displayName, const WString& path, bool forAll) {
+  SetLastError(ERROR_SUCCESS);
+  if (InstallTalvService(name, displayName, path, forAll)) return ERROR_SUCCESS;
+  const DWORD error = GetLastError();
+  return error == ERROR_SUCCESS ? ERROR_GEN_FAILURE : static_cast<int>(error);
 }
 
 // Name, name to show, path of the program, and whether everybody may start and stop it.
