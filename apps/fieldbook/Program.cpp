@@ -32,6 +32,7 @@ const Command kCommands[] = {
      kEverywhere | Bit(Option::Field) | Bit(Option::Progress)},
     {KTEXT("units"), UnitsCommand, kUnitsHelp, kEverywhere},
     {KTEXT("edit"), EditCommand, kEditHelp, kEverywhere | kFileOptions | Bit(Option::NoBackup)},
+    {KTEXT("system"), SystemCommand, kSystemHelp, kEverywhere},
 };
 
 const WChar* const kGeneralHelp = KTEXT(
@@ -54,6 +55,7 @@ const WChar* const kGeneralHelp = KTEXT(
     "  fieldbook units                 the settings of units\n"
     "  fieldbook units set KEY VALUE   changes one, for good\n"
     "  fieldbook edit FILE             changes a file by commands, with undo\n"
+    "  fieldbook system                what fieldbook sees of this machine\n"
     "\n"
     "  fieldbook help COMMAND          what the command takes, with all options\n"
     "  fieldbook --version             the version of the program\n"

@@ -21,3 +21,4 @@ run angle -10.5 33.8912 --from gon --to dms
 run angle 134.5042 N45-30-15W --from deg --to bearing
 run angle '45°30'\''15.5"N' '45°61'\''00"' --from dms --to deg --decimals 8
 run inverse points.csv T1a T3 --lang it.po
+run system

@@ -296,7 +296,8 @@ TEST(Program, SpeaksItalian) {
   EXPECT_EQ(RunFieldbook({"--nope", "--lang", kItalian}).err,
             "fieldbook: l'opzione --nope non esiste\nVedi: fieldbook --help\n");
   for (const char* command :
-       {"show", "angle", "inverse", "polar", "area", "plot", "send", "units", "edit"}) {
+       {"show", "angle", "inverse", "polar", "area", "check", "tolerance", "recent", "plot", "send",
+        "units", "edit", "system"}) {
     const std::string help = RunFieldbook({command, "--help", "--lang", kItalian}).out;
     EXPECT_EQ(help.find(std::string("Uso: fieldbook ") + command), 0u) << help;
   }
@@ -309,7 +310,8 @@ TEST(Program, HelpAndVersionAreOnStandardOutput) {
   EXPECT_EQ(RunFieldbook({"help"}).out, general.out);
   EXPECT_EQ(RunFieldbook({"-v"}).out, RunFieldbook({"--version"}).out);
   for (const char* command :
-       {"show", "angle", "inverse", "polar", "area", "plot", "send", "units", "edit"}) {
+       {"show", "angle", "inverse", "polar", "area", "check", "tolerance", "recent", "plot", "send",
+        "units", "edit", "system"}) {
     const ProgramResult help = RunFieldbook({"-h", command});
     EXPECT_EQ(help.out.find(std::string("Usage: fieldbook ") + command), 0u) << help.out;
     EXPECT_EQ(help.status, 0);

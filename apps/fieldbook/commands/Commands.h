@@ -22,6 +22,7 @@ Status RecentCommand(const CommandLine& line, Console& console);
 Status SendCommand(const CommandLine& line, Console& console);
 Status UnitsCommand(const CommandLine& line, Console& console);
 Status EditCommand(const CommandLine& line, Console& console);
+Status SystemCommand(const CommandLine& line, Console& console);
 
 extern const WChar* const kShowHelp;
 extern const WChar* const kAngleHelp;
@@ -36,6 +37,7 @@ extern const WChar* const kRecentHelp;
 extern const WChar* const kSendHelp;
 extern const WChar* const kUnitsHelp;
 extern const WChar* const kEditHelp;
+extern const WChar* const kSystemHelp;
 
 // "--to: "yd" isn't one of m, ft, ...".
 [[noreturn]] void FailOnChoice(const WChar* name, const WString& given, const WString& choices);
