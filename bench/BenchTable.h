@@ -60,6 +60,7 @@ void AddThreadWorks();
 void AddValueWorks();
 void AddBitWorks();
 void AddDigestWorks();
+void AddPipeWorks();
 // The folder is where the unit settings are saved, and the rows of text.
 void AddSettingsWorks(const std::filesystem::path& folder);
 void AddProfileWorks(const std::filesystem::path& folder);

@@ -35,6 +35,7 @@ int main(int argc, char** argv) {
   bench::AddValueWorks();
   bench::AddBitWorks();
   bench::AddDigestWorks();
+  bench::AddPipeWorks();
   bench::AddSettingsWorks(support);
   bench::AddProfileWorks(support);
   bench::AddFileWorks(support);

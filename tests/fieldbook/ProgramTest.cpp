@@ -81,12 +81,12 @@ TEST(Program, WhatCannotBeDoneIsOneClearLine) {
       {{},
        "fieldbook: a command is missing: one of show, angle, inverse, polar, area, check, "
        "tolerance, recent, plot, send, units, "
-       "edit$"},
+       "edit, system$"},
       {{"list"},
        "fieldbook: there is no command \"list\", only show, angle, inverse, polar, area, check, "
        "tolerance, recent, plot, "
        "send, units, "
-       "edit$"},
+       "edit, system$"},
       {{"show"}, "fieldbook: show takes at least one FILE$"},
       {{"show", "-", "a", "-"}, "fieldbook: standard input can be one FILE only$"},
       {{"show", "a", "--lat"}, "fieldbook: show takes no --lat$"},
