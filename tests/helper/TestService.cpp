@@ -21,6 +21,7 @@ using Text = std::basic_string<WCHAR>;
 
 constexpr DWORD kEndAtOnce = 200;  // controls of its own
 constexpr DWORD kRefused = 201;
+constexpr DWORD kStopAnyhow = 202;
 constexpr DWORD kReason = 1234;
 
 std::string mode;
@@ -45,7 +46,7 @@ DWORD WINAPI OnControl(DWORD control, DWORD, LPVOID, LPVOID) {
   if (control == kEndAtOnce) std::_Exit(5);
   if (control == kRefused) return kReason;
   if (control == SERVICE_CONTROL_PAUSE) Tell(SERVICE_PAUSED, SERVICE_ACCEPT_STOP);
-  if (control == SERVICE_CONTROL_STOP && mode != "deaf") {
+  if ((control == SERVICE_CONTROL_STOP && mode != "deaf") || control == kStopAnyhow) {
     Tell(SERVICE_STOP_PENDING, 0, 1, 2'000);
     SetEvent(stopped);
   }

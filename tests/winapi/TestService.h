@@ -50,12 +50,15 @@ inline Wide TestServiceCommand(const Wide& arguments) {
 }
 
 inline SC_HANDLE Install(const Wide& name, const Wide& command, const WCHAR* needs = nullptr,
-                         DWORD type = SERVICE_WIN32_OWN_PROCESS,
                          DWORD start = SERVICE_DEMAND_START) {
-  return CreateServiceW(Manager(), name.c_str(), nullptr, SERVICE_ALL_ACCESS, type, start,
-                        SERVICE_ERROR_NORMAL, command.c_str(), nullptr, nullptr, needs, nullptr,
-                        nullptr);
+  return CreateServiceW(Manager(), name.c_str(), nullptr, SERVICE_ALL_ACCESS,
+                        SERVICE_WIN32_OWN_PROCESS, start, SERVICE_ERROR_NORMAL, command.c_str(),
+                        nullptr, nullptr, needs, nullptr, nullptr);
 }
+
+// Controls of test_service's own: it ends without a word, or stops in every mode.
+constexpr DWORD kEndAtOnce = 200;
+constexpr DWORD kStopAnyhow = 202;
 
 // An installed service of a mode of test_service, stopped and deleted at the end of a scope.
 class TestService {
@@ -64,10 +67,11 @@ class TestService {
       : name(NewServiceName()), handle(Install(name, TestServiceCommand(arguments), needs)) {}
   ~TestService() {
     if (handle == nullptr) return;
-    Control(SERVICE_CONTROL_STOP);
-    // One that doesn't stop.
-    if (Await(SERVICE_STOPPED, 5'000).dwCurrentState != SERVICE_STOPPED) Control(200);
-    Await(SERVICE_STOPPED);
+    // One that is starting still takes no controls.
+    for (int i = 0; i < 3'000 && Status().dwCurrentState != SERVICE_STOPPED; ++i) {
+      Control(kStopAnyhow);
+      Sleep(20);
+    }
     DeleteService(handle);
   }
 
@@ -91,9 +95,9 @@ class TestService {
     return status;
   }
   // The status when it has come to a state, or the last one.
-  SERVICE_STATUS_PROCESS Await(DWORD state, int limit = 60'000) const {
+  SERVICE_STATUS_PROCESS Await(DWORD state) const {
     SERVICE_STATUS_PROCESS status = Status();
-    for (int waited = 0; status.dwCurrentState != state && waited < limit; waited += 20) {
+    for (int i = 0; status.dwCurrentState != state && i < 3'000; ++i) {
       Sleep(20);
       status = Status();
     }

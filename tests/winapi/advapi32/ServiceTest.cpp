@@ -23,9 +23,7 @@ SC_HANDLE Open(const Wide& name, DWORD access = SERVICE_ALL_ACCESS) {
 TEST(Service, RunsFromItsStartToItsStop) {
   const TestService service(WTEXT("plain"));
   ASSERT_NE(service.handle, nullptr);
-  if (!UnderWine()) {
-    EXPECT_EQ(service.Status().dwWin32ExitCode, DWORD{ERROR_SERVICE_NEVER_STARTED});
-  }
+  EXPECT_EQ(service.Status().dwWin32ExitCode, DWORD{ERROR_SERVICE_NEVER_STARTED});
   EXPECT_EQ(service.Control(SERVICE_CONTROL_STOP), ERROR_SERVICE_NOT_ACTIVE);
   for (int round = 0; round < 2; ++round) {
     EXPECT_EQ(service.Start(), ERROR_SUCCESS);
@@ -77,22 +75,20 @@ TEST(Service, RefusesWhatIsNone) {
   const Wide fresh = NewServiceName();
   const struct {
     Wide name;
-    Wide command;
-    DWORD type, start;
+    DWORD start;
     long error;
+    bool isOnWine;
   } cases[] = {
-      {WTEXT(""), command, SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, ERROR_INVALID_NAME},
-      {WTEXT("a/b"), command, SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, ERROR_INVALID_NAME},
-      {WTEXT("a\\b"), command, SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, ERROR_INVALID_NAME},
-      {Wide(257, 'a'), command, SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START,
-       ERROR_INVALID_NAME},
-      {fresh, command, SERVICE_WIN32_OWN_PROCESS, 9, ERROR_INVALID_PARAMETER},
-      {other.name, command, SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START, ERROR_SERVICE_EXISTS},
+      {WTEXT(""), SERVICE_DEMAND_START, ERROR_INVALID_NAME, true},
+      {WTEXT("a/b"), SERVICE_DEMAND_START, ERROR_INVALID_NAME, false},
+      {WTEXT("a\\b"), SERVICE_DEMAND_START, ERROR_INVALID_NAME, false},
+      {Wide(257, 'a'), SERVICE_DEMAND_START, ERROR_INVALID_NAME, false},
+      {fresh, 9, ERROR_INVALID_PARAMETER, true},
+      {other.name, SERVICE_DEMAND_START, ERROR_SERVICE_EXISTS, true},
   };
   for (const auto& test : cases) {
-    SCOPED_TRACE(std::string(test.name.begin(), test.name.end()));
-    if (UnderWine() && test.error == ERROR_INVALID_NAME && test.name.size() != 0) continue;
-    const ScHandle service(Install(test.name, test.command, nullptr, test.type, test.start));
+    if (UnderWine() && !test.isOnWine) continue;
+    const ScHandle service(Install(test.name, command, nullptr, test.start));
     EXPECT_EQ(ErrorOf(SC_HANDLE{service}), test.error);
   }
   EXPECT_EQ(ErrorOf(Open(fresh)), ERROR_SERVICE_DOES_NOT_EXIST);
@@ -153,8 +149,8 @@ TEST(Service, AStartThatFailsSaysWhy) {
   EXPECT_EQ(failed.dwWin32ExitCode, DWORD{ERROR_SERVICE_SPECIFIC_ERROR});
   EXPECT_EQ(failed.dwServiceSpecificExitCode, 7u);
 
-  const ScHandle disabled(Install(NewServiceName(), TestServiceCommand(WTEXT("plain")), nullptr,
-                                  SERVICE_WIN32_OWN_PROCESS, SERVICE_DISABLED));
+  const ScHandle disabled(
+      Install(NewServiceName(), TestServiceCommand(WTEXT("plain")), nullptr, SERVICE_DISABLED));
   EXPECT_EQ(ErrorOf(StartServiceW(disabled, 0, nullptr)), ERROR_SERVICE_DISABLED);
   EXPECT_TRUE(DeleteService(disabled));
 }
@@ -196,7 +192,7 @@ TEST(Service, OneThatIgnoresItsStopRunsOn) {
   EXPECT_EQ(deaf.Status().dwCurrentState, DWORD{SERVICE_RUNNING});
   // It ends without a word, which Wine doesn't notice.
   if (UnderWine()) return;
-  EXPECT_NE(deaf.Control(200), ERROR_SUCCESS);
+  EXPECT_NE(deaf.Control(kEndAtOnce), ERROR_SUCCESS);
   const SERVICE_STATUS_PROCESS ended = deaf.Await(SERVICE_STOPPED);
   EXPECT_EQ(ended.dwCurrentState, DWORD{SERVICE_STOPPED});
   EXPECT_EQ(ended.dwWin32ExitCode, DWORD{ERROR_PROCESS_ABORTED});
@@ -210,7 +206,8 @@ TEST(Service, TakesTheControlsThatItSaysItDoes) {
   EXPECT_EQ(service.Control(SERVICE_CONTROL_PAUSE), ERROR_INVALID_SERVICE_CONTROL);
   EXPECT_EQ(service.Control(SERVICE_CONTROL_INTERROGATE), ERROR_SUCCESS);
   EXPECT_EQ(service.Control(150), ERROR_SUCCESS);
-  EXPECT_EQ(service.Control(201), 1234);
+  // Wine forgets what the handler gives.
+  EXPECT_EQ(service.Control(201), UnderWine() ? ERROR_SUCCESS : 1234);
 
   const TestService pauses(WTEXT("pauses"));
   ASSERT_EQ(pauses.Start(), ERROR_SUCCESS);
@@ -222,12 +219,13 @@ TEST(Service, TakesTheControlsThatItSaysItDoes) {
 TEST(Service, IsHandedItsNameAndTheArgumentsOfItsStart) {
   const TempFolder folder;
   const TestService service(WTEXT("arguments \"") + folder.Wide(WTEXT("told")) + WTEXT('"'));
-  LPCWSTR arguments[] = {WTEXT("one \"two\""), WTEXT(""), WTEXT("Größe")};
-  ASSERT_TRUE(StartServiceW(service.handle, 3, arguments));
+  LPCWSTR arguments[] = {WTEXT("one \"two\""), WTEXT("Größe"), WTEXT("")};
+  // Behind an empty one Wine has nothing more.
+  ASSERT_TRUE(StartServiceW(service.handle, UnderWine() ? 2 : 3, arguments));
   service.Await(SERVICE_RUNNING);
   const std::string told = folder.Read("told");
   EXPECT_EQ(Wide(reinterpret_cast<const WCHAR*>(told.data()), told.size() / sizeof(WCHAR)),
-            service.name + WTEXT("|one \"two\"||Größe|"));
+            service.name + WTEXT("|one \"two\"|Größe|") + (UnderWine() ? WTEXT("") : WTEXT("|")));
 }
 
 TEST(Service, APrivateProgramIsNoService) {
@@ -263,15 +261,14 @@ TEST(Service, GoesWithItsLastHandle) {
   EXPECT_EQ(error, ERROR_SERVICE_DOES_NOT_EXIST);
 }
 
-// Wine starts what a service needs but doesn't know who needs it.
 TEST(Service, WhatItNeedsIsStartedBeforeIt) {
+  if (UnderWine()) GTEST_SKIP() << "knows nothing of what a service needs";
   const TestService first(WTEXT("slow"));
   const TestService second(WTEXT("plain"), (first.name + WTEXT('\0')).c_str());
   const TestService third(WTEXT("plain"), (second.name + WTEXT('\0')).c_str());
   ASSERT_EQ(third.Start(), ERROR_SUCCESS);
   EXPECT_EQ(second.Status().dwCurrentState, DWORD{SERVICE_RUNNING});
   EXPECT_EQ(first.Status().dwCurrentState, DWORD{SERVICE_RUNNING});
-  if (UnderWine()) return;
 
   third.Await(SERVICE_RUNNING);
   DWORD needed = 0;
@@ -287,7 +284,7 @@ TEST(Service, WhatItNeedsIsStartedBeforeIt) {
                                            &count)),
             ERROR_MORE_DATA);
   EXPECT_EQ(count, 1u);
-  EXPECT_EQ(needed, all / 2);
+  EXPECT_LT(needed, all);
   ASSERT_TRUE(EnumDependentServicesW(first.handle, SERVICE_ACTIVE, services, all, &needed, &count));
   ASSERT_EQ(count, 2u);
   // In the order in which they can be stopped.
@@ -304,7 +301,7 @@ TEST(Service, WhatItNeedsIsStartedBeforeIt) {
 }
 
 TEST(Service, WithoutWhatItNeedsItDoesntStart) {
-  if (UnderWine()) GTEST_SKIP() << "starts them all the same";
+  if (UnderWine()) GTEST_SKIP() << "knows nothing of what a service needs";
   const TestService alone(WTEXT("plain"), WTEXT("kelp-test-missing\0"));
   EXPECT_EQ(alone.Start(), ERROR_SERVICE_DEPENDENCY_DELETED);
   const TestService dies(WTEXT("die"));
@@ -347,10 +344,10 @@ TEST(Service, TheListOfRightsIsGivenBackAsItWasSet) {
   ASSERT_FALSE(first.empty());
   std::vector<BYTE> set = WithEntry(first, 0x30030, SET_ACCESS);
   EXPECT_GT(set.size(), first.size());
-  // Set again it doesn't grow, and taken away it's as it was.
-  EXPECT_EQ(WithEntry(set, 0x30030, SET_ACCESS), set);
-  EXPECT_EQ(WithEntry(set, 0x30030, GRANT_ACCESS), set);
+  // Wine adds an entry each time, has no list of a service's own and no names.
   if (!UnderWine()) {
+    EXPECT_EQ(WithEntry(set, 0x30030, SET_ACCESS), set);
+    EXPECT_EQ(WithEntry(set, 0x30030, GRANT_ACCESS), set);
     EXPECT_EQ(WithEntry(set, 0, REVOKE_ACCESS), first);
   }
   SECURITY_DESCRIPTOR descriptor;
@@ -358,10 +355,9 @@ TEST(Service, TheListOfRightsIsGivenBackAsItWasSet) {
   ASSERT_TRUE(
       SetSecurityDescriptorDacl(&descriptor, TRUE, reinterpret_cast<PACL>(set.data()), FALSE));
   ASSERT_TRUE(SetServiceObjectSecurity(service.handle, DACL_SECURITY_INFORMATION, &descriptor));
-  if (!UnderWine()) {
-    EXPECT_EQ(ListOf(service.handle), set);
-  }
   EXPECT_EQ(ErrorOf(InitializeSecurityDescriptor(&descriptor, 2)), ERROR_UNKNOWN_REVISION);
+  if (UnderWine()) return;
+  EXPECT_EQ(ListOf(service.handle), set);
   EXPLICIT_ACCESS_W entry;
   WCHAR nobody[] = WTEXT("kelp-nobody-has-this-name");
   BuildExplicitAccessWithNameW(&entry, nobody, 1, SET_ACCESS, NO_INHERITANCE);

@@ -79,14 +79,18 @@ std::optional<ServicePlace> NewPlace(std::u16string_view name) {
   return ServicePlace{Folders().front(), stem};
 }
 
+// Others ask about services, too, so they may enter each folder that is made, whatever the mask of
+// the process.
 DWORD MakeServiceFolder(const std::string& folder) {
   std::error_code error;
-  if (!std::filesystem::create_directories(folder, error)) {
-    if (std::filesystem::is_directory(folder)) return ERROR_SUCCESS;
-    return error ? ServiceFileError(error.value() == ENOENT ? EACCES : error.value())
-                 : ERROR_ACCESS_DENIED;
+  if (std::filesystem::is_directory(folder, error)) return ERROR_SUCCESS;
+  const std::string above = std::filesystem::path(folder).parent_path().string();
+  if (above == folder) return ERROR_ACCESS_DENIED;
+  const DWORD failed = MakeServiceFolder(above);
+  if (failed != ERROR_SUCCESS) return failed;
+  if (mkdir(folder.c_str(), 0755) != 0) {
+    return errno == EEXIST ? ERROR_SUCCESS : ServiceFileError(errno);
   }
-  // Others ask about services, too, whatever the mask of the process.
   return chmod(folder.c_str(), 0755) == 0 ? ERROR_SUCCESS : ServiceFileError(errno);
 }
 

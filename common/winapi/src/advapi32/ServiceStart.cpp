@@ -117,6 +117,7 @@ DWORD StartNeeds(const ServiceTerms& terms, Names& way) {
     DWORD error = FindService(need, needed);
     if (error == ERROR_SERVICE_DOES_NOT_EXIST) return ERROR_SERVICE_DEPENDENCY_DELETED;
     if (error != ERROR_SUCCESS) return ERROR_SERVICE_DEPENDENCY_FAIL;
+    if (StatusOf(needed.place).dwCurrentState == SERVICE_RUNNING) continue;
     error = StartNeeds(needed.terms, way);
     if (error != ERROR_SUCCESS) return error;
     if (StatusOf(needed.place).dwCurrentState == SERVICE_STOPPED) {
@@ -152,13 +153,13 @@ void AddDependents(const std::u16string& foldedName, const std::vector<Installed
 }  // namespace
 
 DWORD StartWithNeeds(const InstalledService& service, const std::vector<std::string>& arguments) {
-  if (service.terms.isDeleted) return ERROR_SERVICE_MARKED_FOR_DELETE;
-  if (service.terms.startType == SERVICE_DISABLED) return ERROR_SERVICE_DISABLED;
+  DWORD error = StartRefusal(service.terms);
+  if (error != ERROR_SUCCESS) return error;
   if (StatusOf(service.place).dwCurrentState != SERVICE_STOPPED) {
     return ERROR_SERVICE_ALREADY_RUNNING;
   }
   Names way;
-  const DWORD error = StartNeeds(service.terms, way);
+  error = StartNeeds(service.terms, way);
   return error == ERROR_SUCCESS ? Start(service, arguments) : error;
 }
 

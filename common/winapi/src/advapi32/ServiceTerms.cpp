@@ -1,5 +1,7 @@
 #include "advapi32/ServiceTerms.h"
 
+#include <winerror.h>
+
 #include <algorithm>
 #include <charconv>
 #include <iterator>
@@ -110,6 +112,11 @@ std::optional<ServiceTerms> ParseTerms(std::string_view text) {
   }
   if (terms.name.empty() || terms.program.empty()) return std::nullopt;
   return terms;
+}
+
+DWORD StartRefusal(const ServiceTerms& terms) {
+  if (terms.isDeleted) return ERROR_SERVICE_MARKED_FOR_DELETE;
+  return terms.startType == SERVICE_DISABLED ? ERROR_SERVICE_DISABLED : ERROR_SUCCESS;
 }
 
 std::string FirstAccess(uid_t owner) {

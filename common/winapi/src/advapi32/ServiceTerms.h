@@ -3,7 +3,7 @@
 //   winapi service 1
 //   name=fieldwatch
 //   display=Field watch
-//   program="/opt/kelp/fieldwatch" --to /srv/points
+//   program=\"/opt/kelp/fieldwatch\" /srv/in /srv/points
 //   start=3
 //   error=1
 //   needs=network
@@ -39,6 +39,9 @@ struct ServiceTerms {
 std::string FormatTerms(const ServiceTerms& terms);
 // Nothing for a text that isn't whole or has other lines.
 std::optional<ServiceTerms> ParseTerms(std::string_view text);
+
+// Why it can't be started, if its file says so; else ERROR_SUCCESS.
+DWORD StartRefusal(const ServiceTerms& terms);
 
 // Everything for the owner and the administrators, questions for everybody.
 std::string FirstAccess(uid_t owner);

@@ -133,7 +133,7 @@ DWORD Supervisor::Begin() {
   if (!Claim()) return ERROR_SERVICE_ALREADY_RUNNING;
   InstalledService service;
   DWORD failed = ReadService(m_place, service);
-  if (failed == ERROR_SUCCESS && service.terms.isDeleted) failed = ERROR_SERVICE_MARKED_FOR_DELETE;
+  if (failed == ERROR_SUCCESS) failed = StartRefusal(service.terms);
   m_name = ToUtf8(service.terms.name);
   if (failed == ERROR_SUCCESS) failed = BecomeOwner(service.owner);
   if (failed == ERROR_SUCCESS) failed = StartProgram(service, m_process);
