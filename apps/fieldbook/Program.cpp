@@ -31,6 +31,7 @@ const Command kCommands[] = {
     {KTEXT("send"), SendCommand, kSendHelp,
      kEverywhere | Bit(Option::Field) | Bit(Option::Progress)},
     {KTEXT("units"), UnitsCommand, kUnitsHelp, kEverywhere},
+    {KTEXT("service"), ServiceCommand, kServiceHelp, kEverywhere},
     {KTEXT("edit"), EditCommand, kEditHelp, kEverywhere | kFileOptions | Bit(Option::NoBackup)},
     {KTEXT("system"), SystemCommand, kSystemHelp, kEverywhere},
 };
@@ -55,6 +56,7 @@ const WChar* const kGeneralHelp = KTEXT(
     "  fieldbook units                 the settings of units\n"
     "  fieldbook units set KEY VALUE   changes one, for good\n"
     "  fieldbook edit FILE             changes a file by commands, with undo\n"
+    "  fieldbook service ...           a service that copies points files\n"
     "  fieldbook system                what fieldbook sees of this machine\n"
     "\n"
     "  fieldbook help COMMAND          what the command takes, with all options\n"

@@ -80,12 +80,12 @@ TEST(Program, WhatCannotBeDoneIsOneClearLine) {
       {{"--lang", kPoints, "--version"}, "fieldbook: --lang: .*points\\.csv.*\n"},
       {{},
        "fieldbook: a command is missing: one of show, angle, inverse, polar, area, check, "
-       "tolerance, recent, plot, send, units, "
+       "tolerance, recent, plot, send, units, service, "
        "edit, system$"},
       {{"list"},
        "fieldbook: there is no command \"list\", only show, angle, inverse, polar, area, check, "
        "tolerance, recent, plot, "
-       "send, units, "
+       "send, units, service, "
        "edit, system$"},
       {{"show"}, "fieldbook: show takes at least one FILE$"},
       {{"show", "-", "a", "-"}, "fieldbook: standard input can be one FILE only$"},

@@ -21,6 +21,7 @@ Status RecentCommand(const CommandLine& line, Console& console);
 
 Status SendCommand(const CommandLine& line, Console& console);
 Status UnitsCommand(const CommandLine& line, Console& console);
+Status ServiceCommand(const CommandLine& line, Console& console);
 Status EditCommand(const CommandLine& line, Console& console);
 Status SystemCommand(const CommandLine& line, Console& console);
 
@@ -36,6 +37,7 @@ extern const WChar* const kRecentHelp;
 
 extern const WChar* const kSendHelp;
 extern const WChar* const kUnitsHelp;
+extern const WChar* const kServiceHelp;
 extern const WChar* const kEditHelp;
 extern const WChar* const kSystemHelp;
 

@@ -1,0 +1,111 @@
+#include "fieldbook/watch/FolderWatch.h"
+
+#include <algorithm>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "fieldbook/points/PointReading.h"
+#include "fieldbook/points/PointScan.h"
+
+namespace fieldbook {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Stop {};
+
+Argument ToArgument(const fs::path& file) {
+  return {ToWString(file.string<WChar>()), file};
+}
+
+// The number of points. Throws Failure for a file that isn't to be copied.
+int RequireSound(const Argument& file, const std::string& bytes,
+                 const std::function<bool()>& isToStop) {
+  const auto source = BytesOf(bytes);
+  TextSource text(*source);
+  PointScan scan(text, {});
+  FaultList faults;
+  int points = 0;
+  while (const auto kind = scan.Next()) {
+    if (static_cast<std::size_t>(scan.LineNumber()) % kWatchedRows == 0 && isToStop()) throw Stop();
+    if (*kind == LineKind::Fault) faults.Add(scan.LineNumber(), scan.Fault());
+    if (*kind == LineKind::Point) ++points;
+  }
+  RequirePoints(file, static_cast<std::size_t>(points), faults);
+  if (faults.IsEmpty()) return points;
+  const RowFault first = faults.Told().front();
+  throw Failure({KTEXT("{1}: {2} rows can't be read, the first in line {3}: {4}"),
+                 {Shown(file.text), WString::ValueOf(static_cast<int>(faults.Count())),
+                  WString::ValueOf(first.line), first.message.Text()}});
+}
+
+// Whether the copy is to be written; what stands in its place is kept.
+bool MakePlace(const Argument& copy, const std::string& bytes) {
+  std::error_code error;
+  if (!fs::exists(copy.path, error)) return true;
+  if (ReadAll(copy) == bytes) return false;
+  fs::path kept = copy.path;
+  kept += ".bak";
+  WriteAll(ToArgument(kept), ReadAll(copy));
+  return true;
+}
+
+}  // namespace
+
+FolderWatch::FolderWatch(fs::path from, fs::path to)
+    : m_from(std::move(from)), m_to(std::move(to)) {}
+
+std::vector<WString> FolderWatch::Look(const std::function<bool()>& isToStop) {
+  std::vector<WString> lines;
+  for (auto& [name, seen] : m_seen) seen.isThere = false;
+  std::error_code error;
+  for (fs::directory_iterator file(m_from, error), end; !error && file != end;
+       file.increment(error)) {
+    if (isToStop()) return lines;
+    if (!IsDue(*file)) continue;
+    try {
+      const WString line = Copy(file->path(), isToStop);
+      if (!line.empty()) lines.push_back(line);
+    } catch (const Stop&) {
+      return lines;
+    } catch (const LayoutFailure& failure) {
+      lines.push_back(InFile(ToArgument(file->path()), failure.GetMsg()));
+    } catch (const Failure& failure) {
+      lines.push_back(failure.GetMsg());
+    }
+    m_seen[file->path().filename()].isDone = true;
+  }
+  std::erase_if(m_seen, [](const auto& entry) { return !entry.second.isThere; });
+  return lines;
+}
+
+bool FolderWatch::IsDue(const fs::directory_entry& file) {
+  const fs::path name = file.path().filename();
+  std::error_code error;
+  // Programs hide what isn't finished.
+  if (name.native().front() == '.' || !file.is_regular_file(error)) return false;
+  const Seen now = {file.file_size(error), file.last_write_time(error), false, true};
+  if (error) return false;
+  const auto [found, isNew] = m_seen.try_emplace(name, now);
+  Seen& seen = found->second;
+  seen.isThere = true;
+  const bool isAtRest = !isNew && seen.size == now.size && seen.written == now.written;
+  if (!isAtRest) seen = now;
+  return isAtRest && !seen.isDone;
+}
+
+WString FolderWatch::Copy(const fs::path& path, const std::function<bool()>& isToStop) const {
+  const Argument file = ToArgument(path);
+  const Argument copy = ToArgument(m_to / path.filename());
+  const std::string bytes = ReadAll(file, [&](double) {
+    if (isToStop()) throw Stop();
+  });
+  const int points = RequireSound(file, bytes, isToStop);
+  if (!MakePlace(copy, bytes)) return {};
+  WriteAll(copy, bytes);
+  return Message{KTEXT("{1}: copied, {2} points"), {Shown(file.text), WString::ValueOf(points)}}
+      .Text();
+}
+
+}  // namespace fieldbook
