@@ -156,7 +156,7 @@ TEST(ValueConverter, FillsToTheWidthOnce) {
 
   CIOState logical = State(F::right, 6, 3, '.');
   EXPECT_EQ(CAValueConverter::ToString(logical, true), "..1");
-  EXPECT_EQ(CAValueConverter::ToString(logical, false), "..0");
+  EXPECT_EQ(CAValueConverter::ToString(logical, false), "0");
   logical = State(F::boolalpha | F::right, 6, 7, '.');
   EXPECT_EQ(CWValueConverter::ToString(logical, false), KTEXT("..false"));
   CIOState texts = State(F::right, 6, 4, '\xE0');

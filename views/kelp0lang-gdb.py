@@ -65,7 +65,14 @@ class File:
         self.value = value
 
     def to_string(self):
-        return self.value["m_sPath"]
+        try:
+            return self.value["m_sPath"]
+        except gdb.error:
+            # Where the library has no debug information, no other program's describes this class;
+            # the path stands behind the table of its virtual functions.
+            byte = gdb.lookup_type("char").pointer()
+            place = self.value.address.cast(byte) + byte.sizeof
+            return place.cast(gdb.lookup_type("kelp::WString").pointer()).dereference()
 
 
 class UnitSystem:

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "fieldbook/points/ByteSource.h"
+#include "fieldbook/points/OpenBytes.h"
 #include "kelp0lang/String.h"
 #include "tests/fieldbook/RunProgram.h"
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "fieldbook/points/OpenBytes.h"
 #include "kelp0lang/Translate.h"
 
 namespace fieldbook {
@@ -10,7 +11,10 @@ namespace fieldbook {
 namespace fs = std::filesystem;
 
 EditedFile::EditedFile(const Argument& file, bool keepsBackup, Console& console)
-    : m_file(file), m_console(console), m_keepsBackup(keepsBackup), m_bytes(ReadRest(*OpenBytes(file))) {}
+    : m_file(file),
+      m_console(console),
+      m_keepsBackup(keepsBackup),
+      m_bytes(ReadRest(*OpenBytes(file))) {}
 
 void EditedFile::Save(const PointList& list, const Argument& file) {
   std::error_code ignored;

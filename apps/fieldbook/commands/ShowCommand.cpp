@@ -7,6 +7,7 @@
 #include "fieldbook/commands/PointTable.h"
 #include "fieldbook/commands/RecentFiles.h"
 #include "fieldbook/commands/Settings.h"
+#include "fieldbook/points/OpenBytes.h"
 #include "fieldbook/points/PointReading.h"
 #include "kelp0lang/NaturalOrder.h"
 #include "kelp0lang/Translate.h"

@@ -13,7 +13,9 @@
 
 #include <memory>
 
+#include "console/Console.h"
 #include "fieldbook/points/ByteSource.h"
+#include "fieldbook/values/Text.h"
 
 namespace fieldbook {
 

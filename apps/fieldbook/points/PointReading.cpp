@@ -1,4 +1,5 @@
 #include "fieldbook/points/PointReading.h"
+#include "fieldbook/points/OpenBytes.h"
 
 #include <algorithm>
 #include <atomic>
@@ -8,6 +9,7 @@
 #include <utility>
 
 #include "fieldbook/console/Beside.h"
+#include "fieldbook/points/OpenBytes.h"
 #include "fieldbook/web/WebFetch.h"
 #include "kelp0lang/Translate.h"
 

@@ -14,6 +14,7 @@
 #include <string>
 #include <string_view>
 
+#include "console/Console.h"
 #include "fieldbook/points/ByteSource.h"
 #include "fieldbook/values/Text.h"
 

@@ -24,6 +24,7 @@
 KELP0LANG_API bool InstallTalvService(const kelp::WString& name, const kelp::WString& displayName,
                                       const kelp::WString& binaryPath, bool grantEveryone);
 
+// Whether there is a service of that name that may be asked about.
 KELP0LANG_API bool IsTalvServiceInstalled(const kelp::WString& name);
 
 // Starts a service and waits while it is starting, for its wait hint anew with each check point it
