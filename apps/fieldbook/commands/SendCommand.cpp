@@ -130,7 +130,7 @@ WebAnswer Send(const Sending& sending, Meter& meter, Progress& progress) {
   };
   RunBeside(
       1, upload, [&] { progress.Set(meter.Fraction(), meter.Text()); }, [&] { session.Stop(); });
-  progress.Set(1);
+  progress.Set(1, WString());
   return answer;
 }
 

@@ -1,5 +1,8 @@
 #include "fieldbook/web/WebFailure.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "fieldbook/web/WebClient.h"
 #include "kelp0lang/Translate.h"
 
@@ -21,6 +24,10 @@ constexpr Words kIdWords[] = {
     {Dovek::HttpErrorId::kOpenDisk, KTEXT("the file can't be read")},
     {Dovek::HttpErrorId::kDiskSize, KTEXT("the file can't be read")},
 };
+
+constexpr std::uint32_t kFileErrors[] = {
+    Dovek::HttpErrorId::kFileTooShort, Dovek::HttpErrorId::kOverflow, Dovek::HttpErrorId::kReadDisk,
+    Dovek::HttpErrorId::kOpenDisk, Dovek::HttpErrorId::kDiskSize};
 
 constexpr const WChar* kBadCertificate = KTEXT("the server's certificate isn't valid");
 constexpr const WChar* kBroken = KTEXT("the connection was broken");
@@ -73,12 +80,19 @@ WString NumberText(std::uint32_t number) {
 }  // namespace
 
 WString WebErrorText(std::uint32_t errorId, std::uint32_t win32Error) {
-  const WChar* words = Find(kIdWords, errorId);
+  // A size that doesn't fit isn't an error of the system's.
+  const bool isTooLarge = errorId == Dovek::HttpErrorId::kDiskSize && win32Error == 0;
+  const WChar* words = Find(kIdWords, isTooLarge ? Dovek::HttpErrorId::kOverflow : errorId);
   if (words == nullptr) words = Find(kErrorWords, win32Error);
   if (words != nullptr) return kelp::Xlate(words);
   return Message{KTEXT("the request has failed, errors {1} and {2}"),
                  {NumberText(errorId), NumberText(win32Error)}}
       .Text();
+}
+
+bool IsWebFileError(std::uint32_t errorId) {
+  const auto* const file = std::find(std::begin(kFileErrors), std::end(kFileErrors), errorId);
+  return file != std::end(kFileErrors);
 }
 
 WString WebStatusText(std::uint32_t status) {

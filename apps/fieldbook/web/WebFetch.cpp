@@ -31,7 +31,7 @@ std::string ReadContent(WebResponse& response, const Argument& address, const Wa
 }  // namespace
 
 std::string FetchFromWeb(WebSession& session, const Argument& address, const Watch& watch) {
-  return AskWeb(session, address, [&] {
+  return AskWeb(session, address, nullptr, [&] {
     WebClient client;
     const std::unique_ptr<WebResponse> response(
         client.SendGet(EncodedAddress(address.text).c_str(), WebOptions(session)));

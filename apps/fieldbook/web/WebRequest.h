@@ -20,15 +20,17 @@ inline Dovek::THttpRequestOptions WebOptions(WebSession& session) {
   return options;
 }
 
-// Runs requests to an address; what they fail by is thrown as Failure.
+// Runs requests to an address, which may send a file; what they fail by is thrown as Failure.
 template <class Work>
-auto AskWeb(const WebSession& session, const Argument& address, Work work) {
+auto AskWeb(const WebSession& session, const Argument& address, const Argument* file, Work work) {
   try {
     return work();
   } catch (const Dovek::httpclientexceptionW& error) {
     if (session.IsStopped()) throw Failure(Stopped());
+    const bool isOfFile = file != nullptr && IsWebFileError(error.ErrorId());
     throw Failure({KTEXT("{1}: {2}"),
-                   {Shown(address.text), WebErrorText(error.ErrorId(), error.Win32Error())}});
+                   {Shown(isOfFile ? file->text : address.text),
+                    WebErrorText(error.ErrorId(), error.Win32Error())}});
   }
 }
 

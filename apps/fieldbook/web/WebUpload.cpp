@@ -35,7 +35,7 @@ WebAnswer ReadAnswer(WebResponse& response) {
 
 WebAnswer UploadToWeb(WebSession& session, const Argument& file, const Argument& address,
                       const std::vector<WebField>& fields, const SentWatch& watch) {
-  return AskWeb(session, address, [&] {
+  return AskWeb(session, address, &file, [&] {
     WebClient client;
     client.UseUtf8(TRUE);
     client.AddParam(KTEXT("file"), file.text.c_str(), Dovek::ParamFile);

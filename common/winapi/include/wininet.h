@@ -168,4 +168,6 @@ WINAPI_EXPORT BOOL WINAPI InternetQueryDataAvailable(HINTERNET request, LPDWORD 
 WINAPI_EXPORT BOOL WINAPI InternetSetOptionW(HINTERNET handle, DWORD option, LPVOID value,
                                              DWORD size);
 
+// Ends what is under the handle too, and calls of other threads that wait for something of either:
+// with ERROR_INTERNET_OPERATION_CANCELLED.
 WINAPI_EXPORT BOOL WINAPI InternetCloseHandle(HINTERNET handle);
