@@ -30,12 +30,10 @@ std::string ContentOf(Response* response) {
 
 // Hands back the body that it gets, by its length.
 void Echo(ScriptedServer::Peer& peer) {
-  std::string head;
-  while (!(head = peer.ReadHead()).empty()) {
-    const std::size_t at = head.find("Content-Length: ");
-    const std::size_t length = at == std::string::npos ? 0 : std::stoul(head.substr(at + 16));
-    const std::string body = peer.Read(length);
-    peer.Send("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(length) + "\r\n\r\n" + body);
+  while (!peer.ReadHead().empty()) {
+    const std::string body = peer.ReadBody();
+    peer.Send("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" +
+              body);
   }
 }
 
@@ -188,6 +186,21 @@ TEST(HttpClient, AFileThatChangesIsSentAsItWasOrNotAtAll) {
                 std::string::npos);
     }
   }
+  // One file, or all of the body, of 4 GiB; nothing is sent of it.
+  const std::size_t heads = server.Heads().size();
+  const std::pair<std::uint64_t, std::string> sizes[] = {
+      {0xFFFF'FFFE, "112 0: An arithmetic overflow error has been occurred."},
+      {0xFFFF'FFFF, "605 0: ::GetFileSize failed (\"" + Narrow(wide.c_str()) + "\")."},
+      {0x1'0000'0000, "605 0: ::GetFileSize failed (\"" + Narrow(wide.c_str()) + "\")."},
+  };
+  for (const auto& [size, failure] : sizes) {
+    std::filesystem::resize_file(path, size);
+    Client client;
+    client.AddParam(KTEXT("f"), wide.c_str(), Dovek::ParamFile);
+    EXPECT_EQ(FailureOf([&] { client.StartUpload(0, Url(server, KTEXT("/")).c_str(), FALSE); }),
+              failure);
+  }
+  EXPECT_EQ(server.Heads().size(), heads);
   Client client;
   client.AddParam(KTEXT("f"), folder.Wide(KTEXT("none")).c_str(), Dovek::ParamFile);
   EXPECT_EQ(FailureOf([&] {

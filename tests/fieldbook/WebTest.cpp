@@ -22,33 +22,14 @@ std::string UrlOf(const ScriptedServer& server, const std::string& path = "/p.cs
   return "http://127.0.0.1:" + std::to_string(server.Port()) + path;
 }
 
-// Answers all that it is sent, and keeps the last body.
-class Taker {
- public:
-  explicit Taker(const std::string& answer)
-      : server([this, answer](ScriptedServer::Peer& peer) {
-          const std::string head = peer.ReadHead();
-          std::smatch length;
-          if (!std::regex_search(head, length, std::regex("Content-Length: (\\d+)"))) return;
-          const std::string all = peer.Read(std::stoul(length[1]));
-          {
-            const std::lock_guard lock(m_mutex);
-            m_body = all;
-          }
-          peer.Send(answer);
-        }) {}
-  std::string Body() const {
-    const std::lock_guard lock(m_mutex);
-    return m_body;
-  }
-
- private:
-  mutable std::mutex m_mutex;
-  std::string m_body;
-
- public:
-  ScriptedServer server;
-};
+// Takes what it is sent, and answers.
+ScriptedServer::Script Taking(const std::string& answer) {
+  return [answer](ScriptedServer::Peer& peer) {
+    if (peer.ReadHead().empty()) return;
+    peer.ReadBody();
+    peer.Send(answer);
+  };
+}
 
 TEST(Web, WhatAServerHasIsReadAsAFileIs) {
   const std::string bytes = ReadFile(kPoints);
@@ -106,6 +87,9 @@ TEST(Web, WhatHasNoServerIsOneClearLine) {
     const ScriptedServer server(ScriptedServer::Answering(""));
     closed = UrlOf(server);
   }
+  const DataFolder folder;
+  const std::string large = folder.Write("large", "");
+  std::filesystem::resize_file(folder.PathOf("large"), 0x1'0000'0000);
   const std::string hint = "\nTry: fieldbook (edit|send) --help\n";
   const std::pair<std::vector<std::string>, std::string> cases[] = {
       {{"show", closed}, closed + ": there is no connection to the server\n"},
@@ -113,6 +97,7 @@ TEST(Web, WhatHasNoServerIsOneClearLine) {
       {{"show", "http://no-such-host.invalid/"}, ".*: there is no server of that name\n"},
       {{"show", "http://h:123456/"}, ".*: the port in the address isn't one\n"},
       {{"show", "https://"}, ".*: this isn't an address of the web\n"},
+      {{"send", large, closed}, ".*large: 4 GiB and more can't be sent at once\n"},
       {{"send", "none.csv", closed}, "none.csv: there is no such file\n"},
       {{"edit", closed}, "edit takes a FILE that it can write; one on the web it can't" + hint},
       {{"send", kPoints}, "send takes FILE and URL, 1 given" + hint},
@@ -135,10 +120,11 @@ TEST(Web, AFileIsSentWithItsFieldsAndTheAnswerPrinted) {
   const DataFolder folder;
   const std::string content = std::string(200'000, 'x') + "\r\n--end";
   const std::string path = folder.Write("job.csv", content);
-  const Taker taker(Answer("201 Created", "Content-Type: text/plain\r\n", "taken\r\n\x1B[2Jtwo"));
+  const ScriptedServer server(
+      Taking(Answer("201 Created", "Content-Type: text/plain\r\n", "taken\r\n\x1B[2Jtwo")));
   const ProgramResult result =
-      RunFieldbook({"send", path, UrlOf(taker.server), "--field", "job=north",
-                    "--field=Job=c=d\u00E0", "--field", "z=", "--progress"});
+      RunFieldbook({"send", path, UrlOf(server), "--field", "job=north", "--field=Job=c=d\u00E0",
+                    "--field", "z=", "--progress"});
   EXPECT_EQ(result.status, 0);
   EXPECT_TRUE(std::regex_match(
       result.out, std::regex(".*job\\.csv: 200\\.\\d kB sent, [0-9.]+ [kMG]?(B|bytes)/s\n"
@@ -148,16 +134,16 @@ TEST(Web, AFileIsSentWithItsFieldsAndTheAnswerPrinted) {
       result.err, std::regex("\\[\\.{20}\\]   0% sending\n(.*\n)*\\[#{20}\\] 100% sending.*\n")))
       << result.err;
 
-  const std::string head = taker.server.Heads().at(0);
+  const std::string head = server.Heads().at(0);
   std::smatch boundary;
   ASSERT_TRUE(std::regex_search(
       head, boundary, std::regex("Content-Type: multipart/form-data; boundary=([^\r]+)\r")));
   const std::string part = "--" + boundary[1].str() + "\r\nContent-Disposition: form-data; name=";
-  EXPECT_EQ(taker.Body(), part + "\"file\"; filename=\"" + path +
-                              "\"\r\nContent-Type: application/octet-stream\r\n\r\n" + content +
-                              "\r\n" + part + "\"job\"\r\n\r\nnorth\r\n" + part +
-                              "\"Job\"\r\n\r\nc=d\u00E0\r\n" + part + "\"z\"\r\n\r\n\r\n--" +
-                              boundary[1].str() + "--\r\n");
+  EXPECT_EQ(server.Bodies().at(0), part + "\"file\"; filename=\"" + path +
+                                       "\"\r\nContent-Type: application/octet-stream\r\n\r\n" +
+                                       content + "\r\n" + part + "\"job\"\r\n\r\nnorth\r\n" + part +
+                                       "\"Job\"\r\n\r\nc=d\u00E0\r\n" + part +
+                                       "\"z\"\r\n\r\n\r\n--" + boundary[1].str() + "--\r\n");
 }
 
 TEST(Web, AServerThatDoesNotTakeAFileIsHeard) {
@@ -175,13 +161,13 @@ TEST(Web, AServerThatDoesNotTakeAFileIsHeard) {
        "the server answers 401: it asks for an account"},
   };
   for (const auto& [answer, out, err] : cases) {
-    const Taker taker(answer);
-    const ProgramResult result = RunFieldbook({"send", kPoints, UrlOf(taker.server)});
+    const ScriptedServer server(Taking(answer));
+    const ProgramResult result = RunFieldbook({"send", kPoints, UrlOf(server)});
     EXPECT_EQ(result.status, 1);
     const std::size_t end = result.out.find('\n') + 1;
     EXPECT_NE(result.out.substr(0, end).find("points.csv: 1."), std::string::npos) << result.out;
     EXPECT_EQ(result.out.substr(end), out);
-    EXPECT_EQ(result.err, "fieldbook: " + UrlOf(taker.server) + ": " + err + "\n");
+    EXPECT_EQ(result.err, "fieldbook: " + UrlOf(server) + ": " + err + "\n");
   }
 }
 
@@ -208,6 +194,8 @@ TEST(Web, ErrorsOfThePlatformHaveWords) {
       {407, 12038, "the server's certificate is for another server"},
       {406, 12045, "the server's certificate is by an authority that isn't trusted here"},
       {112, 0, "4 GiB and more can't be sent at once"},
+      {605, 0, "4 GiB and more can't be sent at once"},
+      {605, 5, "the file can't be read"},
       {105, 0, "the file has become shorter meanwhile"},
       {402, 126, "the request has failed, errors 402 and 126"},
   };

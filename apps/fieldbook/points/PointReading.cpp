@@ -1,5 +1,4 @@
 #include "fieldbook/points/PointReading.h"
-#include "fieldbook/points/OpenBytes.h"
 
 #include <algorithm>
 #include <atomic>

@@ -11,7 +11,7 @@ namespace {
 
 const std::string kOk = "HTTP/1.1 200 OK\r\n";
 
-TEST(HttpAnswer, BodiesEndAsTheirHeadSays) {
+TEST(HttpAnswer, BodiesEndAsTheirHeadSaysOrInAnError) {
   const std::pair<std::string, std::string> cases[] = {
       {kOk + "Content-Length: 5\r\n\r\nhelloMORE", UnderWine() ? "200 helloMORE" : "200 hello"},
       {kOk + "\r\nuntil the end", "200 until the end"},
@@ -22,17 +22,6 @@ TEST(HttpAnswer, BodiesEndAsTheirHeadSays) {
       {"HTTP/1.1 100 Continue\r\n\r\n" + kOk + "Content-Length: 1\r\n\r\nx", "200 x"},
       {kOk + "Content-Length: 0\r\n\r\n", "200 "},
       {"HTTP/1.1 500 \r\nContent-Length: 1\r\n\r\nx", "500 x"},
-  };
-  for (const auto& [answer, expected] : cases) {
-    ScriptedServer server(ScriptedServer::Answering(answer));
-    EXPECT_EQ(HttpExchange(server.Port()).SendAndAnswer(), expected) << answer;
-  }
-}
-
-TEST(HttpAnswer, WhatIsNoAnswerIsAnError) {
-  // Wine takes most of these for something.
-  if (UnderWine()) GTEST_SKIP();
-  const std::pair<std::string, std::string> cases[] = {
       {"", "error 12030"},
       {"hello\r\n\r\n", "error 12152"},
       {"HTTP/9.9 200 OK\r\n\r\n", "error 12152"},
@@ -46,6 +35,8 @@ TEST(HttpAnswer, WhatIsNoAnswerIsAnError) {
       {kOk + "Transfer-Encoding: chunked\r\n\r\n3\r\nabc", "200 abcerror 12030"},
   };
   for (const auto& [answer, expected] : cases) {
+    // Wine takes most of what is no answer for something.
+    if (UnderWine() && expected.find("error") != std::string::npos) continue;
     ScriptedServer server(ScriptedServer::Answering(answer));
     EXPECT_EQ(HttpExchange(server.Port()).SendAndAnswer(), expected) << answer;
   }
@@ -167,15 +158,20 @@ TEST(HttpAnswer, HeadersAreFoundByNameAndIndex) {
                                 "Content-Length: 2\r\n\r\nok"));
   HttpExchange exchange(server.Port());
   ASSERT_TRUE(exchange.Send());
-  EXPECT_EQ(exchange.Query(HTTP_QUERY_CUSTOM, "X-ONE", 0), "a");
-  EXPECT_EQ(exchange.Query(HTTP_QUERY_CUSTOM, "x-one", 1), "b");
-  EXPECT_EQ(exchange.Query(HTTP_QUERY_CUSTOM, "x-one", 2), "12150");
-  EXPECT_EQ(exchange.Query(HTTP_QUERY_CUSTOM, "x-on", 0), "12150");
-  EXPECT_EQ(exchange.Query(HTTP_QUERY_CUSTOM, "Content-Type"), "text/plain");
-  EXPECT_EQ(exchange.Query(HTTP_QUERY_CONTENT_TYPE), "text/plain");
-  EXPECT_EQ(exchange.Query(HTTP_QUERY_STATUS_TEXT), "OK");
-  EXPECT_EQ(exchange.Query(HTTP_QUERY_VERSION), "HTTP/1.1");
-  EXPECT_EQ(exchange.Query(HTTP_QUERY_LOCATION), "12150");
+  const std::tuple<DWORD, const char*, DWORD, const char*> cases[] = {
+      {HTTP_QUERY_CUSTOM, "X-ONE", 0, "a"},
+      {HTTP_QUERY_CUSTOM, "x-one", 1, "b"},
+      {HTTP_QUERY_CUSTOM, "x-one", 2, "12150"},
+      {HTTP_QUERY_CUSTOM, "x-on", 0, "12150"},
+      {HTTP_QUERY_CUSTOM, "Content-Type", 0, "text/plain"},
+      {HTTP_QUERY_CONTENT_TYPE, "", 0, "text/plain"},
+      {HTTP_QUERY_STATUS_TEXT, "", 0, "OK"},
+      {HTTP_QUERY_VERSION, "", 0, "HTTP/1.1"},
+      {HTTP_QUERY_LOCATION, "", 0, "12150"},
+  };
+  for (const auto& [level, name, index, value] : cases) {
+    EXPECT_EQ(exchange.Query(level, name, index), value) << name << index;
+  }
   DWORD number = 0;
   DWORD size = sizeof number;
   DWORD index = 0;

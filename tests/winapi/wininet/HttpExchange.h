@@ -45,6 +45,19 @@ class HttpExchange {
     return HttpSendRequestW(request, nullptr, 0, body.empty() ? nullptr : body.data(),
                             static_cast<DWORD>(body.size()));
   }
+  // The head of a body that is written, its pieces, and its end.
+  bool Begin(DWORD size) {
+    INTERNET_BUFFERSW buffers{};
+    buffers.dwStructSize = sizeof buffers;
+    buffers.dwBufferTotal = size;
+    return HttpSendRequestExW(request, &buffers, nullptr, 0, 0);
+  }
+  bool Write(const std::string& bytes) {
+    DWORD written = 0;
+    return InternetWriteFile(request, bytes.data(), static_cast<DWORD>(bytes.size()), &written) &&
+           written == bytes.size();
+  }
+  bool End() { return HttpEndRequestW(request, nullptr, 0, 0); }
   // "200 body"; where it fails, the error behind what was read.
   std::string Answer() {
     std::string answer = Query(HTTP_QUERY_STATUS_CODE) + " ";

@@ -43,16 +43,10 @@ TEST(HttpFailure, AConnectionThatHasGoneRaisesNoSignal) {
       peer.Break();
     });
     HttpExchange exchange(server.Port(), "POST");
-    INTERNET_BUFFERSW buffers{};
-    buffers.dwStructSize = sizeof buffers;
-    buffers.dwBufferTotal = 100'000'000;
-    ASSERT_TRUE(HttpSendRequestExW(exchange.request, &buffers, nullptr, 0, 0));
+    ASSERT_TRUE(exchange.Begin(100'000'000));
     const std::string piece(1'000'000, 'p');
-    DWORD written = 0;
     int pieces = 0;
-    while (pieces < 100 && InternetWriteFile(exchange.request, piece.data(), 1'000'000, &written)) {
-      ++pieces;
-    }
+    while (pieces < 100 && exchange.Write(piece)) ++pieces;
     EXPECT_LT(pieces, 100);
   }
 }

@@ -23,6 +23,7 @@ static int closesocket(int socket) {
 
 #include <chrono>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -103,6 +104,11 @@ std::vector<std::string> ScriptedServer::Heads() const {
   return m_heads;
 }
 
+std::vector<std::string> ScriptedServer::Bodies() const {
+  const std::lock_guard lock(m_mutex);
+  return m_bodies;
+}
+
 bool ScriptedServer::Peer::Receive() {
   const auto socket = static_cast<SOCKET>(m_socket);
   while (!m_server.m_ending) {
@@ -122,6 +128,9 @@ std::string ScriptedServer::Peer::ReadHead() {
     if (!Receive()) return {};
   }
   std::string head = Read(end + 4);
+  static constexpr std::string_view kLength = "\r\nContent-Length: ";
+  const std::size_t length = head.find(kLength);
+  m_bodySize = length == std::string::npos ? 0 : std::stoul(head.substr(length + kLength.size()));
   const std::lock_guard lock(m_server.m_mutex);
   m_server.m_heads.push_back(head);
   return head;
@@ -135,7 +144,15 @@ std::string ScriptedServer::Peer::Read(std::size_t count) {
   return bytes;
 }
 
-void ScriptedServer::Peer::Skip(std::size_t count) {
+std::string ScriptedServer::Peer::ReadBody() {
+  std::string body = Read(m_bodySize);
+  const std::lock_guard lock(m_server.m_mutex);
+  m_server.m_bodies.push_back(body);
+  return body;
+}
+
+void ScriptedServer::Peer::SkipBody() {
+  std::size_t count = m_bodySize;
   while (count > m_received.size()) {
     count -= m_received.size();
     m_received.clear();

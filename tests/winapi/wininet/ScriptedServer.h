@@ -24,8 +24,10 @@ class ScriptedServer {
     std::string ReadHead();
     // Fewer where the other side has closed.
     std::string Read(std::size_t count);
+    // As many as the last head tells; they are kept for Bodies.
+    std::string ReadBody();
     // The same, without keeping them.
-    void Skip(std::size_t count);
+    void SkipBody();
     // False where the other side has gone.
     bool Send(const std::string& bytes);
     // Until the other side closes, or the server ends.
@@ -42,6 +44,7 @@ class ScriptedServer {
     ScriptedServer& m_server;
     std::intptr_t m_socket;
     std::string m_received;
+    std::size_t m_bodySize = 0;
   };
   using Script = std::function<void(Peer&)>;
 
@@ -53,6 +56,7 @@ class ScriptedServer {
   std::uint16_t Port() const { return m_port; }
   int Connections() const { return m_connections; }
   std::vector<std::string> Heads() const;
+  std::vector<std::string> Bodies() const;
 
  private:
   void Accept();
@@ -64,6 +68,7 @@ class ScriptedServer {
   std::atomic<int> m_connections{0};
   mutable std::mutex m_mutex;
   std::vector<std::string> m_heads;
+  std::vector<std::string> m_bodies;
   struct Run {
     std::atomic<bool> isOver{false};
     std::thread thread;
