@@ -5,12 +5,12 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cstring>
 #include <string_view>
 
 #include "kelptext/Utf8.h"
 #include "kelptext/XmlText.h"
+#include "sarnutils/BesideFile.h"
 #include "sarnutils/XmlName.h"
 
 using WideText = std::basic_string<WChar>;
@@ -52,14 +52,6 @@ std::string_view ReferenceOf(char32_t codePoint) {
     default:
       return "";
   }
-}
-
-// A file beside the target that no other writer has.
-WideText NameBeside(const WideText& path) {
-  static std::atomic<unsigned> count = 0;
-  const std::string name =
-      '.' + std::to_string(GetCurrentProcessId()) + '-' + std::to_string(++count) + ".new";
-  return path + WideText(name.begin(), name.end());
 }
 
 // What can't be replaced is better known before than after the writing.
@@ -161,7 +153,8 @@ bool XmlWriter::openFile() {
     Log(KTEXT("the file can't be written"));
     return false;
   }
-  m_writtenPath = NameBeside(m_path);
+  sarn::detail::ClearAwayDead(m_path);
+  m_writtenPath = sarn::detail::BesideName(m_path);
   m_file.reset(_wfopen(m_writtenPath.c_str(), KTEXT("wb")));
   if (m_file == nullptr) {
     m_writtenPath.clear();

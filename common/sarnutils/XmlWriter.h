@@ -14,7 +14,8 @@
 //
 // The file is written beside its target, under a name of its own, and takes the target's place in
 // closeFile. Until then the old file stays: a full disk, a crash or a writer that is never closed
-// leave it as it was.
+// leave it as it was. What a writer that was killed has left beside it goes when the target is next
+// written, an hour later or more (BesideFile.h).
 //
 // Threads: an object belongs to one thread at a time.
 #pragma once

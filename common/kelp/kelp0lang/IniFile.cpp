@@ -327,12 +327,12 @@ int CIniFile::GetString(const WChar* section, const WChar* key, const WChar* def
 }
 
 WString CIniFile::GetString(const WChar* section, const WChar* key, const WChar* def) const {
-  WChar buffer[kTextBuffer] = {};
+  WChar buffer[kTextBuffer];
   return GetString(section, key, def, buffer, kTextBuffer) > 0 ? WString(buffer) : WString();
 }
 
 WString CIniFile::GetKelpString(const WChar* section, const WChar* key, const WChar* def) const {
-  WChar buffer[kTextBuffer] = {};
+  WChar buffer[kTextBuffer];
   return Read(m_sPath, section, key, def, buffer, kTextBuffer) > 0 ? WString(buffer) : WString();
 }
 

@@ -2,10 +2,9 @@
 
 #include <windows.h>
 
-#include <atomic>
 #include <vector>
 
-#include "kelp0lang/LocaleFree.h"
+#include "sarnutils/BesideFile.h"
 
 namespace kelp::detail {
 namespace {
@@ -44,13 +43,9 @@ WString Resolved(const WString& path) {
   return name.empty() ? path : PlainPath(name);
 }
 
-// No other name like it: by process, and counted within it. What an earlier process of the same
-// number has left behind is passed over by the caller.
+// What an earlier process of the same number has left behind is passed over by the caller.
 WString BesideName(const WString& target) {
-  static constinit std::atomic<unsigned> count{0};
-  WChar suffix[64];
-  Format(suffix, 64, KTEXT('.'), KTEXT(".%x-%x.new"), GetCurrentProcessId(), ++count);
-  return target + suffix;
+  return WString(sarn::detail::BesideName(target.c_str()).c_str());
 }
 
 void CopyPermissions(const WString& from, const WString& to) {
@@ -80,6 +75,7 @@ bool MayBeReplaced(const WString& path) {
 
 WholeFile::WholeFile(const WString& target) : m_target(Resolved(target)) {
   if (!MayBeReplaced(m_target)) return;
+  sarn::detail::ClearAwayDead(m_target.c_str());
   HANDLE file;
   WString path;
   do {

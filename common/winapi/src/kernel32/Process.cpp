@@ -85,8 +85,11 @@ HANDLE WINAPI OpenProcess(DWORD access, BOOL, DWORD processId) {
   if (processId == 0) return Fail<HANDLE>(ERROR_INVALID_PARAMETER);
   const auto id = static_cast<pid_t>(processId);
   winapi::Descriptor descriptor(static_cast<int>(syscall(SYS_pidfd_open, id, 0)));
-  // The number of a thread, or of nothing.
-  if (descriptor < 0) return Fail<HANDLE>(ERROR_INVALID_PARAMETER);
+  if (descriptor < 0) {
+    // The number of a thread, or of nothing; other reasons tell nothing of the process.
+    const bool isNone = errno == ESRCH || errno == EINVAL || errno == ENOENT;
+    return Fail<HANDLE>(isNone ? ERROR_INVALID_PARAMETER : ERROR_NOT_ENOUGH_MEMORY);
+  }
   if (!winapi::MayLookInto(processId)) return Fail<HANDLE>(ERROR_ACCESS_DENIED);
   return KernelLock().Add(std::make_shared<Process>(id, std::move(descriptor)));
 }
