@@ -1,5 +1,7 @@
 #include "sarnutils/XmlWriter.h"
 
+#include <chrono>
+
 #include "kelp0lang/XmlGeneric.h"
 #include "tests/XmlTest.h"
 
@@ -164,4 +166,32 @@ TEST_F(XmlFileWriter, IndentsNoFurtherThanThirtyTwoLevels) {
   const std::string text = Read("a.xml");
   EXPECT_NE(text.npos, text.find('\n' + std::string(62, ' ') + "<r>\n" + std::string(64, ' ') +
                                  "<r>\n" + std::string(64, ' ') + "<r>\n"));
+}
+
+// What others have left goes only where they surely can't go on with it.
+TEST_F(XmlFileWriter, ClearsAwayWhatADeadWriterHasLeft) {
+  const std::string own = std::to_string(GetCurrentProcessId());
+  const std::string none = "2147483632";
+  const struct {
+    std::string name;
+    int hours;
+    bool stays;
+  } kFiles[] = {
+      {"a.xml." + none + "-1.new", 2, false},  {"a.xml." + none + "-2.new", 0, true},
+      {"a.xml." + own + "-99.new", 2, true},   {"a.xml.4711.new", 2, true},
+      {"a.xml." + none + "-1x.new", 2, true},  {"a.xml." + none + "-1.new.bak", 2, true},
+      {"b.a.xml." + none + "-1.new", 2, true}, {"a.xml.b." + none + "-1.new", 2, true},
+      {"a.xml.99999999999999-1.new", 2, true},
+  };
+  for (const auto& file : kFiles) {
+    m_folder.Write(file.name, "half");
+    const auto path = m_folder.Path() / file.name;
+    std::filesystem::last_write_time(
+        path, std::filesystem::last_write_time(path) - std::chrono::hours(file.hours));
+  }
+  XmlWriter writer(Path("a.xml").c_str(), KTEXT("r"), nullptr);
+  ASSERT_TRUE(writer.openFile());
+  for (const auto& file : kFiles) {
+    EXPECT_EQ(std::filesystem::exists(m_folder.Path() / file.name), file.stays) << file.name;
+  }
 }

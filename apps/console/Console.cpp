@@ -350,7 +350,11 @@ WString SystemPath(const WString& path) {
 // What the library takes for the path has to lead back to it.
 WString LibraryPath(const Argument& file) {
   std::error_code error;
-  const fs::path absolute = fs::absolute(file.path, error).lexically_normal();
+  fs::path absolute = fs::absolute(file.path, error);
+  // Behind a link ".." leads elsewhere than the text says.
+  const bool goesUp = std::find(absolute.begin(), absolute.end(), "..") != absolute.end();
+  if (goesUp) absolute = fs::weakly_canonical(absolute, error);
+  absolute = absolute.lexically_normal();
   const WString path = kelp::CFile(KTEXT("C:") + Decode(absolute.native())).GetAbsolutePath();
   std::string back;
   AppendUtf8(back, SystemPath(path));

@@ -42,6 +42,18 @@ TEST(ByteSource, AFileThatBecomesShorterIsAFailure) {
   }
 }
 
+TEST(ByteSource, ThePathLeadsWhereTheSystemSays) {
+  const DataFolder folder;
+  std::filesystem::create_directories(folder.PathOf("b/c"));
+  folder.Write("a.csv", "as the text says");
+  folder.Write("b/a.csv", "behind the link");
+  std::error_code refused;  // as Windows does
+  std::filesystem::create_directory_symlink(folder.PathOf("b/c"), folder.PathOf("link"), refused);
+  if (refused) return;
+  const auto source = fieldbook::OpenBytes(ArgumentOf(folder, "link/../a.csv"));
+  EXPECT_EQ(fieldbook::ReadRest(*source), "behind the link");
+}
+
 // Runs on settings of its own.
 class Recent : public testing::Test {
  protected:

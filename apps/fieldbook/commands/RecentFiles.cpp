@@ -65,7 +65,9 @@ class Slots {
   void BringToFront(const kelp::CFile& file) {
     auto place = Find(file);
     if (place == m_slots.end()) {
-      place = m_slots.insert(m_slots.end(), {TakeNumber(), file, true});
+      const int number = TakeNumber();
+      m_slots.push_back({number, file, true});
+      place = m_slots.end() - 1;
     }
     std::rotate(m_slots.begin(), place, place + 1);
   }
