@@ -12,7 +12,8 @@ cd "$(dirname "$0")"
 
 run_linux() {
   need_compiler
-  need_packages cups-daemon gdb gettext libfmt-dev nginx-light openssl tinyproxy-bin xvfb
+  need_packages cups-daemon gdb gettext libfmt-dev nginx-light openssl tinyproxy-bin x11-utils \
+    x11-xserver-utils xvfb
   need_german_locale
   build "$1"
   ctest --preset "$1"

@@ -43,7 +43,7 @@ TEST(System, MonitorsAreThoseOfTheDisplay) {
   }
   const XTestServer server;
   const Variable display("DISPLAY", server.Display().c_str());
-  server.SetHint("_NET_WORKAREA", {8, 0, 1272, 984});
+  server.SetHint("_NET_WORKAREA", "8,0,1272,984");
   EXPECT_TRUE(shows("\nmonitor 1: 1272 x 984 pixels for windows, from 8, 0\n"));
 }
 #endif

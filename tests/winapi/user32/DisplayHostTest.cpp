@@ -1,12 +1,8 @@
 // What X servers and window managers tell of the monitors.
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 #include <windows.h>
 
-#include <atomic>
 #include <string>
-#include <thread>
-#include <vector>
 
 #include "tests/XTestServer.h"
 #include "tests/winapi/ErrorOf.h"
@@ -39,16 +35,15 @@ TEST(DisplayHost, TheWorkAreaIsTheWindowManagersForTheDesktopThatIsShown) {
   const Variable display("DISPLAY", server.Display().c_str());
   EXPECT_EQ(Monitors(), "*0,0-1280,1024 ");
   const struct {
-    std::vector<std::uint32_t> desktop, area;
-    std::string monitors;
+    std::string desktop, area, monitors;
   } cases[] = {
-      {{0}, {0, 0, 1280, 984}, "*0,0-1280,984 "},
-      {{1}, {0, 0, 1280, 984, 50, 24, 1230, 1000}, "*50,24-1280,1024 "},
-      {{7}, {0, 0, 1280, 984}, "*0,0-1280,984 "},
-      {{0}, {0xFFFFFFF6, 10, 0xFFFFFFFF, 0x7FFFFFFF}, "*0,10-1280,1024 "},
-      {{0}, {5000, 0, 100, 100}, "*0,0-1280,1024 "},
-      {{0}, {0, 0, 1280}, "*0,0-1280,1024 "},
-      {{0x40000001}, {1, 2, 3, 4}, "*1,2-4,6 "},
+      {"0", "0,0,1280,984", "*0,0-1280,984 "},
+      {"1", "0,0,1280,984,50,24,1230,1000", "*50,24-1280,1024 "},
+      {"7", "0,0,1280,984", "*0,0-1280,984 "},
+      {"0", "4294967286,10,4294967295,2147483647", "*0,10-1280,1024 "},
+      {"0", "5000,0,100,100", "*0,0-1280,1024 "},
+      {"0", "0,0,1280", "*0,0-1280,1024 "},
+      {"1073741825", "1,2,3,4", "*1,2-4,6 "},
   };
   for (const auto& test : cases) {
     server.SetHint("_NET_CURRENT_DESKTOP", test.desktop);
@@ -60,9 +55,9 @@ TEST(DisplayHost, TheWorkAreaIsTheWindowManagersForTheDesktopThatIsShown) {
 TEST(DisplayHost, ThePrimaryMonitorIsTheOrigin) {
   const XTestServer server;
   const Variable display("DISPLAY", server.Display().c_str());
-  server.AddMonitor("left", false, true, 0, 500);
-  server.AddMonitor("right", true, false, 500, 780);
-  server.SetHint("_NET_WORKAREA", {0, 30, 1280, 994});
+  server.SetMonitor("left", "500/0x1024/0+0+0 screen");
+  server.SetMonitor("*right", "780/0x1024/0+500+0 none");
+  server.SetHint("_NET_WORKAREA", "0,30,1280,994");
   const std::string monitors = Monitors();
   EXPECT_NE(monitors.find("*0,30-780,1024 "), std::string::npos) << monitors;
   EXPECT_NE(monitors.find(" -500,30-0,1024 "), std::string::npos) << monitors;
@@ -89,7 +84,7 @@ TEST(DisplayHost, ThePrimaryMonitorIsTheOrigin) {
 }
 
 TEST(DisplayHost, AServerWithoutRandRHasItsScreen) {
-  const XTestServer server({"-extension", "RANDR"});
+  const XTestServer server("-extension RANDR");
   const Variable display("DISPLAY", server.Display().c_str());
   EXPECT_EQ(Monitors(), "*0,0-1280,1024 ");
 }
