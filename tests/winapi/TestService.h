@@ -68,7 +68,7 @@ class TestService {
   ~TestService() {
     if (handle == nullptr) return;
     // One that is starting still takes no controls.
-    for (int i = 0; i < 3'000 && Status().dwCurrentState != SERVICE_STOPPED; ++i) {
+    for (int i = 0; i < 500 && Status().dwCurrentState != SERVICE_STOPPED; ++i) {
       Control(kStopAnyhow);
       Sleep(20);
     }
