@@ -31,6 +31,10 @@ def text_of(lines):
         if is_code:
             result.append("~~~")
         is_code = False
+        # A minus at the begin of a line would begin a list.
+        if line.startswith("- ") and result:
+            result[-1] += " " + line
+            continue
         result.append(escaped(line))
     return "\n".join(result + (["~~~"] if is_code else [])) + "\n"
 

@@ -16,7 +16,7 @@ int main() {
   settings.WriteString(KTEXT("Draw"), KTEXT("Style"), KTEXT("dashed"));
 
   const kelp::CFile file(settings.GetIniFilePath());
-  std::printf("%s, %d bytes\n", file.GetName().ToUtf8().c_str(), static_cast<int>(file.Length()));
+  std::printf("%s, %s\n", file.GetName().ToUtf8().c_str(), file.CanWrite() ? "written" : "missing");
   std::printf("scale %.2f, contour %06lX, style %s, grid %s\n",
               settings.GetDouble(KTEXT("Draw"), KTEXT("Scale"), 1.0),
               settings.GetColor(KTEXT("Draw"), KTEXT("Contour"), 0, 0, 0),
