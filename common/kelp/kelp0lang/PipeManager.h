@@ -76,7 +76,7 @@ class KELP0LANG_API CPipeManager {
 
 // The pipes of the family's helper, "//./pipe/runas_server" to write and "//./pipe/runas_client" to
 // read; this process is their server. Where one couldn't be made, everything that needs it fails.
-class KELP0LANG_API CPipeManager_Talv : public CPipeManager {
+class KELP0LANG_API CPipeManager_Talv final : public CPipeManager {
  public:
   CPipeManager_Talv();
   // Disconnects and closes.
