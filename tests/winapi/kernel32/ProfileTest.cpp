@@ -68,6 +68,7 @@ TEST_F(Profile, ReadsByNamesWithoutRegardToCaseAndBlanks) {
     }
   }
   EXPECT_EQ(Get(WTEXT("One"), WTEXT("none"), WTEXT(" d  ")), WTEXT(" d"));
+  if (UnderWine()) return;  // where the case of letters beyond ASCII counts
   Write(Utf16("[\xC9t\xE9]\nqualit\xE0=high\n"));
   EXPECT_EQ(Get(WTEXT("\u00E9T\u00C9"), WTEXT("QUALIT\u00C0")), WTEXT("high"));
   EXPECT_EQ(Get(WTEXT("\u00E9T\u00C9"), WTEXT("QUALIT\u00C8")), WTEXT("?"));
