@@ -59,8 +59,11 @@ run_windows() {
   # A Windows of the build's own, made before several tests start at once.
   export WINEPREFIX=$root/build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
   start_display
-  [ -f "$WINEPREFIX/system.reg" ] ||
+  if [ ! -f "$WINEPREFIX/system.reg" ]; then
     with_fixed_addresses /usr/lib/wine/wine64 wineboot --init >&2
+    # The service manager that set it up starts nobody else's services; the next one does.
+    /usr/lib/wine/wineserver64 -w
+  fi
   # Some files of the library have their place on D:.
   mkdir -p "$WINEPREFIX/drive_d"
   ln -sfn ../drive_d "$WINEPREFIX/dosdevices/d:"
