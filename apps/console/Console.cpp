@@ -305,7 +305,20 @@ WString Console::EnvironmentLanguage() {
   return GetUserDefaultLocaleName(name, LOCALE_NAME_MAX_LENGTH) > 0 ? WString(name) : WString();
 }
 
+WideOutputScope::WideOutputScope() {
+  std::fflush(stdout);
+  _setmode(_fileno(stdout), _O_TEXT);
+}
+
+WideOutputScope::~WideOutputScope() {
+  std::fflush(stdout);
+  _setmode(_fileno(stdout), _O_BINARY);
+}
+
 #else
+
+WideOutputScope::WideOutputScope() = default;
+WideOutputScope::~WideOutputScope() = default;
 
 std::filesystem::path Console::ProgramFolder() {
   std::error_code ignored;

@@ -91,6 +91,16 @@ class InterruptScope {
   static bool IsInterrupted();
 };
 
+// While the object lives, wide text that the library writes to standard output is text there. On
+// Windows a stream of bytes, as a Console makes it one, would have its units.
+class WideOutputScope {
+ public:
+  WideOutputScope();
+  ~WideOutputScope();
+  WideOutputScope(const WideOutputScope&) = delete;
+  WideOutputScope& operator=(const WideOutputScope&) = delete;
+};
+
 // The content of a file, or of standard input for "-". The watch hears how far a file
 // is; of what has no size it hears 0. Throws Failure.
 std::string ReadAll(const Argument& file, const Watch& watch = {});

@@ -94,6 +94,22 @@ TEST_F(Watch, WhatIsntSoundIsToldAndNotCopied) {
   }
 }
 
+TEST_F(Watch, WhatCouldntBeWrittenIsTriedAgainAndToldOnce) {
+  FolderWatch watch(From(), To());
+  m_folder.Write("from/a.csv", kPoints);
+  fs::create_directories(To() / "a.csv" / "in the way");
+  Look(watch);
+  const std::string said = Look(watch);
+  EXPECT_NE(said.find("a.csv: "), said.npos) << said;
+  EXPECT_EQ(Look(watch), "");
+  fs::remove_all(To() / "a.csv");
+  EXPECT_TRUE(Look(watch).ends_with("a.csv: copied, 2 points\n"));
+
+  fs::rename(From(), m_folder.PathOf("elsewhere"));
+  EXPECT_NE(Look(watch), "");
+  EXPECT_EQ(Look(watch), "") << "told once";
+}
+
 // In this very process, whose services are those of the tests.
 ProgramResult Service(const std::vector<std::string>& arguments) {
   std::vector<console::Argument> all;
@@ -131,6 +147,7 @@ TEST_F(Watch, TheServiceIsInstalledRunsAndIsRemoved) {
 
   const ProgramResult started = Service({"start"});
   ASSERT_EQ(started.status, 0) << started.out << started.err;
+  EXPECT_NE(started.out.find("Service started successfully."), std::string::npos) << started.out;
   EXPECT_TRUE(Service({"status"}).out.starts_with("fieldwatch runs as process "));
   m_folder.Write("from/a.csv", kPoints);
   for (int i = 0; i < 600 && !fs::exists(To() / "a.csv"); ++i) {

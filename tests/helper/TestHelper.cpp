@@ -11,21 +11,15 @@
 
 #include <string>
 
-#ifdef _WIN32
-#define WTEXT(text) L##text
-#else
-#define WTEXT(text) u##text
-#endif
+#include "tests/winapi/WideText.h"
 
 namespace {
-
-using Text = std::basic_string<WCHAR>;
 
 HANDLE Open(const WCHAR* name, DWORD access) {
   return CreateFileW(name, access, 0, nullptr, OPEN_EXISTING, 0, nullptr);
 }
 
-void Say(HANDLE pipe, const Text& text) {
+void Say(HANDLE pipe, const Wide& text) {
   DWORD count = 0;
   WriteFile(pipe, text.data(), static_cast<DWORD>(text.size() * sizeof(WCHAR)), &count, nullptr);
 }
@@ -33,16 +27,16 @@ void Say(HANDLE pipe, const Text& text) {
 // What is no answer, each in a read of the other side's own.
 void SayGarbage(HANDLE pipe) {
   constexpr DWORD kMoreThanAPoll = 700;
-  const Text parts[] = {
+  const Wide parts[] = {
       WTEXT("1;2000000000;2;0;"),
       WTEXT("1;-3;2;0;"),
       WTEXT("1;1;99;0;"),
       WTEXT(";;;;"),
       WTEXT("99999999999999999999;1;2;0;"),
-      Text(200'000, 'x'),
-      Text(1, 0) + WTEXT("1;1;2;0;"),
+      Wide(200'000, 'x'),
+      Wide(1, 0) + WTEXT("1;1;2;0;"),
   };
-  for (const Text& part : parts) {
+  for (const Wide& part : parts) {
     Say(pipe, part);
     Sleep(kMoreThanAPoll);
   }
@@ -52,7 +46,7 @@ void SayGarbage(HANDLE pipe) {
 
 int Launch(const char* program) {
   const std::string narrow = program;
-  const Text path(narrow.begin(), narrow.end());
+  const Wide path(narrow.begin(), narrow.end());
   SHELLEXECUTEINFOW info = {};
   info.cbSize = sizeof info;
   info.fMask = SEE_MASK_NOCLOSEPROCESS;
@@ -71,9 +65,9 @@ void Talk() {
   DWORD bytes = 0;
   while (ReadFile(in, units, sizeof units, &bytes, nullptr)) {
     // "6;4;4;<first value>;..."
-    Text rest(units, bytes / sizeof(WCHAR));
+    Wide rest(units, bytes / sizeof(WCHAR));
     for (int i = 0; i < 3; ++i) rest.erase(0, rest.find(';') + 1);
-    const Text value = rest.substr(0, rest.find(';'));
+    const Wide value = rest.substr(0, rest.find(';'));
     if (value == WTEXT("end")) {
       Say(out, WTEXT("1;1;2"));
       return;

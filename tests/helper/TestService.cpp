@@ -9,15 +9,9 @@
 #include <cstdlib>
 #include <string>
 
-#ifdef _WIN32
-#define WTEXT(text) L##text
-#else
-#define WTEXT(text) u##text
-#endif
+#include "tests/winapi/WideText.h"
 
 namespace {
-
-using Text = std::basic_string<WCHAR>;
 
 constexpr DWORD kEndAtOnce = 200;  // controls of its own
 constexpr DWORD kRefused = 201;
@@ -25,13 +19,13 @@ constexpr DWORD kStopAnyhow = 202;
 constexpr DWORD kReason = 1234;
 
 std::string mode;
-Text file;
+Wide file;
 SERVICE_STATUS_HANDLE handle;
 HANDLE stopped;
 SERVICE_STATUS status = {SERVICE_WIN32_OWN_PROCESS, SERVICE_START_PENDING, 0, 0, 0, 0, 0};
 
-Text Widened(const char* text) {
-  return Text(text, text + std::string(text).size());
+Wide Widened(const char* text) {
+  return Wide(text, text + std::string(text).size());
 }
 
 void Tell(DWORD state, DWORD accepted = 0, DWORD checkPoint = 0, DWORD hint = 0) {
@@ -58,8 +52,8 @@ bool Exists() {
 }
 
 void WriteArguments(DWORD count, LPWSTR* arguments) {
-  Text all;
-  for (DWORD i = 0; i < count; ++i) all += Text(arguments[i]) + WTEXT("|");
+  Wide all;
+  for (DWORD i = 0; i < count; ++i) all += Wide(arguments[i]) + WTEXT("|");
   const HANDLE out =
       CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
   DWORD written = 0;
@@ -95,9 +89,9 @@ void WINAPI Run(DWORD count, LPWSTR* arguments) {
   Tell(SERVICE_STOPPED);
 }
 
-int Race(const char* program, const Text& name) {
+int Race(const char* program, const Wide& name) {
   const SC_HANDLE manager = OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
-  const Text path = WTEXT('"') + Widened(program) + WTEXT("\" plain");
+  const Wide path = WTEXT('"') + Widened(program) + WTEXT("\" plain");
   SC_HANDLE service =
       CreateServiceW(manager, name.c_str(), nullptr, SERVICE_START, SERVICE_WIN32_OWN_PROCESS,
                      SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL, path.c_str(), nullptr, nullptr,

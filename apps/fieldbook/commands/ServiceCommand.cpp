@@ -52,6 +52,13 @@ Handle OpenWatch(DWORD access) {
   throw Failure({source, {kWatchName}});
 }
 
+// What the library does, which prints how it goes on.
+template <class Work>
+bool Talking(const Work& work) {
+  const WideOutputScope output;
+  return work();
+}
+
 void RequireInstalled() {
   if (!IsTalvServiceInstalled(kWatchName)) Fail(KTEXT("{1} isn't installed"));
 }
@@ -92,20 +99,23 @@ void Install(const std::vector<Argument>& operands, Console&) {
   }
   if (IsTalvServiceInstalled(kWatchName)) Fail(KTEXT("{1} is installed already"));
   const WString command = WatchCommand(from.path, to.path);
-  if (InstallTalvService(kWatchName, kelp::Xlate(kWatchDisplayName), command, true)) return;
+  const bool isInstalled = Talking([&command] {
+    return InstallTalvService(kWatchName, kelp::Xlate(kWatchDisplayName), command, true);
+  });
+  if (isInstalled) return;
   if (InstallThroughHelper(command)) return;
   Fail(KTEXT("{1} can't be installed; that takes the rights of an administrator"));
 }
 
 void Start(const std::vector<Argument>&, Console&) {
   RequireInstalled();
-  StartTalvService(kWatchName);
+  Talking([] { return StartTalvService(kWatchName); });
   if (RequireStatus().dwCurrentState != SERVICE_RUNNING) Fail(KTEXT("{1} doesn't run"));
 }
 
 void Stop(const std::vector<Argument>&, Console&) {
   RequireInstalled();
-  StopTalvService(kWatchName);
+  Talking([] { return StopTalvService(kWatchName); });
   if (RequireStatus().dwCurrentState != SERVICE_STOPPED) Fail(KTEXT("{1} hasn't stopped"));
 }
 

@@ -14,14 +14,18 @@ namespace {
 namespace fs = std::filesystem;
 
 struct Stop {};
+// What is wrong with the content of a file.
+struct Unsound {
+  WString reason;
+};
 
 Argument ToArgument(const fs::path& file) {
   return {ToWString(file.string<WChar>()), file};
 }
 
 // The number of points. Throws Failure for a file that isn't to be copied.
-int RequireSound(const Argument& file, const std::string& bytes,
-                 const std::function<bool()>& isToStop) {
+int CountPoints(const Argument& file, const std::string& bytes,
+                const std::function<bool()>& isToStop) {
   const auto source = BytesOf(bytes);
   TextSource text(*source);
   PointScan scan(text, {});
@@ -38,6 +42,34 @@ int RequireSound(const Argument& file, const std::string& bytes,
   throw Failure({KTEXT("{1}: {2} rows can't be read, the first in line {3}: {4}"),
                  {Shown(file.text), WString::ValueOf(static_cast<int>(faults.Count())),
                   WString::ValueOf(first.line), first.message.Text()}});
+}
+
+// The number of points. Throws Unsound.
+int RequireSound(const Argument& file, const std::string& bytes,
+                 const std::function<bool()>& isToStop) {
+  try {
+    return CountPoints(file, bytes, isToStop);
+  } catch (const LayoutFailure& failure) {
+    throw Unsound{InFile(file, failure.GetMsg())};
+  } catch (const Failure& failure) {
+    throw Unsound{failure.GetMsg()};
+  }
+}
+
+// Adds a line where it isn't the one that was told last.
+void TellOnce(const WString& line, WString& told, std::vector<WString>& lines) {
+  if (line != told) lines.push_back(line);
+  told = line;
+}
+
+// Empty without an error.
+WString TextOf(const std::error_code& error, const fs::path& folder) {
+  if (!error) return {};
+  try {
+    FailOnFile(ToArgument(folder), error.default_error_condition().value());
+  } catch (const Failure& failure) {
+    return failure.GetMsg();
+  }
 }
 
 // Whether the copy is to be written; what stands in its place is kept.
@@ -64,17 +96,25 @@ std::vector<WString> FolderWatch::Look(const std::function<bool()>& isToStop) {
        file.increment(error)) {
     if (isToStop()) return lines;
     if (!IsDue(*file)) continue;
+    Seen& seen = m_seen[file->path().filename()];
     try {
       const WString line = Copy(file->path(), isToStop);
       if (!line.empty()) lines.push_back(line);
+      seen.isDone = true;
     } catch (const Stop&) {
       return lines;
-    } catch (const LayoutFailure& failure) {
-      lines.push_back(InFile(ToArgument(file->path()), failure.GetMsg()));
+    } catch (const Unsound& unsound) {
+      lines.push_back(unsound.reason);
+      seen.isDone = true;
     } catch (const Failure& failure) {
-      lines.push_back(failure.GetMsg());
+      TellOnce(failure.GetMsg(), seen.told, lines);
     }
-    m_seen[file->path().filename()].isDone = true;
+  }
+  const WString unread = TextOf(error, m_from);
+  if (unread.empty()) {
+    m_told = WString();
+  } else {
+    TellOnce(unread, m_told, lines);
   }
   std::erase_if(m_seen, [](const auto& entry) { return !entry.second.isThere; });
   return lines;

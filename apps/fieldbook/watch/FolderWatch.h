@@ -10,6 +10,8 @@
 // is being written isn't whole. What is copied are the bytes that were checked, in one step. A file
 // of the same name and other content that stands there is kept beside it as ".bak". A file in which
 // a row can't be read, or that has no point, isn't copied; it's looked into again when it changes.
+// Where a file or the folder itself can't be read, or the copy can't be written, each further look
+// tries again, and the reason is told once.
 #pragma once
 
 #include <cstdint>
@@ -36,15 +38,18 @@ class FolderWatch {
     std::filesystem::file_time_type written;
     bool isDone;
     bool isThere;
+    WString told = {};  // why it couldn't be copied
   };
   // Whether the file is at rest and hasn't been looked into.
   bool IsDue(const std::filesystem::directory_entry& file);
-  // The line of a file; empty for one whose copy is there already.
+  // The line of a file; empty for one whose copy is there already. Throws Failure for what another
+  // look may find mended.
   WString Copy(const std::filesystem::path& file, const std::function<bool()>& isToStop) const;
 
   const std::filesystem::path m_from;
   const std::filesystem::path m_to;
   std::map<std::filesystem::path, Seen> m_seen;
+  WString m_told;  // why the folder couldn't be read
 };
 
 }  // namespace fieldbook

@@ -50,6 +50,7 @@ bool IsToStop() {
   return WaitForSingleObject(service.stop, 0) == WAIT_OBJECT_0;
 }
 
+// A log that can't be written keeps no file from being copied, and there is nowhere else to tell.
 void Log(const WString& text) {
   std::string line;
   AppendUtf8(line, LocalTimeText(kelp::FGetUtcCurTime()) + KTEXT("  ") + text.c_str());

@@ -2,7 +2,6 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <windows.h>
@@ -19,6 +18,7 @@
 #include "advapi32/ServiceState.h"
 #include "kernel32/Descriptor.h"
 #include "kernel32/PathName.h"
+#include "kernel32/Spawn.h"
 
 namespace winapi {
 namespace {
@@ -36,31 +36,19 @@ std::string SupervisorProgram() {
 }
 
 // A process of its own session, with none of this one's signals and files but where it reports.
-int Spawn(const std::string& program, std::vector<std::string> arguments, int report, pid_t& id) {
-  std::vector<char*> pointers;
-  for (std::string& argument : arguments) pointers.push_back(argument.data());
-  pointers.push_back(nullptr);
-  posix_spawn_file_actions_t actions;
-  posix_spawnattr_t attributes;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawnattr_init(&attributes);
-  posix_spawn_file_actions_adddup2(&actions, report, kReportEnd);
+int SpawnApart(const std::string& program, const std::vector<std::string>& arguments, int report,
+               pid_t& id) {
+  Spawn spawn;
+  posix_spawn_file_actions_adddup2(&spawn.actions, report, kReportEnd);
   for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    posix_spawn_file_actions_addopen(&actions, standard, "/dev/null", O_RDWR, 0);
+    posix_spawn_file_actions_addopen(&spawn.actions, standard, "/dev/null", O_RDWR, 0);
   }
-  posix_spawn_file_actions_addchdir_np(&actions, "/");
-  sigset_t signals;
-  sigemptyset(&signals);
-  posix_spawnattr_setsigmask(&attributes, &signals);
-  sigfillset(&signals);
-  posix_spawnattr_setsigdefault(&attributes, &signals);
-  posix_spawnattr_setflags(&attributes,
-                           POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSID);
-  const int error =
-      posix_spawn(&id, program.c_str(), &actions, &attributes, pointers.data(), environ);
-  posix_spawnattr_destroy(&attributes);
-  posix_spawn_file_actions_destroy(&actions);
-  return error;
+  posix_spawn_file_actions_addchdir_np(&spawn.actions, "/");
+  sigset_t all;
+  sigfillset(&all);
+  posix_spawnattr_setsigdefault(&spawn.attributes, &all);
+  spawn.AddFlags(POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSID);
+  return spawn.Start(program, arguments, id);
 }
 
 DWORD Start(const InstalledService& service, const std::vector<std::string>& arguments) {
@@ -72,7 +60,7 @@ DWORD Start(const InstalledService& service, const std::vector<std::string>& arg
   std::vector<std::string> all = {program, service.place.folder, service.place.stem};
   all.insert(all.end(), arguments.begin(), arguments.end());
   pid_t id = 0;
-  const int failed = program.empty() ? ENOENT : Spawn(program, all, writer, id);
+  const int failed = program.empty() ? ENOENT : SpawnApart(program, all, writer, id);
   if (failed != 0) {
     SetFileError(failed, program);
     return GetLastError();

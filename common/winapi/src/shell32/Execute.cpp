@@ -1,48 +1,32 @@
 // Starting programs.
 #include <shellapi.h>
-#include <spawn.h>
 #include <unistd.h>
 #include <windows.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Fail.h"
 #include "kernel32/CommandLine.h"
 #include "kernel32/PathName.h"
 #include "kernel32/Process.h"
+#include "kernel32/Spawn.h"
 
 namespace {
 
 constexpr std::uintptr_t kStarted = 42;
 constexpr ULONG kKnownMask = SEE_MASK_NOCLOSEPROCESS | SEE_MASK_FLAG_NO_UI;
 
-// A program with this one's environment, and with none of its blocked signals. Gives an error
-// number.
+// Gives an error number.
 int Start(const std::string& program, const std::string& folder, std::vector<std::string> arguments,
           pid_t& id) {
   arguments.insert(arguments.begin(), program);
-  std::vector<char*> pointers;
-  for (std::string& argument : arguments) pointers.push_back(argument.data());
-  pointers.push_back(nullptr);
-
-  posix_spawn_file_actions_t actions;
-  posix_spawnattr_t attributes;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawnattr_init(&attributes);
-  if (!folder.empty()) posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
-  sigset_t none;
-  sigemptyset(&none);
-  posix_spawnattr_setsigmask(&attributes, &none);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-  const int error =
-      posix_spawn(&id, program.c_str(), &actions, &attributes, pointers.data(), environ);
-  posix_spawnattr_destroy(&attributes);
-  posix_spawn_file_actions_destroy(&actions);
-  return error;
+  winapi::Spawn spawn;
+  if (!folder.empty()) posix_spawn_file_actions_addchdir_np(&spawn.actions, folder.c_str());
+  return spawn.Start(program, std::move(arguments), id);
 }
 
 BOOL FailStart(SHELLEXECUTEINFOW* info, DWORD error) {
