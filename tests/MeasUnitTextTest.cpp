@@ -427,7 +427,7 @@ TEST_F(ValueText, LabelsCarryTheUnit) {
   EXPECT_EQ(GetCoord2Label(KTEXT("P"), enumCoordLabelMode::Letter), WString(KTEXT("P N")));
   Current().SetCoordDisplayMode(enumCoordDisplayMode::NorthEast);
   EXPECT_EQ(GetCoord1Label(WString(), enumCoordLabelMode::Letter), WString(KTEXT("N")));
-  EXPECT_EQ(GetCoord2Label(WString(), static_cast<enumCoordLabelMode>(5)), WString());
+  EXPECT_EQ(GetCoord2Label(WString(), static_cast<enumCoordLabelMode>(1 << 28)), WString());
 }
 
 TEST(MeasUnitLabel, EveryKindOfValue) {
