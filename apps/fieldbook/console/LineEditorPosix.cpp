@@ -126,9 +126,10 @@ class LineEditor::Terminal {
     el_set(
         m_editor, EL_GETCFN,
         +[](EditLine* editor, wchar_t* character) { return Of(editor).GetCharacter(*character); });
-    el_set(
-        m_editor, EL_ADDFN, "complete-word", "Completes the word before the cursor",
-        +[](EditLine* editor, int) { return Of(editor).CompleteWord(); });
+    // Wide, since libedit keeps these texts as they are, and of narrow ones copies that it loses.
+    el_wset(
+        m_editor, EL_ADDFN, L"complete-word", L"Completes the word before the cursor",
+        +[](EditLine* editor, wint_t) { return Of(editor).CompleteWord(); });
     el_set(m_editor, EL_BIND, "^I", "complete-word", nullptr);
     el_source(m_editor, nullptr);
   }

@@ -109,7 +109,7 @@ typedef struct _QUERY_SERVICE_CONFIGW {
   LPWSTR lpDisplayName;
 } QUERY_SERVICE_CONFIGW, *LPQUERY_SERVICE_CONFIGW;
 
-typedef enum _SC_STATUS_TYPE { SC_STATUS_PROCESS_INFO = 0 } SC_STATUS_TYPE;
+typedef enum _SC_STATUS_TYPE : int { SC_STATUS_PROCESS_INFO = 0 } SC_STATUS_TYPE;
 
 // The manager of this machine: another is RPC_S_SERVER_UNAVAILABLE, another database than
 // "ServicesActive" ERROR_DATABASE_DOES_NOT_EXIST.
