@@ -49,6 +49,7 @@ static_assert(sizeof(long) == sizeof(void*) && sizeof(curl_off_t) == sizeof(void
 
 extern "C" {
 BIND(CURLcode, curl_global_init, (long flags), (flags))
+BIND(curl_version_info_data*, curl_version_info, (CURLversion version), (version))
 
 BIND(CURL*, curl_easy_init, (), ())
 BIND(void, curl_easy_cleanup, (CURL * easy), (easy))

@@ -48,12 +48,25 @@ Shared& TheShared() {
   return shared;
 }
 
+// A handle that is given up keeps the names of cookie files.
+void CloseEasy(CURL* easy) {
+  curl_easy_setopt(easy, CURLOPT_COOKIEFILE, nullptr);
+  curl_easy_cleanup(easy);
+}
+
 void Close(TransferPlace& place) {
   const SigPipeGuard guard;
-  curl_easy_setopt(place.easy, CURLOPT_COOKIEFILE, nullptr);
-  curl_easy_cleanup(place.easy);
+  CloseEasy(place.easy);
   curl_multi_cleanup(place.multi);
   curl_slist_free_all(place.headers);
+}
+
+// Before 8.1.1 a handle that is used again reads freed memory where an answer's first header begins
+// with a blank, as it joins that to the last header of the answer before
+// (https://github.com/curl/curl/pull/11103). There each transfer has a handle of its own.
+bool MayUseAgain() {
+  static const bool may = curl_version_info(CURLVERSION_NOW)->version_num >= 0x080101;
+  return may;
 }
 
 }  // namespace
@@ -67,6 +80,9 @@ TransferPlace TakePlace(const std::string& server) {
     if (same != shared.places.rend()) {
       TransferPlace place = std::move(*same);
       shared.places.erase(std::next(same).base());
+      if (MayUseAgain()) return place;
+      place.setUp.reset();
+      CloseEasy(std::exchange(place.easy, curl_easy_init()));
       return place;
     }
   }
