@@ -1,6 +1,9 @@
 // What the layer makes of the user's options of CUPS.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 #include <windows.h>
 // It needs the one before.
 #include <winspool.h>
@@ -10,8 +13,10 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "tests/TempFolder.h"
 #include "tests/winapi/ErrorOf.h"
 #include "tests/winapi/Variable.h"
 
@@ -76,6 +81,38 @@ TEST(SpoolerHost, TheHostsSignalStaysItsOwn) {
   sigset_t blocked;
   pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
   EXPECT_EQ(sigismember(&blocked, SIGPIPE), 0);
+}
+
+TEST(SpoolerHost, AServerThatBreaksOffIsUnavailable) {
+  const TempFolder folder;
+  sockaddr_un address = {AF_UNIX, {}};
+  const std::string path = (folder.Path() / "socket").string();
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+  ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  ASSERT_EQ(listen(listener, 5), 0);
+  std::string answer;
+  std::thread breaking([&] {
+    char request[100];
+    for (int client; (client = accept(listener, nullptr, nullptr)) >= 0; close(client)) {
+      if (recv(client, request, sizeof request, 0) > 0) {
+        send(client, answer.data(), answer.size(), MSG_NOSIGNAL);
+      }
+    }
+  });
+  const Variable server("CUPS_SERVER", path.c_str());
+  for (const char* const half :
+       {"", "HTTP/1.1 200 OK\r\nContent-Type: application/ipp\r\nContent-Length: 99\r\n\r\n\2"}) {
+    answer = half;
+    // libcups looks for its server once in each thread.
+    std::thread([] {
+      DWORD size = 0;
+      EXPECT_EQ(ErrorOf(GetDefaultPrinterW(nullptr, &size)), RPC_S_SERVER_UNAVAILABLE);
+    }).join();
+  }
+  shutdown(listener, SHUT_RDWR);
+  breaking.join();
+  close(listener);
 }
 
 }  // namespace

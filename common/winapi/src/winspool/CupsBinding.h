@@ -9,6 +9,7 @@ namespace winapi {
   CALL(cupsAddOption)           \
   CALL(cupsCheckDestSupported)  \
   CALL(cupsCopyDestInfo)        \
+  CALL(cupsDoRequest)           \
   CALL(cupsEncryption)          \
   CALL(cupsFindDestDefault)     \
   CALL(cupsFindDestSupported)   \
@@ -17,15 +18,18 @@ namespace winapi {
   CALL(cupsFreeOptions)         \
   CALL(cupsGetNamedDest)        \
   CALL(cupsGetOption)           \
+  CALL(cupsLastError)           \
   CALL(cupsParseOptions)        \
   CALL(cupsServer)              \
   CALL(httpClose)               \
   CALL(httpConnect2)            \
   CALL(httpInitialize)          \
   CALL(httpSetTimeout)          \
+  CALL(ippDelete)               \
   CALL(ippGetCount)             \
   CALL(ippGetInteger)           \
   CALL(ippGetString)            \
+  CALL(ippNewRequest)           \
   CALL(ippPort)                 \
   CALL(pwgFormatSizeName)       \
   CALL(pwgMediaForLegacy)       \

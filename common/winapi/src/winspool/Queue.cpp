@@ -32,12 +32,21 @@ Queue::Queue(const std::string& name) {
   if (m_server == nullptr) return;
   m_cups->httpSetTimeout(m_server, kAnswerTime, &GiveUp, nullptr);
   m_queue = m_cups->cupsGetNamedDest(m_server, name.empty() ? nullptr : name.c_str(), nullptr);
+  m_isServing = m_queue != nullptr || Answers();
 }
 
 Queue::~Queue() {
   if (m_details != nullptr) m_cups->cupsFreeDestInfo(m_details);
   if (m_queue != nullptr) m_cups->cupsFreeDests(1, m_queue);
   if (m_server != nullptr) m_cups->httpClose(m_server);
+}
+
+// libcups says of no queue why it didn't find it: a server that has broken off looks like one that
+// knows of none. So it is asked for something that each of them can answer, if with "not found".
+bool Queue::Answers() {
+  ipp_t* const request = m_cups->ippNewRequest(IPP_OP_CUPS_GET_DEFAULT);
+  m_cups->ippDelete(m_cups->cupsDoRequest(m_server, request, "/"));
+  return m_cups->cupsLastError() < IPP_STATUS_ERROR_INTERNAL;
 }
 
 std::string Queue::Option(const char* name) const {

@@ -28,9 +28,9 @@ class Queue {
   Queue& operator=(const Queue&) = delete;
 
   bool IsThere() const { return m_queue != nullptr; }
-  // Why it isn't: the server can't be reached, or knows of no such queue.
+  // Why it isn't: the server can't be reached or doesn't answer, or knows of no such queue.
   DWORD Error(DWORD noQueue) const {
-    return m_server == nullptr ? DWORD{RPC_S_SERVER_UNAVAILABLE} : noQueue;
+    return m_isServing ? noQueue : DWORD{RPC_S_SERVER_UNAVAILABLE};
   }
   std::string Name() const { return m_queue->name; }
   // An attribute of the queue or an option that the user has set; empty where there is none.
@@ -44,10 +44,12 @@ class Queue {
 
  private:
   cups_dinfo_t* Details();
+  bool Answers();
 
   const CupsCalls* const m_cups = Cups();
   const PipeSignalScope m_noSignal;
   http_t* m_server = nullptr;
+  bool m_isServing = false;
   cups_dest_t* m_queue = nullptr;
   cups_dinfo_t* m_details = nullptr;
   std::unique_ptr<PaperList> m_papers;

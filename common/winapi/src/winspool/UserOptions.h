@@ -7,10 +7,10 @@
 
 namespace winapi {
 
-// The file of the user's options, ~/.cups/lpoptions, whose lines are "Dest queue name=value ..." and
-// "Default ..." for the default queue. Gives these options of a queue values, in place of those that
-// they have; all else in the file stays. The new file is written beside it and renamed. False with
-// the last error.
+// The file of the user's options, ~/.cups/lpoptions, whose lines are "Dest queue name=value ..."
+// and "Default ..." for the default queue. Gives these options of a queue values, in place of those
+// that they have; all else in the file stays. The new file is written beside it and renamed. False
+// with the last error.
 bool SetUserOptions(const std::string& queue,
                     const std::vector<std::pair<std::string, std::string>>& options);
 
