@@ -36,9 +36,10 @@ TEST(StubCaller, TheHelperIsStartedConnectedAndHeard) {
   EXPECT_FALSE(early.InstallService(KTEXT("0"), KTEXT(""), KTEXT(""), false)) << "without a helper";
 #endif
   PutHelper(IsModIta() ? "TalveraAdmin.exe" : "OstrandAdmin.exe");
-  stub->SetParams(KTEXT("end"), KTEXT(""));
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_FALSE(early.InstallService(KTEXT("0"), KTEXT(""), KTEXT(""), false)) << "that ends";
+  for (const WChar* const way : {KTEXT("end"), KTEXT("end"), KTEXT("sleep")}) {
+    stub->SetParams(way, KTEXT(""));
+    EXPECT_FALSE(early.InstallService(KTEXT("0"), KTEXT(""), KTEXT(""), false))
+        << "that ends, and never connects";
   }
 
   stub->SetParams(KTEXT("talk"), KTEXT("pipes"));

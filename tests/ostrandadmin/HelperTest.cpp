@@ -3,9 +3,11 @@
 #include <windows.h>
 // It needs the one before.
 #include <shellapi.h>
+#include <winsvc.h>
 
 #include <atomic>
 #include <filesystem>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,6 +16,7 @@
 #include "kelp0lang/PipeManager.h"
 #include "kelp0lang/Singleton.h"
 #include "kelp0lang/SpecialFolder.h"
+#include "kelp0lang/String.h"
 #include "kelp0lang/StubCaller.h"
 #include "kelp0lang/SystemQuery.h"
 #include "tests/TempFolder.h"
@@ -78,6 +81,16 @@ int Helpers() {
   return static_cast<int>(ids.size());
 }
 
+// False where there is none.
+bool Uninstall(const WChar* name) {
+  const SC_HANDLE manager = OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT);
+  const SC_HANDLE service = OpenServiceW(manager, name, DELETE);
+  const bool deleted = DeleteService(service);
+  CloseServiceHandle(service);
+  CloseServiceHandle(manager);
+  return deleted;
+}
+
 TEST(OstrandAdmin, ItServesNobodyButItsParent) {
   EXPECT_EQ(StatusOf(HelperPath()), 1u) << "there are no pipes";
   CPipeManager_Talv pipes;
@@ -107,6 +120,14 @@ TEST(OstrandAdmin, EveryCommandHasOneResult) {
   for (const auto& c : cases) {
     EXPECT_EQ(recorder.Execute(c.command, c.values), c.result) << c.command;
   }
+  // No run before has left one of this name.
+  std::random_device random;
+  const auto name = KTEXT("kelp-test-") + kelp::WString::ValueOf(random());
+  const std::vector<CPolyValue> values = {name, name, HelperPath().c_str(), true};
+  for (const DWORD result : {ERROR_SUCCESS, ERROR_SERVICE_EXISTS}) {
+    EXPECT_EQ(recorder.Execute(stubInstallService, values), static_cast<int>(result));
+  }
+  EXPECT_TRUE(Uninstall(name.c_str()));
   EXPECT_EQ(Helpers(), before + 1);
   kelp::CSingletonManager::DeleteSingletons();
   for (int i = 0; i < 1000 && Helpers() > before; ++i) Sleep(10);
