@@ -26,7 +26,8 @@ list(TRANSFORM included_headers PREPEND common/kelp/kelp0lang/)
 install(FILES common/kelp/kelp0lang/kelp0lang.h ${includes} ${included_headers}
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelp0lang)
 # gdb looks for its file beside the library, or under auto-load by the library's full name.
-install(FILES common/kelp/kelp0lang/FmtText.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelp0lang)
+install(FILES common/kelp/kelp0lang/FmtText.h common/kelp/kelp0lang/FilePath.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelp0lang)
 install(FILES views/kelp0lang.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/kelp0lang)
 if(NOT WIN32)
   install(FILES views/kelp0lang-gdb.py

@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 #include <vector>
 
+#include "kelp0lang/FilePath.h"
 #include "kelp0lang/FileSystem.h"
 #include "tests/TempFolder.h"
 #include "tests/TestText.h"
@@ -208,5 +210,46 @@ TEST(File, ForcedCopiesDontOverwrite) {
   EXPECT_EQ(folder.Read("report (2).txt"), "new");
   EXPECT_EQ(folder.Read("report (3).txt"), "new");
 }
+
+TEST(FilePath, BothNameTheSameFile) {
+  const TempFolder folder;
+  const WString unit = KTEXT("ab\u00E8\u4E2D");
+  WString longName;
+  for (int i = 0; i < 30; ++i) longName += unit;  // 210 bytes
+  for (const WString& name : {WString(KTEXT("survey.dat")), unit, longName}) {
+    const CFile file(In(folder), name);
+    const std::filesystem::path path = kelp::FileToPath(file);
+    EXPECT_EQ(path.parent_path(), folder.Path());
+    EXPECT_FALSE(file.Exists());
+    std::ofstream(path) << "points";
+    EXPECT_EQ(file.Length(), 6u);
+    EXPECT_EQ(kelp::PathToFile(path).GetPath(), file.GetAbsolutePath());
+  }
+  std::filesystem::path deep = folder.Path();
+  for (int i = 0; i < 60; ++i) deep /= "123456789";
+  EXPECT_EQ(kelp::FileToPath(kelp::PathToFile(deep)), deep);
+}
+
+TEST(FilePath, TheyAreAbsoluteAndMayBeEmpty) {
+  const std::filesystem::path here = std::filesystem::current_path();
+  EXPECT_EQ(kelp::FileToPath(CFile(KTEXT("a/b"))), here / "a" / "b");
+  EXPECT_EQ(kelp::PathToFile("a").GetPath(), CFile(KTEXT("a")).GetAbsolutePath());
+  EXPECT_TRUE(kelp::FileToPath(CFile()).empty());
+  EXPECT_TRUE(kelp::FileToPath(CFile(KTEXT("a\\*.dat"))).empty());
+  EXPECT_EQ(kelp::PathToFile({}).GetPath(), KTEXT(""));
+}
+
+#ifndef _WIN32
+TEST(FilePath, NamesAreSpeltAsOnTheDisk) {
+  const TempFolder folder;
+  folder.Write("Survey.Dat", "");
+  EXPECT_EQ(kelp::FileToPath(CFile(In(folder), KTEXT("SURVEY.DAT"))), folder.Path() / "Survey.Dat");
+  const std::filesystem::path odd = folder.Path() / "a\\b\xff";
+  std::ofstream(odd) << "odd";
+  const CFile file = kelp::PathToFile(odd);
+  EXPECT_EQ(file.Length(), 3u);
+  EXPECT_EQ(kelp::FileToPath(file), odd);
+}
+#endif
 
 }  // namespace

@@ -34,3 +34,11 @@ WINAPI_EXPORT void WinapiSetMessageBox(WINAPI_MESSAGE_BOX shown);
 // own; it is made when it is first needed. Null or empty, as at start, is those. A service that is
 // running goes on to be looked after where it was started.
 WINAPI_EXPORT void WinapiSetServiceFolder(LPCWSTR folder);
+
+// The file of this system, an absolute path in the bytes of the disk, that a call of the layer
+// opens for a path; and the path, "C:\...", for an absolute one of this system. A name that isn't
+// UTF-8 has U+FFFD for what isn't, by which the layer finds it too. They give the length, or where
+// that and a terminator don't fit the size that is needed; 0 for what can't be a file's path, the
+// former with the last error.
+WINAPI_EXPORT DWORD WinapiToHostPath(LPCWSTR path, DWORD size, LPSTR buffer);
+WINAPI_EXPORT DWORD WinapiFromHostPath(LPCSTR path, DWORD size, LPWSTR buffer);
