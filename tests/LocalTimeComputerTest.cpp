@@ -52,6 +52,11 @@ CLocalTimeComputer For(const _TIME_ZONE_INFORMATION& zone) {
 }
 
 const _TIME_ZONE_INFORMATION kRome = Zone(-60, -60, Rule(3, 0, 5, 2), Rule(10, 0, 5, 3));
+#ifdef _WIN32
+constexpr const WChar* kRomesName = KTEXT("W. Europe Standard Time");
+#else
+constexpr const WChar* kRomesName = KTEXT("Europe/Rome");
+#endif
 const _TIME_ZONE_INFORMATION kSydney = Zone(-600, -60, Rule(10, 0, 1, 2), Rule(4, 0, 1, 3));
 const _TIME_ZONE_INFORMATION kLordHowe = Zone(-630, -30, Rule(10, 0, 1, 2), Rule(4, 0, 1, 2));
 const _TIME_ZONE_INFORMATION kIndia = Zone(-330, 0, {}, {});
@@ -305,6 +310,23 @@ TEST(LocalTime, ABrokenRuleEnds) {
 }
 
 // The rest is the machine's zone, whatever it is.
+
+TEST(LocalTime, AZoneIsTakenByItsName) {
+  const std::uint64_t july = kelp::CTimeToUtcMs(1'625'097'600);
+  CLocalTimeComputer computer;
+  computer.SetTimeZoneInformation({});
+  for (const WChar* const none : {KTEXT(""), KTEXT("Europe"), KTEXT("No Such Standard Time")}) {
+    EXPECT_FALSE(computer.SetTimeZone(none));
+  }
+  EXPECT_EQ(computer.Utc_to_Local(july), july) << "it has the zone that it had";
+  DYNAMIC_TIME_ZONE_INFORMATION first;
+  if (EnumDynamicTimeZoneInformation(0, &first) != ERROR_SUCCESS) {
+    GTEST_SKIP() << "there is no database of zones";
+  }
+  ASSERT_TRUE(computer.SetTimeZone(kRomesName));
+  EXPECT_EQ(computer.Utc_to_Local(july), july + 7'200'000);
+  EXPECT_EQ(computer.Utc_to_Zone(july), july + 3'600'000);
+}
 
 TEST(GlobalLocalTime, IsTheMachines) {
   kelp::FResetGlobalLocalTimeComputer();

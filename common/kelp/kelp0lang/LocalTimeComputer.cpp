@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <iterator>
 #include <utility>
 
@@ -133,6 +134,19 @@ CLocalTimeComputer::CLocalTimeComputer() {
 void CLocalTimeComputer::SetTimeZoneInformation(const _TIME_ZONE_INFORMATION& zone) {
   m_zone = zone;
   Init();
+}
+
+bool CLocalTimeComputer::SetTimeZone(const WString& name) {
+  DYNAMIC_TIME_ZONE_INFORMATION zone;
+  for (DWORD i = 0; EnumDynamicTimeZoneInformation(i, &zone) == ERROR_SUCCESS; ++i) {
+    if (name != zone.TimeZoneKeyName) continue;
+    // The one record begins as the other.
+    TIME_ZONE_INFORMATION record;
+    std::memcpy(&record, &zone, sizeof record);
+    SetTimeZoneInformation(record);
+    return true;
+  }
+  return false;
 }
 
 std::uint64_t CLocalTimeComputer::Utc_to_Local(std::uint64_t utcMs) {

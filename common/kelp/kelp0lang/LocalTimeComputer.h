@@ -2,6 +2,7 @@
 //
 //   kelp::CLocalTimeComputer computer;           // the machine's zone
 //   const std::uint64_t localMs = computer.Utc_to_Local(utcMs);
+//   if (!computer.SetTimeZone(KTEXT("Europe/Rome"))) ...  // another zone
 //
 // Moments and clock readings are milliseconds since 1601, as in UtcTime.h. The rules of the zone
 // give two passages for each year, the moments at which another offset takes effect; they hold for
@@ -29,6 +30,7 @@
 #include "kelp0lang/CriticalSec.h"
 #include "kelp0lang/Export.h"
 #include "kelp0lang/Singleton.h"
+#include "kelp0lang/String.h"
 
 namespace kelp {
 
@@ -54,6 +56,10 @@ class KELP0LANG_API CLocalTimeComputer {
   // Takes another zone. Its dates are read as a weekday of a week of the month, whatever their
   // year; the zone has daylight saving if both months are from 1 to 12.
   void SetTimeZoneInformation(const _TIME_ZONE_INFORMATION& zone);
+  // Takes the zone that the system's list of zones has under a name: "Europe/Rome", on Windows, of
+  // which it takes version 8, "W. Europe Standard Time". False where it has none, which leaves all
+  // as it is. The whole list is gone through, which takes some milliseconds.
+  bool SetTimeZone(const WString& name);
 
   std::uint64_t Utc_to_Local(std::uint64_t utcMs);
   std::uint64_t Local_to_Utc(std::uint64_t localMs);

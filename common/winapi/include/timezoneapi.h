@@ -42,3 +42,24 @@ typedef struct _TIME_ZONE_INFORMATION {
 // 23:59:59.999, days of the year and times further outside of their day become the weekday and week
 // that they have in the current year, daylight saving all the year the standard time.
 WINAPI_EXPORT DWORD WINAPI GetTimeZoneInformation(LPTIME_ZONE_INFORMATION zone);
+
+// A zone and the name by which the system knows it.
+typedef struct _TIME_DYNAMIC_ZONE_INFORMATION {
+  LONG Bias;
+  WCHAR StandardName[32];
+  SYSTEMTIME StandardDate;
+  LONG StandardBias;
+  WCHAR DaylightName[32];
+  SYSTEMTIME DaylightDate;
+  LONG DaylightBias;
+  WCHAR TimeZoneKeyName[128];
+  BOOLEAN DynamicDaylightTimeDisabled;
+} DYNAMIC_TIME_ZONE_INFORMATION, *PDYNAMIC_TIME_ZONE_INFORMATION;
+
+// The zones that the system knows, one for each index from 0 on; ERROR_NO_MORE_ITEMS behind the
+// last, ERROR_INVALID_PARAMETER without a place for the record. They are the files of the folder
+// that TZDIR names, else of the system's database, in the order of their names ("Europe/Rome"; on
+// Windows names are of another kind, "W. Europe Standard Time"). Each has the record that
+// GetTimeZoneInformation gives where it is the machine's zone.
+WINAPI_EXPORT DWORD WINAPI EnumDynamicTimeZoneInformation(DWORD index,
+                                                          PDYNAMIC_TIME_ZONE_INFORMATION zone);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <iterator>
@@ -170,6 +171,21 @@ TEST(HostZone, EveryZoneOfTheDatabaseAgreesWithTheClock) {
   }
 }
 
+// The list reads the files itself; a process reads its own zone through the C library.
+TEST(HostZone, EachOfTheListIsAsIfItWereTheMachines) {
+  DYNAMIC_TIME_ZONE_INFORMATION listed;
+  std::size_t count = 0;
+  for (; EnumDynamicTimeZoneInformation(static_cast<DWORD>(count), &listed) == ERROR_SUCCESS;
+       ++count) {
+    const std::string name = std::filesystem::path(listed.TimeZoneKeyName).string();
+    const ZoneScope scope(name.c_str());
+    TIME_ZONE_INFORMATION zone;
+    GetTimeZoneInformation(&zone);
+    EXPECT_EQ(std::memcmp(&zone, &listed, sizeof zone), 0) << name;
+  }
+  EXPECT_EQ(count, ZonesOfTheDatabase().size());
+}
+
 // Days of the year, and times outside of their day, hold for the current year.
 TEST(HostZone, OtherDatesBecomeThoseOfThisYear) {
   const year y(LocalNow().tm_year + 1900);
@@ -286,6 +302,25 @@ TEST(HostZone, AFileGivesTheRuleAtItsEnd) {
       {"Text", "0 UTC"},
   };
   for (const auto& [zone, record] : kCases) EXPECT_EQ(RecordOf(zone.c_str()), record) << zone;
+}
+
+// No length of a file makes the list read behind its end.
+TEST(HostZone, AListedFileMayBeCut) {
+  const TempFolder folder;
+  const Variable zones("TZDIR", folder.Path().c_str());
+  const std::string whole = ZoneFile('2', "CET-1CEST,M3.5.0,M10.5.0/3", {{0, 1}});
+  for (std::size_t size = 0; size <= whole.size(); ++size) {
+    folder.Write("Zone", whole.substr(0, size));
+    DYNAMIC_TIME_ZONE_INFORMATION zone;
+    const bool isZone = size > 4;
+    ASSERT_EQ(EnumDynamicTimeZoneInformation(0, &zone),
+              isZone ? DWORD{ERROR_SUCCESS} : DWORD{ERROR_NO_MORE_ITEMS})
+        << size;
+    if (!isZone) continue;
+    const bool hasRule = size == whole.size();
+    EXPECT_EQ(zone.DaylightBias, hasRule ? -60 : 0) << size;
+    EXPECT_TRUE(zone.Bias == -60 || (zone.Bias == 0 && !hasRule)) << size;
+  }
 }
 
 std::int64_t SecondsOf(const SYSTEMTIME& date) {

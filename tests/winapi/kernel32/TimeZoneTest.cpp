@@ -2,9 +2,13 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <vector>
+
+#include "tests/winapi/WideText.h"
 
 namespace {
 
@@ -59,6 +63,25 @@ TEST(TimeZone, Rome) {
   };
   expectSunday(zone.DaylightDate, 3, 2);
   expectSunday(zone.StandardDate, 10, 3);
+}
+
+TEST(TimeZone, TheSystemsZonesHaveTheirNames) {
+  EXPECT_EQ(EnumDynamicTimeZoneInformation(0, nullptr), DWORD{ERROR_INVALID_PARAMETER});
+  const std::vector<Wide> romes = {WTEXT("Europe/Rome"), WTEXT("W. Europe Standard Time")};
+  int found = 0;
+  DYNAMIC_TIME_ZONE_INFORMATION zone;
+  DWORD result, i = 0;
+  for (; (result = EnumDynamicTimeZoneInformation(i, &zone)) == ERROR_SUCCESS; ++i) {
+    if (std::find(romes.begin(), romes.end(), zone.TimeZoneKeyName) == romes.end()) continue;
+    ++found;
+    EXPECT_EQ(zone.Bias, -60);
+    EXPECT_EQ(zone.DaylightBias, -60);
+    EXPECT_EQ(zone.DaylightDate.wMonth, 3);
+    EXPECT_EQ(zone.StandardDate.wMonth, 10);
+  }
+  if (i == 0) GTEST_SKIP() << "there is no database of zones";
+  EXPECT_EQ(result, DWORD{ERROR_NO_MORE_ITEMS});
+  EXPECT_EQ(found, 1);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <ctime>
 #include <iterator>
+#include <utility>
 
 using std::chrono::days;
 using std::chrono::floor;
@@ -14,22 +15,18 @@ using std::chrono::year;
 
 namespace {
 
-seconds OffsetAt(sys_seconds moment) {
-  return PeriodAt(moment).offset;
-}
-
-// The moment at which a year begins on the local clock.
-sys_seconds BeginOf(year y) {
+// The moment at which a year begins on the zone's clock.
+sys_seconds BeginOf(year y, const ZoneClock& clock) {
   const sys_seconds midnight = sys_days(y / 1 / 1);
-  return midnight - OffsetAt(midnight);
+  return midnight - clock(midnight).offset;
 }
 
 // The first moment of another offset than the one before.
-sys_seconds ChangeBetween(sys_seconds before, sys_seconds after) {
-  const seconds old = OffsetAt(before);
+sys_seconds ChangeBetween(sys_seconds before, sys_seconds after, const ZoneClock& clock) {
+  const seconds old = clock(before).offset;
   while (after - before > seconds(1)) {
     const sys_seconds middle = before + (after - before) / 2;
-    (OffsetAt(middle) == old ? before : after) = middle;
+    (clock(middle).offset == old ? before : after) = middle;
   }
   return after;
 }
@@ -67,51 +64,58 @@ ZoneRule RuleOfTwo(const ZoneChange& first, const ZoneChange& second, year y) {
 
 }  // namespace
 
-ZonePeriod PeriodAt(sys_seconds moment) {
+ZonePeriod LocalPeriodAt(sys_seconds moment) {
   const std::time_t time = moment.time_since_epoch().count();
   tm local;
   localtime_r(&time, &local);
   return {local.tm_zone, seconds(local.tm_gmtoff)};
 }
 
-ZoneChanges ChangesIn(year y) {
+ZoneNow::ZoneNow(ZoneClock zoneClock)
+    : clock(std::move(zoneClock)),
+      moment(floor<seconds>(std::chrono::system_clock::now())),
+      year(std::chrono::year_month_day(floor<days>(moment + clock(moment).offset)).year()) {}
+
+ZoneChanges ChangesOfYear(const ZoneNow& now) {
   ZoneChanges changes;
-  const sys_seconds end = BeginOf(y + std::chrono::years(1));
-  for (sys_seconds from = BeginOf(y); from < end;) {
+  const sys_seconds end = BeginOf(now.year + std::chrono::years(1), now.clock);
+  for (sys_seconds from = BeginOf(now.year, now.clock); from < end;) {
     const sys_seconds to = std::min<sys_seconds>(from + days(1), end);
-    const ZonePeriod before = PeriodAt(from);
+    const ZonePeriod before = now.clock(from);
     // The change at the end itself is the next year's.
-    const ZonePeriod after = PeriodAt(to == end ? to - seconds(1) : to);
+    const ZonePeriod after = now.clock(to == end ? to - seconds(1) : to);
     if (before.offset != after.offset) {
-      changes.push_back({ChangeBetween(from, to), before, after});
+      changes.push_back({ChangeBetween(from, to, now.clock), before, after});
     }
     from = to;
   }
   return changes;
 }
 
-bool Foretells(const ZoneRule& rule, const ZoneChanges& changes, year y) {
+bool Foretells(const ZoneRule& rule, const ZoneChanges& changes, const ZoneNow& now) {
   if (!rule.daylight) {
-    return changes.empty() && rule.standard.offset == OffsetAt(BeginOf(y));
+    const seconds offset = now.clock(BeginOf(now.year, now.clock)).offset;
+    return changes.empty() && rule.standard.offset == offset;
   }
   const auto isChange = [&](const ZoneChange& change) {
-    const bool begins = change.moment == rule.BeginIn(y);
-    return (begins || change.moment == rule.EndIn(y)) &&
+    const bool begins = change.moment == rule.BeginIn(now.year);
+    return (begins || change.moment == rule.EndIn(now.year)) &&
            change.after.offset == (begins ? rule.daylight->period : rule.standard).offset;
   };
   return changes.size() == 2 && std::all_of(changes.begin(), changes.end(), isChange);
 }
 
-ZoneRule RuleOf(const ZoneChanges& changes, year y, sys_seconds now) {
-  if (changes.empty()) return {PeriodAt(now), {}};
-  const auto next = std::find_if(changes.begin(), changes.end(),
-                                 [now](const ZoneChange& change) { return change.moment > now; });
+ZoneRule RuleOf(const ZoneChanges& changes, const ZoneNow& now) {
+  if (changes.empty()) return {now.clock(now.moment), {}};
+  const auto next = std::find_if(changes.begin(), changes.end(), [&now](const ZoneChange& change) {
+    return change.moment > now.moment;
+  });
   const auto second = next == changes.begin() ? std::min(next + 1, std::prev(changes.end()))
                       : next == changes.end() ? std::prev(next)
                                               : next;
   const auto first = second == changes.begin() ? second : std::prev(second);
   if (first != second && first->before.offset == second->after.offset) {
-    return RuleOfTwo(*first, *second, y);
+    return RuleOfTwo(*first, *second, now.year);
   }
-  return RuleOfOne(next == changes.end() ? changes.back() : *next, y);
+  return RuleOfOne(next == changes.end() ? changes.back() : *next, now.year);
 }
