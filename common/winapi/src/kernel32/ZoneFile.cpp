@@ -13,7 +13,6 @@ using std::chrono::sys_seconds;
 namespace {
 
 constexpr std::string_view kMagic = "TZif";
-constexpr std::size_t kHeadSize = 44;
 constexpr char kSecondVersion = '2';
 
 // Nothing where it isn't one, or can't be read.
