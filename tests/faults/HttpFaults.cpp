@@ -108,7 +108,8 @@ int main() {
       {"upload of 1 GB", 4, upload},
       {"1 GB of a body without end", 4, [&] { return get(u"/body", kMuch) >= kMuch; }},
       {"a head without end", 8, [&] { return fails(u"/head"); }},
-      {"100,000 headers", 16, [&] { return get(u"/headers", kMuch) == 0; }},
+      // Newer libcurls, and those of distributions that mend old ones, take 300 KB of them.
+      {"100,000 headers", 16, [&] { return fails(u"/headers") || get(u"/headers", kMuch) == 0; }},
   };
   const double small = PeakOf([&] { return get(u"/small", kMuch) == 2; });
   std::printf("%-32s      %6.1f MB\n", "a small GET", small);
