@@ -319,10 +319,12 @@ TEST(LocalTime, AZoneIsTakenByItsName) {
     EXPECT_FALSE(computer.SetTimeZone(none));
   }
   EXPECT_EQ(computer.Utc_to_Local(july), july) << "it has the zone that it had";
+#ifndef _WIN32
   DYNAMIC_TIME_ZONE_INFORMATION first;
   if (EnumDynamicTimeZoneInformation(0, &first) != ERROR_SUCCESS) {
     GTEST_SKIP() << "there is no database of zones";
   }
+#endif
   ASSERT_TRUE(computer.SetTimeZone(kRomesName));
   EXPECT_EQ(computer.Utc_to_Local(july), july + 7'200'000);
   EXPECT_EQ(computer.Utc_to_Zone(july), july + 3'600'000);

@@ -1,5 +1,9 @@
 #include "kelp0lang/LocalTimeComputer.h"
 
+#include <windows.h>
+// It needs the one before.
+#include <shlwapi.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
@@ -96,6 +100,42 @@ int SearchLast(const std::vector<Passage>& passages, std::uint64_t Passage::*col
   return static_cast<int>(low) - 1;
 }
 
+#ifdef _WIN32
+// Out of the registry, since the call that lists zones is there from Windows 8 on alone.
+bool FindZone(const WString& name, _TIME_ZONE_INFORMATION& zone) {
+  struct {  // REG_TZI_FORMAT, as the documentation of the record tells it
+    LONG bias, standardBias, daylightBias;
+    _SYSTEMTIME standardDate, daylightDate;
+  } stored;
+  DWORD size = sizeof stored;
+  const WString key = KTEXT("SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Time Zones\\") + name;
+  // The years of a zone are keys below its own.
+  if (name.IndexOf(KTEXT('\\')) >= 0 ||
+      SHGetValueW(HKEY_LOCAL_MACHINE, key.c_str(), KTEXT("TZI"), nullptr, &stored, &size) !=
+          ERROR_SUCCESS ||
+      size != sizeof stored) {
+    return false;
+  }
+  zone.Bias = stored.bias;
+  zone.StandardBias = stored.standardBias;
+  zone.DaylightBias = stored.daylightBias;
+  zone.StandardDate = stored.standardDate;
+  zone.DaylightDate = stored.daylightDate;
+  return true;
+}
+#else
+bool FindZone(const WString& name, _TIME_ZONE_INFORMATION& zone) {
+  DYNAMIC_TIME_ZONE_INFORMATION listed;
+  for (DWORD i = 0; EnumDynamicTimeZoneInformation(i, &listed) == ERROR_SUCCESS; ++i) {
+    if (name != listed.TimeZoneKeyName) continue;
+    // The one record begins as the other.
+    std::memcpy(&zone, &listed, sizeof zone);
+    return true;
+  }
+  return false;
+}
+#endif
+
 bool Ascend(const Passage& a, const Passage& b) {
   return a.utcMs < b.utcMs && a.localMs < b.localMs;
 }
@@ -137,16 +177,10 @@ void CLocalTimeComputer::SetTimeZoneInformation(const _TIME_ZONE_INFORMATION& zo
 }
 
 bool CLocalTimeComputer::SetTimeZone(const WString& name) {
-  DYNAMIC_TIME_ZONE_INFORMATION zone;
-  for (DWORD i = 0; EnumDynamicTimeZoneInformation(i, &zone) == ERROR_SUCCESS; ++i) {
-    if (name != zone.TimeZoneKeyName) continue;
-    // The one record begins as the other.
-    TIME_ZONE_INFORMATION record;
-    std::memcpy(&record, &zone, sizeof record);
-    SetTimeZoneInformation(record);
-    return true;
-  }
-  return false;
+  _TIME_ZONE_INFORMATION zone = {};
+  if (!FindZone(name, zone)) return false;
+  SetTimeZoneInformation(zone);
+  return true;
 }
 
 std::uint64_t CLocalTimeComputer::Utc_to_Local(std::uint64_t utcMs) {

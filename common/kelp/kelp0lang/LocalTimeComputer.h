@@ -56,9 +56,9 @@ class KELP0LANG_API CLocalTimeComputer {
   // Takes another zone. Its dates are read as a weekday of a week of the month, whatever their
   // year; the zone has daylight saving if both months are from 1 to 12.
   void SetTimeZoneInformation(const _TIME_ZONE_INFORMATION& zone);
-  // Takes the zone that the system's list of zones has under a name: "Europe/Rome", on Windows, of
-  // which it takes version 8, "W. Europe Standard Time". False where it has none, which leaves all
-  // as it is. The whole list is gone through, which takes some milliseconds.
+  // Takes the zone that the system has under a name: "Europe/Rome", on Windows "W. Europe Standard
+  // Time". False where it has none, which leaves all as it is. Elsewhere than on Windows the whole
+  // list of zones is gone through, which takes some milliseconds.
   bool SetTimeZone(const WString& name);
 
   std::uint64_t Utc_to_Local(std::uint64_t utcMs);

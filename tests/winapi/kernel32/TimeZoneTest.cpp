@@ -65,6 +65,16 @@ TEST(TimeZone, Rome) {
   expectSunday(zone.StandardDate, 10, 3);
 }
 
+#ifdef _WIN32
+// There from Windows 8 on, while programs of this tree ask for 7.
+DWORD EnumDynamicTimeZoneInformation(DWORD index, PDYNAMIC_TIME_ZONE_INFORMATION zone) {
+  using Call = DWORD(WINAPI*)(DWORD, PDYNAMIC_TIME_ZONE_INFORMATION);
+  static const auto call = reinterpret_cast<Call>(reinterpret_cast<void*>(
+      GetProcAddress(GetModuleHandleW(L"advapi32.dll"), "EnumDynamicTimeZoneInformation")));
+  return call(index, zone);
+}
+#endif
+
 TEST(TimeZone, TheSystemsZonesHaveTheirNames) {
   EXPECT_EQ(EnumDynamicTimeZoneInformation(0, nullptr), DWORD{ERROR_INVALID_PARAMETER});
   const std::vector<Wide> romes = {WTEXT("Europe/Rome"), WTEXT("W. Europe Standard Time")};
