@@ -34,7 +34,8 @@ if(NOT WIN32)
           DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_FULL_LIBDIR}
           RENAME $<TARGET_FILE_NAME:kelp0lang>-gdb.py)
 endif()
-install(FILES common/kelptext/WideChar.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelptext)
+install(FILES common/kelptext/Compiler.h common/kelptext/WideChar.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kelptext)
 install(DIRECTORY common/sarnutils DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         FILES_MATCHING PATTERN "*.h")
 install(EXPORT kelp0langTargets NAMESPACE kelp0lang::

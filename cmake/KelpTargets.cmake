@@ -1,7 +1,14 @@
 # What every target of this tree has in common.
 
 add_library(kelp_options INTERFACE)
-target_compile_options(kelp_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Werror>)
+if(MSVC)
+  # Not run. The last one is about attributes of other compilers.
+  target_compile_options(kelp_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:
+    /W4 /WX /permissive- /utf-8 /Zc:__cplusplus /Zc:preprocessor /EHsc /wd5030>)
+else()
+  target_compile_options(kelp_options INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wpedantic -Werror>)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # gcc 12 sees overlaps within std::string's operator+ that aren't there.
   target_compile_options(kelp_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)

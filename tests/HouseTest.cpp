@@ -1,5 +1,6 @@
 // The house as it stands, by the include lines of its sources: no folder needs one above it, and no
-// two components need each other. A component is the header and the source of one name.
+// two components need each other. A component is the header and the source of one name. What isn't
+// C++ itself, but a word of one compiler, stands in one header.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -64,8 +65,7 @@ std::ptrdiff_t LevelOf(const std::string& file) {
   return std::find(std::begin(kFolders), std::end(kFolders), folder) - std::begin(kFolders);
 }
 
-// A file, and those files of the tree that it includes.
-Graph ReadIncludes() {
+std::set<std::string> Sources() {
   const fs::path root = PROJECT_ROOT;
   std::set<std::string> files;
   for (const char* const part : {"common", "apps"}) {
@@ -76,6 +76,13 @@ Graph ReadIncludes() {
       }
     }
   }
+  return files;
+}
+
+// A file, and those files of the tree that it includes.
+Graph ReadIncludes() {
+  const fs::path root = PROJECT_ROOT;
+  const std::set<std::string> files = Sources();
   const std::regex includeLine("\\s*#\\s*include\\s*[<\"]([^>\"]+)[>\"].*");
   Graph includes;
   for (const std::string& file : files) {
@@ -157,6 +164,23 @@ TEST(House, NoTwoComponentsNeedEachOther) {
     }
   }
   EXPECT_EQ(CycleSearch(components).Find(), std::vector<std::string>());
+}
+
+TEST(House, WordsOfOneCompilerStandInOneHeader) {
+  const std::regex words(
+      "__int128|__builtin_|__attribute__|__declspec|__extension__|__asm|\\basm\\b|\\btypeof\\b|"
+      "\\[\\[(gnu|clang|msvc)::|[=(,] *\\(\\{");
+  int found = 0;
+  for (const std::string& file : Sources()) {
+    const bool isTheirs = file == "common/kelptext/Compiler.h";
+    std::ifstream text(fs::path(PROJECT_ROOT) / file);
+    for (std::string line; std::getline(text, line);) {
+      if (!std::regex_search(line, words)) continue;
+      found += isTheirs;
+      EXPECT_TRUE(isTheirs) << file << ": " << line;
+    }
+  }
+  EXPECT_GT(found, 5) << "the words weren't found where they are";
 }
 
 TEST(House, ACycleIsFoundFromOutsideIt) {

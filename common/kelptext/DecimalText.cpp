@@ -7,13 +7,12 @@
 #include <cstdint>
 #include <cstring>
 
+#include "kelptext/Compiler.h"
 #include "kelptext/Digits.h"
 
 namespace kelp::detail {
 
 namespace {
-
-using Wide = unsigned __int128;
 
 constexpr int kFractionBits = 52;
 constexpr int kExponentBias = 1023;
@@ -34,13 +33,23 @@ BinaryParts Split(std::uint64_t bits) {
 }
 
 // scaled / 2^shift, rounded to the nearest; a tie goes to where result + parity is even.
-template <class T>
-std::uint64_t ShiftRounded(T scaled, int shift, std::uint64_t parity) {
-  const auto result = static_cast<std::uint64_t>(scaled >> shift);
-  const T rest = scaled - (T{result} << shift);
-  const T half = T{1} << (shift - 1);
+std::uint64_t ShiftRounded(std::uint64_t scaled, int shift, std::uint64_t parity) {
+  const std::uint64_t result = scaled >> shift;
+  const std::uint64_t rest = scaled - (result << shift);
+  const std::uint64_t half = std::uint64_t{1} << (shift - 1);
   const bool up = rest > half || (rest == half && ((result + parity) & 1) != 0);
   return result + up;
+}
+
+// The same, where the result has at most 62 bits and shift is above 2. What is shifted out decides
+// by its first bit and by whether any other is set, so the last of two that stay stands for those.
+std::uint64_t ShiftRounded(const WideProduct& scaled, int shift, std::uint64_t parity) {
+  const int out = shift - 2;
+  const std::uint64_t kept =
+      out < 64 ? scaled.high << (64 - out) | scaled.low >> out : scaled.high >> (out - 64);
+  const std::uint64_t lost = out < 64 ? scaled.low << (64 - out)
+                                      : scaled.low | (out > 64 ? scaled.high << (128 - out) : 0);
+  return ShiftRounded(kept | (lost != 0), 2, parity);
 }
 
 // A magnitude below 2^63 as its whole part and its decimals, which count in units of
@@ -64,7 +73,7 @@ inline FixedParts RoundToDecimals(const BinaryParts& value, int decimals) {
   // The fraction has at most shift bits.
   const std::uint64_t result = shift + std::bit_width(scale) <= 64
                                    ? ShiftRounded(fraction * scale, shift, parity)
-                                   : ShiftRounded(Wide{fraction} * scale, shift, parity);
+                                   : ShiftRounded(MultiplyWide(fraction, scale), shift, parity);
   if (result == scale) return {whole + 1, 0};
   return {whole, result};
 }

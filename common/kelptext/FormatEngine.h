@@ -18,6 +18,7 @@
 #include <type_traits>
 
 #include "kelptext/Characters.h"
+#include "kelptext/Compiler.h"
 #include "kelptext/DecimalText.h"
 #include "kelptext/Digits.h"
 #include "kelptext/WideChar.h"
@@ -349,7 +350,7 @@ class FormatEngine {
   }
 
   // Apart from PutFloat, so that the short texts don't pay for its work area.
-  [[gnu::noinline]] bool PutSpelled(Number& number, double magnitude) {
+  KELP_NOINLINE bool PutSpelled(Number& number, double magnitude) {
     const char conversion = static_cast<char>(m_spec.conversion | 0x20);
     if (conversion == 'a') {
       number.AddPrefix('0');

@@ -1,12 +1,17 @@
-// Marks what the library exports; everything else is hidden.
+// Marks what the library exports; everything else is hidden. SARNUTILS_STATIC says that the library
+// is within the program, and comes with the target or the package that a program takes.
 #pragma once
 
+#include "kelptext/Compiler.h"
+
 #ifdef _WIN32
-#ifdef SARNUTILS_BUILD
-#define SARNUTILS_API __declspec(dllexport)
+#if defined(SARNUTILS_STATIC)
+#define SARNUTILS_API
+#elif defined(SARNUTILS_BUILD)
+#define SARNUTILS_API KELP_EXPORT
 #else
-#define SARNUTILS_API __declspec(dllimport)
+#define SARNUTILS_API KELP_IMPORT
 #endif
 #else
-#define SARNUTILS_API __attribute__((visibility("default")))
+#define SARNUTILS_API KELP_VISIBLE
 #endif

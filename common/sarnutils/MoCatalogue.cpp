@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "kelptext/Compiler.h"
 #include "sarnutils/Catalogue.h"
 
 namespace xlate::detail {
@@ -49,7 +50,7 @@ class MoReader {
   }
   std::uint32_t Number(std::size_t offset) const {
     const std::uint32_t number = RawNumber(offset);
-    return m_swapped ? __builtin_bswap32(number) : number;
+    return m_swapped ? kelp::detail::ReversedBytes(number) : number;
   }
   bool Holds(std::size_t offset, std::size_t size) const {
     return offset <= m_bytes.size() && size <= m_bytes.size() - offset;

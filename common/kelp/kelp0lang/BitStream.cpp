@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "kelp0lang/FileStream.h"
+#include "kelptext/Compiler.h"
 
 namespace kelp {
 namespace {
@@ -42,7 +43,7 @@ std::uint64_t Word(const Byte* bytes) noexcept {
 
 // Between the order of the machine and that with the first byte on top.
 std::uint64_t BigEndian(std::uint64_t word) noexcept {
-  return __builtin_bswap64(detail::LittleEndian(word));
+  return detail::ReversedBytes(detail::LittleEndian(word));
 }
 
 constexpr std::uint64_t InEachByte(unsigned bits) noexcept {
@@ -121,7 +122,7 @@ unsigned CBitStreamReader::ReadInt(int bits) noexcept {
 unsigned CBitStreamReader::ReadIntOfWord(int bits) noexcept {
   const std::uint64_t fromTop = BigEndian(Word(m_buffer + m_bytePosition)) << m_bitPosition;
   const int wholeBits = bits & ~7;
-  const auto lowFirst = static_cast<unsigned>(__builtin_bswap64(fromTop));
+  const auto lowFirst = static_cast<unsigned>(detail::ReversedBytes(fromTop));
   const Byte rest = kReversed[fromTop << wholeBits >> 56];
   const int end = m_bitPosition + bits;
   m_bytePosition += end >> 3;

@@ -7,6 +7,7 @@
 
 #include "kelp0lang/BigEndian.h"
 #include "kelp0lang/Wipe.h"
+#include "kelptext/Compiler.h"
 
 namespace {
 
@@ -89,8 +90,7 @@ constexpr auto kBoxes = [] {
 }();
 
 // What one round adds to the one word, by the other one and the pair of key words.
-[[gnu::always_inline]] inline std::uint32_t Round(std::uint32_t word,
-                                                  const unsigned* pair) noexcept {
+KELP_ALWAYS_INLINE std::uint32_t Round(std::uint32_t word, const unsigned* pair) noexcept {
   const std::uint32_t odd = std::rotr(word, 4) ^ pair[0];
   const std::uint32_t even = word ^ pair[1];
   return kBoxes[0][odd >> 24 & 63] ^ kBoxes[2][odd >> 16 & 63] ^ kBoxes[4][odd >> 8 & 63] ^
@@ -99,8 +99,8 @@ constexpr auto kBoxes = [] {
 }
 
 // The 16 rounds on turned words.
-[[gnu::always_inline]] inline void Rounds(const unsigned* schedule, std::uint32_t& left,
-                                          std::uint32_t& right) noexcept {
+KELP_ALWAYS_INLINE void Rounds(const unsigned* schedule, std::uint32_t& left,
+                               std::uint32_t& right) noexcept {
   for (int round = 0; round < kRounds; round += 2, schedule += 4) {
     left ^= Round(right, schedule);
     right ^= Round(left, schedule + 2);

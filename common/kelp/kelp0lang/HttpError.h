@@ -270,21 +270,18 @@ namespace detail {
 template <class T>
 T CheckedAdd(T a, std::type_identity_t<T> b) {
   static_assert(std::is_unsigned_v<T>);
-  T sum;
-  if (__builtin_add_overflow(a, b, &sum)) {
-    throw SafeIntException(SafeIntException::kArithmeticOverflow);
-  }
+  const T sum = static_cast<T>(a + b);
+  if (sum < a) throw SafeIntException(SafeIntException::kArithmeticOverflow);
   return sum;
 }
 
 template <class T>
 T CheckedMultiply(T a, std::type_identity_t<T> b) {
   static_assert(std::is_unsigned_v<T>);
-  T product;
-  if (__builtin_mul_overflow(a, b, &product)) {
+  if (b != 0 && a > std::numeric_limits<T>::max() / b) {
     throw SafeIntException(SafeIntException::kArithmeticOverflow);
   }
-  return product;
+  return static_cast<T>(std::uint64_t{a} * b);
 }
 
 template <class T>

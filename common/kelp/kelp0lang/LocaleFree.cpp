@@ -293,9 +293,13 @@ int kelp_snwprintf(WChar* buffer, std::size_t size, const WChar* format, ...) {
   return length;
 }
 
-// The second name of one function.
-extern "C" int kelp_swprintf_s(WChar*, std::size_t, const WChar*, ...)
-    __attribute__((alias("kelp_snwprintf")));
+int kelp_swprintf_s(WChar* buffer, std::size_t size, const WChar* format, ...) {
+  std::va_list args;
+  va_start(args, format);
+  const int length = kelp_vsnwprintf(buffer, size, format, args);
+  va_end(args);
+  return length;
+}
 
 int kelp_vsnwprintf(WChar* buffer, std::size_t size, const WChar* format, std::va_list args) {
   return FormatV(buffer, size, WChar{'.'}, format, args);

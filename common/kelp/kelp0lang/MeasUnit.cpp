@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <iterator>
 
+#include "kelptext/Compiler.h"
+
 using kelp::kNotSet;
 using kelp::kNotSetThreshold;
 
@@ -134,7 +136,7 @@ double TowardsTurn(double degrees, double low) {
 
 // An angle any number of turns away into [low, low + 360), as whole turns added or taken away one
 // by one would bring it there; then into its unit. Apart from its caller, which so needs no stack.
-[[gnu::noinline]] double FromFarAway(double degrees, double low, double fromDegrees) {
+KELP_NOINLINE double FromFarAway(double degrees, double low, double fromDegrees) {
   const double high = low + 360.0;
   // The remainder is exact, and so was every turn but the last. Adding zero makes -0 positive.
   degrees = std::fmod(degrees, 360.0) + 0.0;

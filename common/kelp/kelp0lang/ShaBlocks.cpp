@@ -5,6 +5,7 @@
 
 #include "kelp0lang/BigEndian.h"
 #include "kelp0lang/Wipe.h"
+#include "kelptext/Compiler.h"
 
 #if defined(__x86_64__)
 #include <cpuid.h>
@@ -28,9 +29,8 @@ std::uint32_t Mix(std::uint32_t b, std::uint32_t c, std::uint32_t d) noexcept {
 
 // One step. The five words don't move: each step takes them under other names.
 template <std::size_t step>
-[[gnu::always_inline]] inline void Step(std::uint32_t (&words)[kShaWords],
-                                        std::uint32_t (&ring)[kRing],
-                                        const unsigned char* block) noexcept {
+KELP_ALWAYS_INLINE void Step(std::uint32_t (&words)[kShaWords], std::uint32_t (&ring)[kRing],
+                             const unsigned char* block) noexcept {
   constexpr auto At = [](std::size_t name) { return (kSteps - step + name) % kShaWords; };
   std::uint32_t& word = ring[step % kRing];
   if constexpr (step < kRing) {
@@ -45,10 +45,9 @@ template <std::size_t step>
 }
 
 template <std::size_t... steps>
-[[gnu::always_inline]] inline void AllSteps(std::index_sequence<steps...>,
-                                            std::uint32_t (&words)[kShaWords],
-                                            std::uint32_t (&ring)[kRing],
-                                            const unsigned char* block) noexcept {
+KELP_ALWAYS_INLINE void AllSteps(std::index_sequence<steps...>, std::uint32_t (&words)[kShaWords],
+                                 std::uint32_t (&ring)[kRing],
+                                 const unsigned char* block) noexcept {
   (Step<steps>(words, ring, block), ...);
 }
 
@@ -75,8 +74,8 @@ struct ShaRegisters {
 };
 
 template <std::size_t group>
-[[gnu::target("sha,sse4.1"), gnu::always_inline]] inline void Group(
-    ShaRegisters& at, const unsigned char* block) noexcept {
+KELP_TARGET("sha,sse4.1")
+KELP_ALWAYS_INLINE void Group(ShaRegisters& at, const unsigned char* block) noexcept {
   __m128i& words = at.ring[group % 4];
   if constexpr (group < 4) {
     const __m128i bytesReversed = _mm_set_epi64x(0x0001020304050607, 0x08090A0B0C0D0E0F);
@@ -94,14 +93,14 @@ template <std::size_t group>
 }
 
 template <std::size_t... groups>
-[[gnu::target("sha,sse4.1"), gnu::always_inline]] inline void AllGroups(
-    std::index_sequence<groups...>, ShaRegisters& at, const unsigned char* block) noexcept {
+KELP_TARGET("sha,sse4.1")
+KELP_ALWAYS_INLINE void AllGroups(std::index_sequence<groups...>, ShaRegisters& at,
+                                  const unsigned char* block) noexcept {
   (Group<groups>(at, block), ...);
 }
 
-[[gnu::target("sha,sse4.1")]] void InstructionsForm(std::uint32_t* state,
-                                                    const unsigned char* blocks,
-                                                    std::size_t count) {
+KELP_TARGET("sha,sse4.1")
+void InstructionsForm(std::uint32_t* state, const unsigned char* blocks, std::size_t count) {
   constexpr int kReversed = 0x1B;
   auto* const stored = reinterpret_cast<__m128i*>(state);
   ShaRegisters at;

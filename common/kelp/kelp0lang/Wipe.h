@@ -8,13 +8,15 @@
 #include <cstddef>
 #include <cstring>
 
+#include "kelptext/Compiler.h"
+
 namespace kelp::detail {
 
 // Fills memory with zeros. A compiler drops stores that nobody reads, above all those into what is
-// about to end; it can't know whether the empty assembler statement reads them.
+// about to end.
 inline void Wipe(void* memory, std::size_t size) noexcept {
   if (size != 0) std::memset(memory, 0, size);
-  __asm__ __volatile__("" : : "r"(memory) : "memory");
+  KeepStores(memory);
 }
 
 }  // namespace kelp::detail

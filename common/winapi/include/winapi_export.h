@@ -1,4 +1,6 @@
 // Marks what the layer exports; everything else is hidden.
 #pragma once
 
-#define WINAPI_EXPORT __attribute__((visibility("default")))
+#include "kelptext/Compiler.h"
+
+#define WINAPI_EXPORT KELP_VISIBLE

@@ -15,6 +15,7 @@
 #include "crt/Multibyte.h"
 #include "crt/OpenStreams.h"
 #include "crt/TextStream.h"
+#include "kelptext/Compiler.h"
 
 namespace {
 
@@ -65,7 +66,8 @@ class ByteSource {
     constexpr std::uint64_t kOnes = 0x0101010101010101;
     std::uint64_t bytes;
     std::memcpy(&bytes, block, sizeof(bytes));
-    if constexpr (std::endian::native == std::endian::big) bytes = __builtin_bswap64(bytes);
+    if constexpr (std::endian::native == std::endian::big)
+      bytes = kelp::detail::ReversedBytes(bytes);
     // The top bit of each byte that ends it; above the first one a borrow may set more.
     const std::uint64_t others = (bytes | (bytes - kOnes * ' ')) & (kOnes * 0x80);
     return std::countr_zero(others) / 8;
