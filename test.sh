@@ -6,13 +6,15 @@
 #   ./test.sh ubsan      under the undefined-behaviour sanitizer alone
 #   ./test.sh tsan       under the thread sanitizer
 #   ./test.sh all        all of these
+#   ./test.sh packages   makes the packages, installs them into an empty Debian and an empty folder for
+#                        Windows, and builds programs there; takes root, and half an hour
 set -euo pipefail
 cd "$(dirname "$0")"
 . scripts/setup.sh
 
 run_linux() {
   need_compiler
-  need_packages cups-daemon gdb gettext libfmt-dev nginx-light openssl tinyproxy-bin x11-utils \
+  need_packages cups-daemon gdb gettext libfmt-dev nginx-light openssl pkg-config tinyproxy-bin x11-utils \
     x11-xserver-utils xvfb
   need_german_locale
   build "$1"
@@ -51,11 +53,10 @@ with_fixed_addresses() {
   fi
 }
 
-run_windows() {
-  need_compiler
-  need_packages cups-daemon g++-mingw-w64-x86-64-posix wine64 googletest xvfb
+# What programs for Windows take to be built and run.
+with_windows() {
+  need_packages cups-daemon g++-mingw-w64-x86-64-posix pkg-config wine64 googletest xvfb
   need_expat_source
-  build windows
   # A Windows of the build's own, made before several tests start at once.
   export WINEPREFIX=$root/build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
   start_display
@@ -67,6 +68,12 @@ run_windows() {
   # Some files of the library have their place on D:.
   mkdir -p "$WINEPREFIX/drive_d"
   ln -sfn ../drive_d "$WINEPREFIX/dosdevices/d:"
+}
+
+run_windows() {
+  need_compiler
+  with_windows
+  build windows
   with_fixed_addresses ctest --preset windows
 }
 
@@ -79,5 +86,9 @@ case "${1:-linux}" in
     run_windows
     for sanitizer in asan ubsan tsan; do run_sanitizer "$sanitizer"; done
     ;;
-  *) die "unknown kind of run '$1'; there are: windows, asan, ubsan, tsan, all" ;;
+  packages)
+    . scripts/packages.sh
+    test_packages
+    ;;
+  *) die "unknown kind of run '$1'; there are: windows, asan, ubsan, tsan, all, packages" ;;
 esac

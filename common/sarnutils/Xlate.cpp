@@ -11,8 +11,11 @@
 #include <string_view>
 #include <vector>
 
+#include "kelptext/Compiler.h"
 #include "sarnutils/Catalogue.h"
 #include "sarnutils/Charset.h"
+
+KELP_BUILDS_FIRST
 
 namespace xlate {
 
@@ -23,8 +26,8 @@ using WideView = std::basic_string_view<WChar>;
 
 namespace {
 
-constinit CXlateTable table;
-constinit CSarnStringT<WChar> loadError;
+KELP_BUILT_FIRST constinit CXlateTable table;
+KELP_BUILT_FIRST constinit CSarnStringT<WChar> loadError;
 
 constexpr std::size_t kMaxLength = UINT16_MAX;
 // No unit takes more bytes in any charset.

@@ -1,11 +1,9 @@
-# Builds the examples of the documentation against what RunConsumer.cmake has installed, and runs
-# each: it prints what the file NAME.txt beside NAME.cpp says, which is what its page shows.
-# -D EXAMPLES, INSTALLED, WORK_DIR, OPTIONS (for their configuration), EMULATOR, SUFFIX
+# Builds the examples of the documentation against the installed library, and runs each: it prints
+# what the file NAME.txt beside NAME.cpp says, which is what its page shows.
+# -D EXAMPLES
 include(${CMAKE_CURRENT_LIST_DIR}/Run.cmake)
 
-file(REMOVE_RECURSE ${WORK_DIR})
-file(MAKE_DIRECTORY ${WORK_DIR})
-set(RUN_IN ${WORK_DIR})
+begin()
 build_against(${INSTALLED} ${EXAMPLES} ${WORK_DIR}/build)
 
 file(GLOB sources ${EXAMPLES}/*.cpp)

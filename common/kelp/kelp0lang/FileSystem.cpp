@@ -2,6 +2,10 @@
 
 #include <windows.h>
 
+#include "kelptext/Compiler.h"
+
+KELP_BUILDS_FIRST
+
 namespace kelp {
 namespace {
 
@@ -69,7 +73,7 @@ WIN32_FILE_ATTRIBUTE_DATA Attributes(const CFile* file) {
 
 }  // namespace
 
-constinit CFileSystemWindows CFileSystemWindows::s_FileSystem;
+KELP_BUILT_FIRST constinit CFileSystemWindows CFileSystemWindows::s_FileSystem;
 
 IFileSystem& IFileSystem::GetFileSystem() {
   return CFileSystemWindows::s_FileSystem;

@@ -8,22 +8,27 @@
 #include "kelp0lang/ReportLog.h"
 #include "kelp0lang/Singleton.h"
 #include "kelp0lang/StringLoader.h"
+#include "kelptext/Compiler.h"
+
+KELP_BUILDS_FIRST
 
 namespace kelp {
 namespace {
 
 // The computer reads the machine's time zone now. It is a singleton: built with new, deleted by
 // the walk.
-[[maybe_unused]] CGlobalLocalTimeComputer& globalLocalTimeComputer =
-    CGlobalLocalTimeComputer::GetInstance();
-CStringLoader globalStringLoader;
-CCriticalSec globalCritSection;
-CCriticalSec reportLogSection;
+struct TimeComputer {
+  CGlobalLocalTimeComputer& computer = CGlobalLocalTimeComputer::GetInstance();
+};
+[[maybe_unused]] KELP_BUILT_FIRST TimeComputer globalLocalTimeComputer;
+KELP_BUILT_FIRST CStringLoader globalStringLoader;
+KELP_BUILT_FIRST CCriticalSec globalCritSection;
+KELP_BUILT_FIRST CCriticalSec reportLogSection;
 
 }  // namespace
 }  // namespace kelp
 
-kelp::WString CIniFile::s_sDefaultIniFileName;
+KELP_BUILT_FIRST kelp::WString CIniFile::s_sDefaultIniFileName;
 
 namespace kelp {
 namespace {
@@ -54,7 +59,7 @@ CCriticalSec& detail::GetReportLogSection() {
 
 }  // namespace kelp
 
-#ifdef _WIN32
+#if defined(_WIN32) && !defined(KELP0LANG_STATIC)
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void*) {
   kelp::GetGlobalStringLoader().Init(module);
@@ -65,34 +70,68 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void*) {
 
 #else
 
+#ifndef _WIN32
 #include <iterator>
 
 #include "winapi_host.h"
+#endif
 
 namespace {
 
+#ifdef _WIN32
+// The linker has put the library's strings among the program's own.
+HMODULE Module() {
+  return GetModuleHandleW(nullptr);
+}
+void SetStrings(HMODULE) {}
+void TakeStringsAway(HMODULE) {}
+#else
 constexpr WORD kItalian = 1040;
 constexpr WINAPI_STRING kStrings[] = {
 #define KELP_STRING(id, text) {id, KTEXT(text)},
 #include "kelp0lang/StringTable.inc"
 };
 
+// The strings of a library that is within the program stay apart from the program's own, which
+// takes the place of those it had before: their handle is of no module.
+HMODULE Module() {
+#ifdef KELP0LANG_STATIC
+  return reinterpret_cast<HMODULE>(const_cast<WINAPI_STRING*>(kStrings));
+#else
+  return GetModuleHandleW(KTEXT("kelp0lang.dll"));
+#endif
+}
+void SetStrings(HMODULE module) {
+  WinapiSetStrings(module, kItalian, kStrings, std::size(kStrings));
+}
+void TakeStringsAway(HMODULE module) {
+  WinapiSetStrings(module, kItalian, nullptr, 0);
+}
+#endif
+
 // The last static object of the library. Nobody tells the library of threads here.
 struct Attachment {
   Attachment() {
     kelp::GetGlobalStringLoader().Init(module);
-    WinapiSetStrings(module, kItalian, kStrings, std::size(kStrings));
+    SetStrings(module);
     kelp::Attach();
   }
   ~Attachment() {
     kelp::GetGlobalStringLoader().Init(module);
     kelp::Detach();
-    WinapiSetStrings(module, kItalian, nullptr, 0);
+    TakeStringsAway(module);
   }
 
-  const HMODULE module = GetModuleHandleW(KTEXT("kelp0lang.dll"));
-} attachment;
+  const HMODULE module = Module();
+};
+KELP_BUILT_FIRST Attachment attachment;
 
 }  // namespace
 
 #endif
+
+// What a program names that has the library within itself, so that the linker takes this source.
+extern "C" {
+extern const int kelp0lang_attachment;
+const int kelp0lang_attachment = 1;
+}

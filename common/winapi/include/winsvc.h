@@ -11,7 +11,7 @@
 // is, "NAME.state". The folder is "/var/lib/winapi/services" for root and "winapi/services" of the
 // data folder for a user, who finds root's services behind the own ones; winapi_host.h sets
 // another. There is no process of a manager: each running service has one that started it and looks
-// after it, the program "winapi-service" beside the layer's library, which ends with the service. A
+// after it, the program "winapi-service" beside the layer's module, which ends with the service. A
 // service whose supervisor is killed is told to stop, and ended after 30 seconds if it doesn't.
 //
 // A service belongs to who installed it, and the owner and root may do anything with it. For other

@@ -159,7 +159,12 @@ class Store {
 };
 
 std::mutex handlesMutex;
-std::set<HKEY> openHandles;
+
+// It is there before all static objects, and outlives them.
+std::set<HKEY>& OpenHandles() {
+  static auto* const handles = new std::set<HKEY>;
+  return *handles;
+}
 
 // The path and access of an open or a predefined key.
 LSTATUS FindHandle(HKEY key, HKEY__& found) {
@@ -168,7 +173,7 @@ LSTATUS FindHandle(HKEY key, HKEY__& found) {
     return ERROR_SUCCESS;
   }
   const std::lock_guard lock(handlesMutex);
-  if (!openHandles.contains(key)) return ERROR_INVALID_HANDLE;
+  if (!OpenHandles().contains(key)) return ERROR_INVALID_HANDLE;
   found = *key;
   return ERROR_SUCCESS;
 }
@@ -190,7 +195,7 @@ REGSAM OfKeys(REGSAM access) {
 
 HKEY NewHandle(const std::string& path, REGSAM access) {
   const std::lock_guard lock(handlesMutex);
-  return *openHandles.insert(new HKEY__{path, OfKeys(access)}).first;
+  return *OpenHandles().insert(new HKEY__{path, OfKeys(access)}).first;
 }
 
 bool IsRoot(const std::string& path) {
@@ -348,7 +353,7 @@ LSTATUS WINAPI RegDeleteKeyW(HKEY key, LPCWSTR subKey) {
 LSTATUS WINAPI RegCloseKey(HKEY key) {
   if (key == HKEY_CURRENT_USER || key == HKEY_LOCAL_MACHINE) return ERROR_SUCCESS;
   const std::lock_guard lock(handlesMutex);
-  if (openHandles.erase(key) == 0) return ERROR_INVALID_HANDLE;
+  if (OpenHandles().erase(key) == 0) return ERROR_INVALID_HANDLE;
   delete key;
   return ERROR_SUCCESS;
 }

@@ -1,6 +1,5 @@
 #include "advapi32/ServiceStart.h"
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -9,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <climits>
 #include <csignal>
 #include <filesystem>
 #include <system_error>
@@ -26,13 +26,17 @@ namespace {
 using Names = std::vector<std::u16string>;
 using Clock = std::chrono::steady_clock;
 
-// Empty where the library isn't a file any more.
+// Beside the module that the layer is within. Empty where that isn't a file any more.
 std::string SupervisorProgram() {
-  Dl_info info;
-  if (dladdr(reinterpret_cast<const void*>(&StartWithNeeds), &info) == 0) return {};
+  constexpr DWORD kHere =
+      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+  HMODULE module;
+  WCHAR path[PATH_MAX];
+  if (!GetModuleHandleExW(kHere, reinterpret_cast<LPCWSTR>(&StartWithNeeds), &module)) return {};
+  if (GetModuleFileNameW(module, path, PATH_MAX) == PATH_MAX) return {};
   std::error_code error;
-  const auto library = std::filesystem::canonical(info.dli_fname, error);
-  return error ? std::string() : (library.parent_path() / "winapi-service").string();
+  const auto file = std::filesystem::canonical(ToPosixPath(path), error);
+  return error ? std::string() : (file.parent_path() / "winapi-service").string();
 }
 
 // A process of its own session, with none of this one's signals and files but where it reports.

@@ -1,6 +1,6 @@
 // Starting services; internal to the layer.
 //
-// Who looks after a service is the program "winapi-service" beside the layer's library. A fork of
+// Who looks after a service is the program "winapi-service" beside the layer's module. A fork of
 // the caller alone would do without that file, but it would begin with whatever locks the caller's
 // other threads hold, with its memory and with the name of its program; so a program is started,
 // which has none of these. It forks once, alone, so that it's nobody's child.
