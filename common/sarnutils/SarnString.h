@@ -12,35 +12,39 @@
 #include <cstdarg>
 #include <utility>
 
+#include "kelptext/Compiler.h"
 #include "kelptext/WideChar.h"
 #include "sarnutils/Export.h"
 
 namespace sarn_text {
 
+// What is defined here is inlined even where nothing is optimised: gcc exports from a DLL no inline
+// function of a template.
 template <class C>
 class SARNUTILS_API CSarnStringT {
  public:
-  constexpr CSarnStringT() noexcept : m_text(&kEmpty), m_length(0) {}
+  KELP_ALWAYS_INLINE constexpr CSarnStringT() noexcept : m_text(&kEmpty), m_length(0) {}
   // A copy; null gives the empty text.
   CSarnStringT(const C* text);
   // The first length units of text.
   CSarnStringT(const C* text, int length);
-  CSarnStringT(const CSarnStringT& other) : CSarnStringT(other.m_text, other.m_length) {}
-  CSarnStringT(CSarnStringT&& other) noexcept : CSarnStringT() { swap(other); }
+  KELP_ALWAYS_INLINE CSarnStringT(const CSarnStringT& other)
+      : CSarnStringT(other.m_text, other.m_length) {}
+  KELP_ALWAYS_INLINE CSarnStringT(CSarnStringT&& other) noexcept : CSarnStringT() { swap(other); }
   ~CSarnStringT();
-  CSarnStringT& operator=(CSarnStringT other) noexcept {
+  KELP_ALWAYS_INLINE CSarnStringT& operator=(CSarnStringT other) noexcept {
     swap(other);
     return *this;
   }
-  void swap(CSarnStringT& other) noexcept {
+  KELP_ALWAYS_INLINE void swap(CSarnStringT& other) noexcept {
     std::swap(m_text, other.m_text);
     std::swap(m_length, other.m_length);
   }
 
   // The terminated text; valid until this object is assigned to or goes.
-  const C* c_str() const noexcept { return m_text; }
-  int GetLength() const noexcept { return m_length; }
-  bool IsEmpty() const noexcept { return m_length == 0; }
+  KELP_ALWAYS_INLINE const C* c_str() const noexcept { return m_text; }
+  KELP_ALWAYS_INLINE int GetLength() const noexcept { return m_length; }
+  KELP_ALWAYS_INLINE bool IsEmpty() const noexcept { return m_length == 0; }
 
   // Negative, 0 or positive, by the units as unsigned values; text isn't null.
   int Compare(const C* text) const noexcept;
