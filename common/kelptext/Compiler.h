@@ -57,6 +57,26 @@ inline std::uint32_t ReversedBytes(std::uint32_t word) noexcept {
 #endif
 }
 
+// A sum or product of unsigned numbers, cut to their width, and whether it was too wide.
+template <class T>
+bool AddOverflows(T a, T b, T* sum) noexcept {
+#ifdef _MSC_VER
+  *sum = static_cast<T>(a + b);
+  return *sum < a;
+#else
+  return __builtin_add_overflow(a, b, sum);
+#endif
+}
+template <class T>
+bool MultiplyOverflows(T a, T b, T* product) noexcept {
+#ifdef _MSC_VER
+  *product = static_cast<T>(std::uint64_t{a} * b);
+  return b != 0 && a > static_cast<T>(~T{0}) / b;
+#else
+  return __builtin_mul_overflow(a, b, product);
+#endif
+}
+
 // All 128 bits of a product.
 struct WideProduct {
   std::uint64_t high;

@@ -11,9 +11,10 @@
 // null argument, has the id 0 and a message that names the operation and the argument. The narrow
 // forms are for the calls of the platform that are made with narrow text.
 //
-// The family stands on nothing of the library but the unit of wide text, so that a program can take
-// its headers alone; its texts are plain arrays from malloc. Where <windows.h> makes a macro of
-// GetMessage, the operation here bears the macro's name, in this header as in its caller.
+// The family stands on nothing of the library but the unit of wide text and the words of compilers,
+// so that a program can take its headers alone; its texts are plain arrays from malloc. Where
+// <windows.h> makes a macro of GetMessage, the operation here bears the macro's name, in this
+// header as in its caller.
 #pragma once
 
 #include <windows.h>
@@ -27,6 +28,7 @@
 #include <memory>
 #include <type_traits>
 
+#include "kelptext/Compiler.h"
 #include "kelptext/WideChar.h"
 
 namespace Dovek {
@@ -270,18 +272,21 @@ namespace detail {
 template <class T>
 T CheckedAdd(T a, std::type_identity_t<T> b) {
   static_assert(std::is_unsigned_v<T>);
-  const T sum = static_cast<T>(a + b);
-  if (sum < a) throw SafeIntException(SafeIntException::kArithmeticOverflow);
+  T sum;
+  if (kelp::detail::AddOverflows(a, b, &sum)) {
+    throw SafeIntException(SafeIntException::kArithmeticOverflow);
+  }
   return sum;
 }
 
 template <class T>
 T CheckedMultiply(T a, std::type_identity_t<T> b) {
   static_assert(std::is_unsigned_v<T>);
-  if (b != 0 && a > std::numeric_limits<T>::max() / b) {
+  T product;
+  if (kelp::detail::MultiplyOverflows(a, b, &product)) {
     throw SafeIntException(SafeIntException::kArithmeticOverflow);
   }
-  return static_cast<T>(std::uint64_t{a} * b);
+  return product;
 }
 
 template <class T>
