@@ -1,5 +1,6 @@
 # README.md's program in a project that builds the library as a part of itself.
-# -D SOURCE, HOW (add_subdirectory or FetchContent), SHARED (ON or OFF)
+# -D SOURCE, HOW (add_subdirectory or FetchContent), SHARED (ON or OFF), PROGRAMS (where this build has
+# the DLLs of the compiler's runtime, which a program on Windows keeps beside itself)
 include(${CMAKE_CURRENT_LIST_DIR}/Run.cmake)
 
 set(lines_of_add_subdirectory "add_subdirectory(${SOURCE} kelp0lang)\n")
@@ -24,6 +25,8 @@ write_readme_project("${lines_of_${HOW}}${untouched}")
 run(${CMAKE_COMMAND} -G Ninja -S source -B build ${OPTIONS} -DBUILD_SHARED_LIBS=${SHARED}
     -DCMAKE_RUNTIME_OUTPUT_DIRECTORY=${WORK_DIR}/bin -DKELP_WARNINGS_ARE_ERRORS=ON)
 run(${CMAKE_COMMAND} --build build --target mine early)
+file(GLOB runtime ${PROGRAMS}/lib*-[0-9].dll)
+file(COPY ${runtime} DESTINATION ${WORK_DIR}/bin)
 file(GLOB_RECURSE shared ${WORK_DIR}/*kelp0lang.so ${WORK_DIR}/*kelp0lang.dll)
 if((SHARED AND NOT shared) OR (shared AND NOT SHARED))
   message(FATAL_ERROR "SHARED is ${SHARED}, and there is: ${shared}")
