@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <iterator>
+#include <optional>
 
 #include "kernel32/PathName.h"
 
@@ -14,6 +15,7 @@ using std::chrono::sys_days;
 
 namespace {
 
+constexpr const char* kZoneFolder = "/usr/share/zoneinfo";
 constexpr int kDaysOfWeek = 7;
 
 LONG ToBias(seconds offset) {

@@ -3,12 +3,9 @@
 
 #include <windows.h>
 
-#include <optional>
 #include <string>
 
 #include "kernel32/ZoneChanges.h"
-
-inline constexpr const char* kZoneFolder = "/usr/share/zoneinfo";
 
 // The folder of zone files: what TZDIR names, else the system's.
 std::string ZoneFolder();

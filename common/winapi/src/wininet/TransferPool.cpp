@@ -48,7 +48,7 @@ Shared& TheShared() {
   return shared;
 }
 
-// A handle that is given up keeps the names of cookie files.
+// libcurl frees the names of cookie files only where they are set to none.
 void CloseEasy(CURL* easy) {
   curl_easy_setopt(easy, CURLOPT_COOKIEFILE, nullptr);
   curl_easy_cleanup(easy);
@@ -82,6 +82,7 @@ TransferPlace TakePlace(const std::string& server) {
       shared.places.erase(std::next(same).base());
       if (MayUseAgain()) return place;
       place.setUp.reset();
+      const SigPipeGuard guard;
       CloseEasy(std::exchange(place.easy, curl_easy_init()));
       return place;
     }
