@@ -6,6 +6,8 @@
 #   ./test.sh ubsan      under the undefined-behaviour sanitizer alone
 #   ./test.sh tsan       under the thread sanitizer
 #   ./test.sh all        all of these
+#   ./test.sh coverage   on Linux, and which lines and branches of the libraries the tests run, by
+#                        file; build/coverage/report.txt names those that they don't
 #   ./test.sh packages   makes the packages, installs them into an empty Debian and an empty folder for
 #                        Windows, and builds programs there; takes root, and half an hour
 set -euo pipefail
@@ -79,6 +81,19 @@ run_windows() {
   with_fixed_addresses ctest --preset windows
 }
 
+# Branches that only exceptions take aren't counted: a compiler puts one behind every call.
+run_coverage() {
+  need_packages gcovr
+  rm -f build/coverage/**/*.gcda
+  run_linux coverage
+  local count=(gcovr --root . --object-directory build/coverage --filter common/
+    --exclude-unreachable-branches --exclude-throw-branches)
+  "${count[@]}" --txt build/coverage/report.txt --json build/coverage/report.json build/coverage >/dev/null
+  "${count[@]}" --add-tracefile build/coverage/report.json --branches --txt build/coverage/branches.txt
+  cat build/coverage/report.txt
+  tail -4 build/coverage/branches.txt
+}
+
 case "${1:-linux}" in
   linux) run_linux release ;;
   windows) run_windows ;;
@@ -88,9 +103,10 @@ case "${1:-linux}" in
     run_windows
     for sanitizer in asan ubsan tsan; do run_sanitizer "$sanitizer"; done
     ;;
+  coverage) run_coverage ;;
   packages)
     . scripts/packages.sh
     test_packages
     ;;
-  *) die "unknown kind of run '$1'; there are: windows, asan, ubsan, tsan, all, packages" ;;
+  *) die "unknown kind of run '$1'; there are: windows, asan, ubsan, tsan, all, coverage, packages" ;;
 esac

@@ -24,6 +24,11 @@ if(KELP_SANITIZE)
     -fsanitize=${KELP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kelp_options INTERFACE -fsanitize=${KELP_SANITIZE})
 endif()
+if(KELP_COVERAGE)
+  # Counters of several threads aren't lost.
+  target_compile_options(kelp_options INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(kelp_options INTERFACE --coverage)
+endif()
 if(WIN32)
   # The SDK headers are read in their wide form and without the old macros min and max.
   target_compile_definitions(kelp_options INTERFACE

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "kelp0lang/IniFile.h"
@@ -25,6 +26,20 @@ void PutHelper(const char* name) {
   fs::create_directories(folder);
   fs::copy_file(TEST_HELPER, folder / name, fs::copy_options::overwrite_existing);
 }
+
+// A listener that wants another command before its own is done: on its thread, and on another.
+struct ImpatientCaller : CServiceStubCaller {
+  void OnMessage(const TStubMessage& message) override {
+    const auto insist = [this] {
+      CServiceStubCaller other;
+      if (!other.InstallService(KTEXT("0"), KTEXT(""), KTEXT(""), false)) ++refused;
+    };
+    insist();
+    std::thread(insist).join();
+    CServiceStubCaller::OnMessage(message);
+  }
+  int refused = 0;
+};
 
 // In one test, for the caller is one of the process, and once connected stays so.
 TEST(StubCaller, TheHelperIsStartedConnectedAndHeard) {
@@ -51,6 +66,10 @@ TEST(StubCaller, TheHelperIsStartedConnectedAndHeard) {
   for (const auto& test : cases) {
     CServiceStubCaller caller;
     EXPECT_EQ(caller.InstallService(test.name, KTEXT("name"), KTEXT("path"), true), test.installed);
+    if (!test.installed) continue;
+    ImpatientCaller impatient;
+    EXPECT_TRUE(impatient.InstallService(KTEXT("0"), KTEXT(""), KTEXT(""), true));
+    EXPECT_EQ(impatient.refused, 2);
   }
 }
 

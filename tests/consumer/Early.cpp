@@ -1,5 +1,7 @@
-// A program whose static objects use the library before main begins and after it has ended.
+// A program whose static objects use the library before main begins and after it has ended; and
+// what the library finds by its name alone.
 #include <kelp0lang/kelp0lang.h>
+#include <windows.h>
 
 #include <cstdio>
 
@@ -18,4 +20,8 @@ struct Early {
 
 }  // namespace
 
-int main() {}
+int main() {
+  const HMODULE spooler = LoadLibraryW(KTEXT("Winspool.drv"));
+  const bool isThere = GetProcAddress(spooler, "SetPrinterW") != nullptr;
+  std::printf("printers: %s\n", isThere ? "there" : "not to be found");
+}

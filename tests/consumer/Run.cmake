@@ -72,5 +72,6 @@ endfunction()
 function(run_programs folder)
   take_from_readme(expected "prints `" "`")
   run_expecting(${folder}/mine "${expected}")
-  run_expecting(${folder}/early "before main: OstrandAdmin, C\nbehind main: OstrandAdmin, C")
+  run_expecting(${folder}/early
+    "before main: OstrandAdmin, C\nprinters: there\nbehind main: OstrandAdmin, C")
 endfunction()

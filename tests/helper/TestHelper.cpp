@@ -15,6 +15,8 @@
 
 namespace {
 
+constexpr DWORD kMoreThanAPoll = 700;  // of the other side, in milliseconds
+
 HANDLE Open(const WCHAR* name, DWORD access) {
   return CreateFileW(name, access, 0, nullptr, OPEN_EXISTING, 0, nullptr);
 }
@@ -26,7 +28,6 @@ void Say(HANDLE pipe, const Wide& text) {
 
 // What is no answer, each in a read of the other side's own.
 void SayGarbage(HANDLE pipe) {
-  constexpr DWORD kMoreThanAPoll = 700;
   const Wide parts[] = {
       WTEXT("1;2000000000;2;0;"),
       WTEXT("1;-3;2;0;"),
@@ -74,6 +75,10 @@ void Talk() {
     }
     if (value == WTEXT("garbage")) {
       SayGarbage(out);
+      Say(out, WTEXT("1;1;2;0;"));
+    } else if (value == WTEXT("flood")) {
+      Say(out, Wide(5'000'000, 'x'));
+      Sleep(2 * kMoreThanAPoll);
       Say(out, WTEXT("1;1;2;0;"));
     } else if (value == WTEXT("two")) {
       Say(out, WTEXT("1;2;2;0;2;0;"));

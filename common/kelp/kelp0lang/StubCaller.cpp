@@ -111,6 +111,14 @@ void CStubAdminCaller::SetParams(const kelp::WString& first, const kelp::WString
 }
 
 bool CStubAdminCaller::ExecuteCommand(IStubAdminListener* listener, const TStubMessage& message) {
+  // Two readers would take each other's answers, and one of them wait for what the other has read.
+  if (m_busy.exchange(true)) return false;
+  const bool written = Talk(listener, message);
+  m_busy = false;
+  return written;
+}
+
+bool CStubAdminCaller::Talk(IStubAdminListener* listener, const TStubMessage& message) {
   if (!Connect()) return false;
   m_pipes->AddListener(listener);
   const bool written = m_pipes->WriteMessage(message, true);

@@ -7,9 +7,11 @@
 // The helper is "TalveraAdmin.exe" or "OstrandAdmin.exe" (IsModIta) in the program's folder. It
 // comes by its rights itself, opens the pipes of CPipeManager_Talv and stays for further commands.
 //
-// Threads: one at a time. A listener hears on a thread of its own.
+// Threads: the pipes carry one conversation, so a command while another runs, be it a listener's,
+// is refused. A listener hears on a thread of its own.
 #pragma once
 
+#include <atomic>
 #include <memory>
 
 #include "kelp0lang/Export.h"
@@ -28,8 +30,9 @@ class KELP0LANG_API CStubAdminCaller : public kelp::ISingleton {
 
   // Starts the helper where it hasn't been yet, sends the command and returns when the listener, or
   // anybody, calls StopRead, or nothing has come for the time of the pipes. False where the helper
-  // can't be started or reached; the outcome of the command is the listener's to hear. A user
-  // without rights whose account can't get any is told so, and that is false too.
+  // can't be started or reached, or while another command runs; the outcome of the command is the
+  // listener's to hear. A user without rights whose account can't get any is told so, and that is
+  // false too.
   bool ExecuteCommand(IStubAdminListener* listener, const TStubMessage& message);
   // A command without values.
   bool ExecuteCommand(IStubAdminListener* listener, enumStubCommand command);
@@ -39,6 +42,7 @@ class KELP0LANG_API CStubAdminCaller : public kelp::ISingleton {
   CStubAdminCaller();
   ~CStubAdminCaller() override;
 
+  bool Talk(IStubAdminListener* listener, const TStubMessage& message);
   bool Connect();
   bool IsUacEnabled();
   bool ConnectPipes(HANDLE helper);
@@ -47,6 +51,7 @@ class KELP0LANG_API CStubAdminCaller : public kelp::ISingleton {
   bool m_connected = false;  // and stays so
   kelp::WString m_firstParam;
   kelp::WString m_secondParam;
+  std::atomic<bool> m_busy = false;  // while a command runs
 };
 
 // Has the helper install a service.

@@ -25,8 +25,8 @@ WINAPI_EXPORT BOOL WINAPI GetModuleHandleExW(DWORD flags, LPCWSTR name, HMODULE*
 // FreeLibrary gives back. What can't be loaded is ERROR_MOD_NOT_FOUND.
 WINAPI_EXPORT HMODULE WINAPI LoadLibraryW(LPCWSTR name);
 // A function that the module itself exports under its C name; null and ERROR_PROC_NOT_FOUND where
-// it has none. Of the layer's own calls those of winuser.h, wingdi.h and winspool.h have one. There
-// are no ordinals.
+// it has none. Of the layer's own calls those of winuser.h, wingdi.h and winspool.h have one; where
+// the layer is a static library, those for monitors and the spooler alone. There are no ordinals.
 WINAPI_EXPORT FARPROC WINAPI GetProcAddress(HMODULE module, LPCSTR name);
 // Gives a reference back; the module goes with the last. What is no module gives false and
 // ERROR_MOD_NOT_FOUND.

@@ -14,6 +14,7 @@
 #include "CopyText.h"
 #include "Fail.h"
 #include "kernel32/PathName.h"
+#include "kernel32/StaticCalls.h"
 
 namespace {
 
@@ -190,8 +191,11 @@ FARPROC WINAPI GetProcAddress(HMODULE module, LPCSTR name) {
   void* const loaded = found == modules.end() ? nullptr : AddReference(*found, 0);
   if (loaded == nullptr) return Fail<FARPROC>(ERROR_MOD_NOT_FOUND);
   const bool isOrdinal = reinterpret_cast<std::uintptr_t>(name) <= 0xFFFF;
-  void* const function = isOrdinal ? nullptr : dlsym(loaded, name);
+  void* function = isOrdinal ? nullptr : dlsym(loaded, name);
   dlclose(loaded);
+  if (function == nullptr && !isOrdinal && FindAddress(modules, kOwnNames) == found) {
+    function = StaticCall(name);
+  }
   // The loader looks on in what the module needs.
   if (FindAddress(modules, function) != found) return Fail<FARPROC>(ERROR_PROC_NOT_FOUND);
   return reinterpret_cast<FARPROC>(function);
