@@ -8,6 +8,8 @@
 #   ./test.sh all        all of these
 #   ./test.sh coverage   on Linux, and which lines and branches of the libraries the tests run, by
 #                        file; build/coverage/report.txt names those that they don't
+#   ./test.sh mutants    how many of small faults, planted one at a time, the tests find: 12 for each
+#                        family; "./test.sh mutants 25 text numbers" as many for some; takes hours
 #   ./test.sh packages   makes the packages, installs them into an empty Debian and an empty folder for
 #                        Windows, and builds programs there; takes root, and half an hour
 set -euo pipefail
@@ -94,6 +96,20 @@ run_coverage() {
   tail -4 build/coverage/branches.txt
 }
 
+# In a copy of the sources, whose files keep their times, so that only what differs is built anew.
+run_mutants() {
+  local tree=$root/build/mutants/tree build=$root/build/mutants/build
+  need_compiler
+  need_packages gettext lld libfmt-dev python3
+  need_german_locale
+  mkdir -p "$tree"
+  git ls-files -z | xargs -0 cp --parents --preserve=timestamps -t "$tree"
+  cmake -S "$tree" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+    -DCMAKE_CXX_FLAGS_RELEASE="-O0 -fno-inline" -DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld \
+    -DCMAKE_SHARED_LINKER_FLAGS=-fuse-ld=lld >"$build.log"
+  scripts/mutants.py "$tree" "$build" "${@:-12}"
+}
+
 case "${1:-linux}" in
   linux) run_linux release ;;
   windows) run_windows ;;
@@ -104,9 +120,10 @@ case "${1:-linux}" in
     for sanitizer in asan ubsan tsan; do run_sanitizer "$sanitizer"; done
     ;;
   coverage) run_coverage ;;
+  mutants) run_mutants "${@:2}" ;;
   packages)
     . scripts/packages.sh
     test_packages
     ;;
-  *) die "unknown kind of run '$1'; there are: windows, asan, ubsan, tsan, all, coverage, packages" ;;
+  *) die "unknown kind of run '$1'; there are: windows, asan, ubsan, tsan, all, coverage, mutants, packages" ;;
 esac
