@@ -88,6 +88,7 @@ class ZoneFile::Reader {
   static constexpr std::size_t kSizeOfPeriod = 6;  // offset, whether daylight, place of the name
 
   static std::int64_t ToNumber(std::string_view bytes) {
+    if (bytes.empty()) return 0;
     std::uint64_t number = 0;
     for (const char byte : bytes) number = number << 8 | static_cast<unsigned char>(byte);
     const auto unused = static_cast<int>(8 * (sizeof number - bytes.size()));
