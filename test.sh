@@ -96,14 +96,16 @@ run_coverage() {
   tail -4 build/coverage/branches.txt
 }
 
-# In a copy of the sources, whose files keep their times, so that only what differs is built anew.
+# In a copy of the sources, of which only what differs is copied and so built anew.
 run_mutants() {
-  local tree=$root/build/mutants/tree build=$root/build/mutants/build
+  local tree=$root/build/mutants/tree build=$root/build/mutants/build file
   need_compiler
   need_packages gettext lld libfmt-dev python3
   need_german_locale
   mkdir -p "$tree"
-  git ls-files -z | xargs -0 cp --parents --preserve=timestamps -t "$tree"
+  while IFS= read -r -d '' file; do
+    cmp -s "$file" "$tree/$file" || cp --parents "$file" "$tree"
+  done < <(git ls-files -z)
   cmake -S "$tree" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
     -DCMAKE_CXX_FLAGS_RELEASE="-O0 -fno-inline" -DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld \
     -DCMAKE_SHARED_LINKER_FLAGS=-fuse-ld=lld >"$build.log"

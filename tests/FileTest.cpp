@@ -44,6 +44,8 @@ TEST(File, TakesPathsApart) {
        KTEXT("share"), KTEXT(""), false},
       {KTEXT("a.b\\c"), KTEXT("a.b\\c"), KTEXT("a.b"), KTEXT("c"), KTEXT("c"), KTEXT(""), false},
       {KTEXT("x\\.rc"), KTEXT("x\\.rc"), KTEXT("x"), KTEXT(".rc"), KTEXT(""), KTEXT("rc"), false},
+      {KTEXT(".rc"), KTEXT(".rc"), KTEXT(""), KTEXT(".rc"), KTEXT(""), KTEXT("rc"), false},
+      {KTEXT("\\x"), KTEXT("\\x"), KTEXT(""), KTEXT("x"), KTEXT("x"), KTEXT(""), false},
       {KTEXT("name."), KTEXT("name."), KTEXT(""), KTEXT("name."), KTEXT("name"), KTEXT(""), false},
       {KTEXT("C:n.tar.gz"), KTEXT("C:n.tar.gz"), KTEXT(""), KTEXT("C:n.tar.gz"), KTEXT("n.tar"),
        KTEXT("gz"), false},
@@ -94,7 +96,9 @@ TEST(File, KnowsTheSystemsForms) {
   EXPECT_GT(CFile(longName).GetAbsolutePath().Length(), 1990);
   EXPECT_EQ(CFile(KTEXT("c:/a/../é.b")).GetAbsoluteFile().GetPath(), KTEXT("c:\\é.b"));
   EXPECT_EQ(CFile(KTEXT("c:\\a.b")).GetCanonicalFile().GetPath(), KTEXT("C:\\A.B"));
-  EXPECT_EQ(CFile(KTEXT("c:\\a?")).GetCanonicalPath(), KTEXT(""));
+  for (const WChar* const pattern : {KTEXT("c:\\a?"), KTEXT("?a"), KTEXT("*")}) {
+    EXPECT_EQ(system.Canonicalize(WString(pattern)), KTEXT(""));
+  }
 }
 
 TEST(File, AsksTheDisk) {
@@ -174,7 +178,24 @@ TEST(File, ListsWhatTheSystemFinds) {
   EXPECT_EQ(files[0].Length(), 5u) << "the file that the name stands for";
   EXPECT_EQ(pattern.ListFiles().size(), 2u);
   EXPECT_EQ(root.ListFiles()[0].GetPath(), CFile(root, root.GetName()).GetPath());
+
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.Path());
+  const std::vector<CFile> here = CFile(KTEXT("*.txt")).ListFiles();
+  std::filesystem::current_path(before);
+  ASSERT_EQ(here.size(), 1u);
+  EXPECT_EQ(here[0].GetPath(), KTEXT("c.txt"));
 }
+
+#ifndef _WIN32  // where such a file may take what its length says
+TEST(File, ALengthMayEndLikeAnError) {
+  const TempFolder folder;
+  folder.Write("big", "");
+  constexpr std::uint64_t kLength = 0xFFFFFFFF;
+  std::filesystem::resize_file(folder.Path() / "big", kLength);
+  EXPECT_EQ(In(folder, KTEXT("big")).Length(), kLength);
+}
+#endif
 
 TEST(File, TemporaryFilesAreOnesOwn) {
   const TempFolder folder;

@@ -216,6 +216,10 @@ TEST_F(IniFile, ARememberedNetworkPathOutOfReachReadsAsEmpty) {
   EXPECT_EQ(read(own, KTEXT("PERSIST"), KTEXT("\\x\\none")), WString(KTEXT("\\x\\none")));
   EXPECT_EQ(read(own, KTEXT("Other"), kPath), WString(kPath));
   EXPECT_EQ(read(m_ini, KTEXT("PERSIST"), kPath), WString(kPath));
+  WChar folder[MAX_PATH];
+  ASSERT_NE(GetFullPathNameW(PathOf(KTEXT("a")).c_str(), MAX_PATH, folder, nullptr), 0u);
+  const WString near = WString(KTEXT("\\\\?\\")).Concat(WString(folder));
+  EXPECT_EQ(read(own, KTEXT("PERSIST"), near.c_str()), near);
 }
 
 TEST_F(IniFile, AnEightBitFileIsConvertedOnceAndLosesNothing) {
@@ -242,7 +246,32 @@ TEST_F(IniFile, AnEightBitFileIsConvertedOnceAndLosesNothing) {
   const CIniFile utf8(PathOf(KTEXT("utf8")).c_str());
   EXPECT_EQ(utf8.GetKelpString(KTEXT("S"), KTEXT("a"), KTEXT("")),
             WString(KTEXT("\x20AC\xD83D\xDE00\xE2\x82")));
+  m_folder.Write("end.ket", "[S]\na=\xE2\x82\xAC");
+  const CIniFile end(PathOf(KTEXT("end")).c_str());
+  EXPECT_EQ(end.GetKelpString(KTEXT("S"), KTEXT("a"), KTEXT("")), WString(KTEXT("\x20AC")));
 #endif
+}
+
+// Of another program, and then of one that reads the file and lets nobody replace it.
+TEST_F(IniFile, AConversionWaitsForOthers) {
+  const WString path = PathOf(KTEXT("old"));
+  const WString holders[] = {kelp::GetTempFolderPath(KTEXT("$$tempket.ket")), path + KTEXT(".ket")};
+  for (const WString& holder : holders) {
+    m_folder.Write("old.ket", "[S]\na=1\n");
+    const bool makes = holder == holders[0];
+    const HANDLE held =
+        makes ? CreateFileW(holder.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr)
+              : CreateFileW(holder.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                            0, nullptr);
+    ASSERT_NE(held, INVALID_HANDLE_VALUE);
+    std::thread others([held] {
+      Sleep(50);
+      CloseHandle(held);
+    });
+    const CIniFile old(path.c_str());
+    others.join();
+    EXPECT_EQ(m_folder.Read("old.ket"), Utf16("[S]\r\na=1\r\n"));
+  }
 }
 
 // The temporary file can't be opened there.
