@@ -34,6 +34,8 @@ TEST(SyncObj, EventsAndSemaphores) {
   EXPECT_FALSE(semaphore.Unlock());
   EXPECT_TRUE(semaphore.Lock(0) && semaphore.Lock(0));
   EXPECT_FALSE(semaphore.Lock(0));
+  EXPECT_TRUE(semaphore.Unlock() && semaphore.Lock(0));
+  EXPECT_FALSE(semaphore.Lock(0)) << "that was one";
 }
 
 TEST(SyncObj, AMutexOfAnotherThread) {
