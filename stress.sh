@@ -25,9 +25,9 @@ seconds_of() {
   esac
 }
 
-# record KIND NAME COUNT SECONDS FINDINGS: a line of figures.
+# record KIND NAME COUNT SECONDS FINDINGS: a line of figures, which stays if the run is cut off.
 record() {
-  (IFS=$'\t' && echo "$*") >>"$out/run"
+  (IFS=$'\t' && echo "$*") | tee -a "$out/run" >>"$out/figures"
 }
 
 now() { date +%s; }
@@ -114,7 +114,6 @@ end=$(($(now) + length))
 fuzz_all &
 faults_and_races
 wait
-cat "$out/run" >>"$out/figures"
 echo "what     name                          tried       time  findings"
 table "$out/figures"
 ! awk -F '\t' '$5 > 0 { found = 1 } END { exit !found }' "$out/run"
