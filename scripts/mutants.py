@@ -124,7 +124,7 @@ class Family:
         begin = time.monotonic()
         if not whole or not self.passes():
             sys.exit(f'{self.name}: its tests have to pass before anything is planted')
-        self.limit = 10 + 5 * (time.monotonic() - begin)
+        self.limit = 20 + 2 * (time.monotonic() - begin)
         every = []
         for source in self.sources:
             with open(os.path.join(self.tree, source)) as file:
