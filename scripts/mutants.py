@@ -20,6 +20,9 @@ SEED = 20261126
 LIBRARY = 'common/kelp/kelp0lang/'
 # Takes half a minute where nothing is optimised, and only looks at Sha.
 VALUES_TEST = 'values_test:-Sha.BitsAreCountedBeyond32'
+# What takes long is asked last.
+TIME_SLOW = 'HostLocalTime.AgreesInEveryZoneOfTheDatabaseThisYear:Calendar.AgreesWithChrono'
+XML_SLOW = 'XmlDiff.RandomLayoutsComeOutAsByThePlainModel:XmlParser.LongTextsAndManyNamesStayWhole'
 # Each family: the test programs, with a filter of their tests behind a colon, and the sources.
 FAMILIES = {
     'text': ('core_test', 'String'),
@@ -34,7 +37,7 @@ FAMILIES = {
     'streams': (VALUES_TEST, 'FileStream LibGen PointRecords'),
     'files': ('files_test', 'File FileSystem MemoryMappedFile'),
     'settings': ('files_test measure_test', 'IniFile WholeFile'),
-    'time': ('time_test', 'UtcTime LocalTimeComputer Calendar'),
+    'time': (f'time_test:-{TIME_SLOW} time_test:{TIME_SLOW}', 'UtcTime LocalTimeComputer Calendar'),
     'threads': ('threads_test', 'SyncObj ProcessProgress TimeProfiler ReportLog CriticalSec'),
     'pool': ('thread_pool_test plugin_test', 'ThreadFactory'),
     'desktop': ('desktop_test', 'CultureTable SpecialFolder StringLoader Translate TranslateWindow'),
@@ -42,7 +45,8 @@ FAMILIES = {
     'catalogues': ('desktop_test sarnutils_test',
                    'common/sarnutils/PoCatalogue common/sarnutils/MoCatalogue '
                    'common/sarnutils/Xlate common/sarnutils/Charset'),
-    'xml': ('xml_test', 'XmlDiffRules XmlDiffGeneration XmlDiffApplication XmlGeneric XmlWriter'),
+    'xml': (f'xml_test:-{XML_SLOW} xml_test:{XML_SLOW}',
+            'XmlDiffRules XmlDiffGeneration XmlDiffApplication XmlGeneric XmlWriter'),
     'helper': ('helper_test', 'StubMessage StubCaller PipeManager SystemQuery MonitorInfo'),
 }
 
