@@ -282,6 +282,24 @@ TEST(HttpClient, APostUnderWayTakesNothingElse) {
   EXPECT_EQ(Finish(client, 1), "a=1");
 }
 
+// The server is the proxy here.
+TEST(HttpClient, AProxyHearsTheAccount) {
+  ScriptedServer proxy([](ScriptedServer::Peer& peer) {
+    for (std::string head; !(head = peer.ReadHead()).empty();) {
+      const bool knows = head.find("\r\nProxy-Authorization: Basic dTpw\r\n") != std::string::npos;
+      peer.Send(knows ? kOk
+                      : "HTTP/1.1 407 Who\r\nProxy-Authenticate: Basic realm=\"r\"\r\n"
+                        "Content-Length: 0\r\n\r\n");
+    }
+  });
+  Client client;
+  const WideText address = Url(proxy, KTEXT("")).substr(7);
+  client.SetProxy(INTERNET_OPEN_TYPE_PROXY, address.c_str(), KTEXT(""));
+  client.SetProxyAccount(KTEXT("u"), KTEXT("p"));
+  EXPECT_EQ(ContentOf(client.SendGet(KTEXT("http://far.example/x"), FALSE)), "ok");
+  EXPECT_EQ(proxy.Heads().back().substr(0, 25), "GET http://far.example/x ");
+}
+
 TEST(HttpClient, LentHandlesStayOpen) {
   ScriptedServer server(Echo);
   Client client;

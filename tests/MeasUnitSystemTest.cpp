@@ -318,6 +318,8 @@ TEST_F(CurrentSettings, RoundsAndProposesByTheSettings) {
   EXPECT_EQ(DefaultValueDist(10.0), 10.0);
   Current().SetUnitSystem(enumUnitSystem::Imperial, false);
   EXPECT_DOUBLE_EQ(DefaultValueDist(10.0), 9.144);
+  Current().SetUnitSystem(enumUnitSystem::USSurvey, false);
+  EXPECT_DOUBLE_EQ(DefaultValueDist(10.0), 30 * 1200.0 / 3937);
   Current().SetUnitSystem(enumUnitSystem::Metric, false);
 }
 

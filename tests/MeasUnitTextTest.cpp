@@ -418,6 +418,18 @@ TEST_F(ValueText, LabelsCarryTheUnit) {
   EXPECT_EQ(GetTSDistLabel(WString(), kNormal), WString(KTEXT("[ft]")));
   EXPECT_EQ(GetSpeedLabel(WString(), kNormal), WString(KTEXT("[ft/s]")));
   EXPECT_EQ(GetVolumeLabel(KTEXT("V"), kNormal, true), WString(KTEXT("V [ft\x00B3]")));
+  Current().SetVolumeUnits(enumDisplayVolumeUnits::CubicUSSurveyYard);
+  EXPECT_EQ(GetVolumeLabel(WString(), kNormal, true), WString(KTEXT("[yd\x00B3]")));
+  const std::pair<enumDisplayAngleUnits, const WChar*> angles[] = {
+      {enumDisplayAngleUnits::Degree, KTEXT("[\x00B0]")},
+      {enumDisplayAngleUnits::Radian, KTEXT("[rad]")},
+      {enumDisplayAngleUnits::DMSPacked, KTEXT("")},
+  };
+  for (const auto& [units, label] : angles) {
+    EXPECT_EQ(DoGetAngleLabel(WString(), kNormal, units, true), WString(label));
+  }
+  EXPECT_EQ(DoGetAngleLabel(WString(), enumMeasUnitSize::Large, enumDisplayAngleUnits::Gon, true),
+            WString());
   EXPECT_EQ(DoGetDistLabel(WString(), kNormal, enumDisplayDistUnits::USSurveyChain, true),
             WString(KTEXT("[ch]")));
   EXPECT_EQ(DoGetAngleLabel(WString(), kNormal, enumDisplayAngleUnits::Mil, true),

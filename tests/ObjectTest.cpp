@@ -82,6 +82,21 @@ TEST(RefCounter, ObjectsKeepTheirAlignment) {
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(objects.back()) % alignof(Aligned), 0u);
   }
   for (Aligned* object : objects) object->SubReference();
+  const std::unique_ptr<Aligned[]> row(new Aligned[3]);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(&row[2]) % alignof(Aligned), 0u);
+}
+
+TEST(RefCounter, ARowOfObjectsGoesTogether) {
+  int deaths = 0;
+  struct Item : IRefCounter {
+    ~Item() override { ++*count; }
+    int* count = nullptr;
+  };
+  {
+    const std::unique_ptr<Item[]> row(new Item[3]);
+    for (int i = 0; i < 3; ++i) row[static_cast<std::size_t>(i)].count = &deaths;
+  }
+  EXPECT_EQ(deaths, 3);
 }
 
 template <class E, class... Args>

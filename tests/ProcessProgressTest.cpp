@@ -123,6 +123,21 @@ TEST(ProcessProgress, ListenersAreCalledInOrderAndLeaveOneByOne) {
   EXPECT_TRUE(copy.IsProcessExecuting());
   copy.SetCurTaskPercentComlete(0.25);
   EXPECT_EQ(Listener::Heard(), "y 0.25/0.25;x 0.25/0.25;") << "the copy is a process of its own";
+  progress = copy;
+  EXPECT_TRUE(progress.IsProcessExecuting());
+  progress.EndTask();
+  EXPECT_EQ(Listener::Heard(), "y end;x end;");
+  EXPECT_TRUE(copy.IsProcessExecuting());
+
+  struct Silent final : CProcessProgressManager::IProgressNotification {
+  } silent;
+  CProcessProgressManager other;
+  other.Register(&silent);
+  other.InitTask(KTEXT("t"), 1.0);
+  other.SetCurTaskPercentComlete(0.5);
+  other.Abort();
+  other.EndTask();
+  EXPECT_TRUE(other.IsProcessAborted());
 }
 
 }  // namespace

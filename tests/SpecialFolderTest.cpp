@@ -83,10 +83,18 @@ TEST_F(SpecialFolder, OnlyTheFontsFolderHasANameToSet) {
   kelp::SetFolderFileNames(KTEXT("Fonts"));
   EXPECT_EQ(kelp::GetFontsFolderName(), WString(KTEXT("Fonts")));
   EXPECT_EQ(kelp::GetFontsFolderPath(KTEXT("x")), WString(KTEXT("C:\\P/Fonts/x")));
-  for (const auto name : {kelp::GetComboFolderName, kelp::GetPreferencesFolderName,
-                          kelp::GetDocumentsFolderName, kelp::GetOldNtripServerFileName}) {
+  for (const auto name :
+       {kelp::GetComboFolderName, kelp::GetPreferencesFolderName, kelp::GetDocumentsFolderName,
+        kelp::GetOldNtripServerFileName, kelp::GetUserFolderName, kelp::GetPredefFolderName,
+        kelp::GetProfilesFolderName, kelp::GetTsDescFileName, kelp::GetCommentsFileName,
+        kelp::GetPntDescFileName, kelp::GetLocationFileName, kelp::GetOperatorFileName,
+        kelp::GetStrumFileName}) {
     EXPECT_TRUE(name().empty());
   }
+  EXPECT_EQ(kelp::GetNtripServerFileName(), WString(KTEXT("NtripServerList.xml")));
+  EXPECT_EQ(kelp::GetCustomNtripServerFileName(), WString(KTEXT("CustomNtripServerList.xml")));
+  EXPECT_EQ(kelp::GetWmsServerFileName(), WString(KTEXT("WmsServerList.xml")));
+  EXPECT_EQ(kelp::GetCustomWmsServerFileName(), WString(KTEXT("CustomWmsServerList.xml")));
 }
 
 TEST_F(SpecialFolder, RootsOfTheSystem) {

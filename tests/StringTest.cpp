@@ -317,6 +317,9 @@ TEST(StringSearch, ComparesUnitsAsUnsigned) {
   EXPECT_EQ(WString(KTEXT("a")).Compare(KTEXT("a")), 0);
   EXPECT_EQ(WString(KTEXT("AbC")).CompareIgnoreCase(KTEXT("aBc")), 0);
   EXPECT_LT(WString(KTEXT("a")).CompareIgnoreCase(KTEXT("B")), 0);
+  EXPECT_EQ(String("AbC").CompareIgnoreCase("aBc"), 0);
+  EXPECT_GT(String("c").CompareIgnoreCase("B"), 0);
+  EXPECT_TRUE(WString(KTEXT("xAb")).RegionMatches(1, WString(KTEXT("aB")), 0, 2, true));
   EXPECT_LT(String("a"), String("\x80"));
   EXPECT_LT(WString(KTEXT("a")), WString(KTEXT("ab")));
 }
@@ -408,6 +411,8 @@ TEST(StringDerive, ReplaceTrimAndCase) {
   EXPECT_EQ(String("a.b.a").Replace('a', 'c'), "c.b.c");
   EXPECT_EQ(WString(KTEXT("MiXed")).ToLowerCase(), KTEXT("mixed"));
   EXPECT_EQ(String("MiXed").ToUpperCase(), "MIXED");
+  EXPECT_EQ(String("MiXed").ToLowerCase(), "mixed");
+  EXPECT_EQ(String("\t ab \n").Trim(), "ab");
 
   const WString padded(KTEXT(" \t ab \n"));
   EXPECT_EQ(padded.TrimLeft(), KTEXT("ab \n"));

@@ -183,6 +183,14 @@ TEST(ValueOf, IsPlainText) {
   EXPECT_EQ(WString::ValueOf(1234.5, 2), KTEXT("1234.50"));
   EXPECT_EQ(WString::ValueOf(1234.5, 0), KTEXT("1234"));
   EXPECT_EQ(String::ValueOf(static_cast<const void*>(nullptr)), "0000000000000000");
+  EXPECT_EQ(String::ValueOf(-5), "-5");
+  EXPECT_EQ(String::ValueOf(4000000000u), "4000000000");
+  EXPECT_EQ(String::ValueOf(-5L), "-5");
+  EXPECT_EQ(String::ValueOf(ULLONG_MAX), "18446744073709551615");
+  EXPECT_EQ(String::ValueOf(-1234.5, 2), "-1234.50");
+  EXPECT_EQ(WString::ValueOf(LLONG_MIN), KTEXT("-9223372036854775808"));
+  const auto* const place = reinterpret_cast<const void*>(std::uintptr_t{0x1A2B});
+  EXPECT_EQ(WString::ValueOf(place), KTEXT("0000000000001A2B"));
   EXPECT_EQ(String::ValueOf(true), "true");
   EXPECT_EQ(WString::ValueOf(false), KTEXT("false"));
   EXPECT_EQ(WString::ValueOf(WChar{0x20AC}), KTEXT("\x20AC"));
