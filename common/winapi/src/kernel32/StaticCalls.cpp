@@ -34,7 +34,6 @@ void* StaticCall(const char* name) {
       // Those of monitors, which an old system may not have.
       CallOf("EnumDisplayDevicesW", &EnumDisplayDevicesW),
       CallOf("EnumDisplayMonitors", &EnumDisplayMonitors),
-      CallOf("GetMonitorInfoA", &GetMonitorInfoA),
       CallOf("GetMonitorInfoW", &GetMonitorInfoW),
       CallOf("GetSystemMetrics", &GetSystemMetrics),
       CallOf("MonitorFromPoint", &MonitorFromPoint),
