@@ -286,6 +286,15 @@ TEST_F(IniFile, WhatCanNotBeConvertedOrMadeStays) {
   EXPECT_EQ(m_folder.Read("old.ket"), "[S]\na=1\n");
   EXPECT_EQ(old.GetLong(KTEXT("S"), KTEXT("a"), 0), 1);
 
+  const HANDLE held = CreateFileW(PathOf(KTEXT("old.ket")).c_str(), GENERIC_READ, FILE_SHARE_READ,
+                                  nullptr, OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(held, INVALID_HANDLE_VALUE);
+  const CIniFile busy(PathOf(KTEXT("old")).c_str());
+  CloseHandle(held);
+  EXPECT_EQ(m_folder.Read("old.ket"), "[S]\na=1\n");
+  const auto files = std::distance(fs::directory_iterator(m_folder.Path()), {});
+  EXPECT_EQ(files, 2) << "nothing unfinished beside it";
+
   const CIniFile nowhere(PathOf(KTEXT("none\\x")).c_str());
   EXPECT_FALSE(fs::exists(m_folder.Path() / "none"));
   EXPECT_FALSE(nowhere.WriteBool(KTEXT("S"), KTEXT("a"), true));

@@ -54,6 +54,8 @@ TEST(StringBuffer, CopiesShareUntilOneIsWritten) {
   EXPECT_STREQ(b.c_str(), "text");
   c = *&c;
   EXPECT_STREQ(c.c_str(), "te");
+  c.ReleaseBuffer(0);
+  EXPECT_TRUE(c.empty());
 }
 
 TEST(StringBuffer, CapacityIsExactAndKept) {
@@ -392,6 +394,7 @@ TEST(StringDerive, EraseInsertAndParts) {
   EXPECT_EQ(abc.Insert(1, "xy", -1), "axybc");
   EXPECT_EQ(abc.Insert(-3, "xy", 1), "xabc");
   EXPECT_EQ(abc.insert(3, '!'), "abc!");
+  EXPECT_EQ(String().insert(0, "x", 1), "x");
   const String padded = abc.Insert(1, "x", 3);
   EXPECT_EQ(padded.Length(), 6);
   EXPECT_EQ(std::string(padded.c_str(), 6), std::string("ax\0\0bc", 6));
@@ -597,6 +600,7 @@ TEST(StringLocale, ConvertsByTheProcessLocale) {
   EXPECT_EQ(ConvertString("plain", 2, 0), KTEXT("ain"));
   EXPECT_EQ(ConvertString(static_cast<const char*>(nullptr), 0), WString());
   EXPECT_EQ(String::AcceptString(KTEXT("a\x20AC")), String()) << "no partial text";
+  EXPECT_EQ(String::AcceptString(KTEXT("abc")), "abc");
   EXPECT_EQ(WString::AcceptString("caff\xE8", 99), KTEXT("caff\x00E8"));
 
   LocaleScope german(LC_ALL, kGermanLocale);

@@ -171,6 +171,13 @@ TEST(ValueConverter, TextThatOutgrowsTheWorkAreaIsEmpty) {
   EXPECT_EQ(CWValueConverter::ToString(state, 1e308).Length(), 309 + 1 + 200);
 }
 
+TEST(ValueConverter, WithoutAFormADoubleHasAtLeastOneDigit) {
+  for (const auto& [precision, text] : {std::pair(0, "1234.5"), {1, "1e+03"}, {3, "1.23e+03"}}) {
+    CIOState state = State(0, precision);
+    EXPECT_EQ(CAValueConverter::ToString(state, 1234.5), text) << precision;
+  }
+}
+
 TEST(ValueOf, IsPlainText) {
   LocaleScope german(LC_ALL, kGermanLocale);
   ASSERT_TRUE(german.Ok());
