@@ -181,6 +181,17 @@ TEST(HttpAnswer, HeadersAreFoundByNameAndIndex) {
   EXPECT_EQ(size, 4u);
 }
 
+TEST(HttpAnswer, AHeadMayStandAlone) {
+  const std::string head = kOk + "X-Long: a\r\n\t b\r\nContent-Length: 5\r\n\r\n";
+  ScriptedServer server(ScriptedServer::Answering(head));
+  HttpExchange exchange(server.Port(), "HEAD");
+  EXPECT_EQ(exchange.SendAndAnswer(), "200 ");
+  EXPECT_EQ(server.Heads().at(0).substr(0, 7), "HEAD / ");
+  if (UnderWine()) return;  // it ends a header with its line
+  EXPECT_EQ(exchange.Query(HTTP_QUERY_CUSTOM, "X-Long", 0), "a b");
+  EXPECT_EQ(exchange.Query(HTTP_QUERY_RAW_HEADERS_CRLF, "", 0), head);
+}
+
 // It goes on with no header: that of the answer before, on the same connection, has gone.
 TEST(HttpAnswer, AFirstHeaderThatBeginsWithABlankIsNone) {
   ScriptedServer server([](ScriptedServer::Peer& peer) {
