@@ -218,8 +218,8 @@ TEST_F(IniFile, ARememberedNetworkPathOutOfReachReadsAsEmpty) {
   EXPECT_EQ(read(m_ini, KTEXT("PERSIST"), kPath), WString(kPath));
   WChar folder[MAX_PATH];
   ASSERT_NE(GetFullPathNameW(PathOf(KTEXT("a")).c_str(), MAX_PATH, folder, nullptr), 0u);
-  const WString near = WString(KTEXT("\\\\?\\")).Concat(WString(folder));
-  EXPECT_EQ(read(own, KTEXT("PERSIST"), near.c_str()), near);
+  const WString reachable = WString(KTEXT("\\\\?\\")).Concat(WString(folder));
+  EXPECT_EQ(read(own, KTEXT("PERSIST"), reachable.c_str()), reachable);
 }
 
 TEST_F(IniFile, AnEightBitFileIsConvertedOnceAndLosesNothing) {
