@@ -41,7 +41,7 @@ FAMILIES = {
     'threads': ('threads_test', 'SyncObj ProcessProgress TimeProfiler ReportLog CriticalSec'),
     'pool': ('thread_pool_test plugin_test', 'ThreadFactory'),
     'desktop': ('desktop_test', 'CultureTable SpecialFolder StringLoader Translate TranslateWindow'),
-    'singletons': ('singleton_test', 'Singleton GlobalFunction RunOnce'),
+    'singletons': ('singleton_test core_test', 'Singleton GlobalFunction RunOnce'),
     'catalogues': ('desktop_test sarnutils_test',
                    'common/sarnutils/PoCatalogue common/sarnutils/MoCatalogue '
                    'common/sarnutils/Xlate common/sarnutils/Charset'),
