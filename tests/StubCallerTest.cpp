@@ -88,7 +88,9 @@ TEST(SystemQuery, ProgramsOfTheFamilyAreSeenWhileTheyRun) {
   info.fMask = SEE_MASK_NOCLOSEPROCESS;
   const auto path = Folders().Wide(KTEXT("program/talveraX.exe"));
   info.lpFile = path.c_str();
-  info.lpParameters = KTEXT("sleep;");
+  const auto end = Folders().Wide(KTEXT("program/end"));
+  const auto parameters = KTEXT("until; \"") + end + KTEXT("\"");
+  info.lpParameters = parameters.c_str();
   info.nShow = SW_SHOW;
   ASSERT_TRUE(ShellExecuteExW(&info));
   const int id = static_cast<int>(GetProcessId(info.hProcess));
@@ -98,10 +100,11 @@ TEST(SystemQuery, ProgramsOfTheFamilyAreSeenWhileTheyRun) {
     return std::count(ids.begin(), ids.end(), id) == 1;
   };
   // It may have been started but not begun.
-  for (int i = 0; i < 200 && !isSeen(true, false); ++i) Sleep(10);
+  while (!isSeen(true, false) && WaitForSingleObject(info.hProcess, 10) == WAIT_TIMEOUT) continue;
   EXPECT_TRUE(isSeen(true, false));
   EXPECT_TRUE(isSeen(true, true));
   EXPECT_FALSE(isSeen(false, true));
+  Folders().Write("program/end", "");
   WaitForSingleObject(info.hProcess, INFINITE);
   EXPECT_FALSE(isSeen(true, false));
   CloseHandle(info.hProcess);

@@ -4,11 +4,13 @@
 //             for what is no answer before that of 0, "end" for half an answer and the end
 //   "launch;" starts the program that the next argument names, and gives its exit status
 //   "sleep;"  is there for three seconds
+//   "until;"  is there until the file is that the next argument names, for a minute at most
 //   else      ends at once
 #include <windows.h>
 // It needs the one before.
 #include <shellapi.h>
 
+#include <cstring>
 #include <string>
 
 #include "tests/winapi/WideText.h"
@@ -45,9 +47,21 @@ void SayGarbage(HANDLE pipe) {
   Sleep(4 * kMoreThanAPoll);
 }
 
+Wide Widened(const char* text) {
+  return Wide(text, text + std::strlen(text));
+}
+
+void WaitFor(const char* file) {
+  constexpr int kMostTries = 6'000;
+  const Wide path = Widened(file);
+  for (int i = 0; i < kMostTries; ++i) {
+    if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES) return;
+    Sleep(10);
+  }
+}
+
 int Launch(const char* program) {
-  const std::string narrow = program;
-  const Wide path(narrow.begin(), narrow.end());
+  const Wide path = Widened(program);
   SHELLEXECUTEINFOW info = {};
   info.cbSize = sizeof info;
   info.fMask = SEE_MASK_NOCLOSEPROCESS;
@@ -95,6 +109,7 @@ int main(int count, char** arguments) {
   const std::string what = count > 1 ? arguments[1] : "";
   if (what == "talk;pipes") Talk();
   if (what == "sleep;") Sleep(3'000);
+  if (what == "until;" && count > 2) WaitFor(arguments[2]);
   if (what == "launch;" && count > 2) return Launch(arguments[2]);
   return 0;
 }
