@@ -601,6 +601,7 @@ TEST(StringLocale, ConvertsByTheProcessLocale) {
   EXPECT_EQ(ConvertString(static_cast<const char*>(nullptr), 0), WString());
   EXPECT_EQ(String::AcceptString(KTEXT("a\x20AC")), String()) << "no partial text";
   EXPECT_EQ(String::AcceptString(KTEXT("abc")), "abc");
+  EXPECT_EQ(WString::AcceptString("abc"), KTEXT("abc"));
   EXPECT_EQ(WString::AcceptString("caff\xE8", 99), KTEXT("caff\x00E8"));
 
   LocaleScope german(LC_ALL, kGermanLocale);
