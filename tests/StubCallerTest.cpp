@@ -89,6 +89,7 @@ TEST(SystemQuery, ProgramsOfTheFamilyAreSeenWhileTheyRun) {
   const auto path = Folders().Wide(KTEXT("program/talveraX.exe"));
   info.lpFile = path.c_str();
   const auto end = Folders().Wide(KTEXT("program/end"));
+  fs::remove(fs::path(end));
   const auto parameters = KTEXT("until; \"") + end + KTEXT("\"");
   info.lpParameters = parameters.c_str();
   info.nShow = SW_SHOW;
