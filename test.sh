@@ -86,7 +86,8 @@ run_windows() {
 # Branches that only exceptions take aren't counted: a compiler puts one behind every call.
 run_coverage() {
   need_packages gcovr
-  rm -f build/coverage/**/*.gcda
+  # Counts of an earlier run would be added to.
+  if [ -d build/coverage ]; then find build/coverage -name '*.gcda' -delete; fi
   run_linux coverage
   local count=(gcovr --root . --object-directory build/coverage --filter common/
     --exclude-unreachable-branches --exclude-throw-branches)

@@ -113,9 +113,10 @@ void CStubAdminCaller::SetParams(const kelp::WString& first, const kelp::WString
 bool CStubAdminCaller::ExecuteCommand(IStubAdminListener* listener, const TStubMessage& message) {
   // Two readers would take each other's answers, and one of them wait for what the other has read.
   if (m_busy.exchange(true)) return false;
-  const bool written = Talk(listener, message);
-  m_busy = false;
-  return written;
+  // Also where there is no memory for the command.
+  const auto notBusy = [](std::atomic<bool>* busy) { *busy = false; };
+  const std::unique_ptr<std::atomic<bool>, decltype(notBusy)> scope(&m_busy, notBusy);
+  return Talk(listener, message);
 }
 
 bool CStubAdminCaller::Talk(IStubAdminListener* listener, const TStubMessage& message) {
