@@ -76,11 +76,15 @@ debian_sources() {
     'Identifier: Packages' 'Origin: Debian' | sort -u
 }
 
-# The tests of number text want a locale with a decimal comma.
+# The tests of number text want a locale with a decimal comma, those of settings also one whose
+# characters have one byte.
 need_german_locale() {
+  local charset
   need_packages locales
-  locale -a | grep -qix 'de_DE\.utf-\?8' ||
-    as_root localedef -i de_DE -f UTF-8 de_DE.UTF-8
+  for charset in UTF-8 ISO-8859-15; do
+    [ "$(LC_ALL=de_DE.$charset locale charmap 2>/dev/null)" = $charset ] ||
+      as_root localedef -i de_DE -f $charset de_DE.$charset
+  done
 }
 
 # build PRESET [TARGET...]: configures and builds; prints on standard error, in full only on failure.

@@ -88,6 +88,12 @@ TEST(File, KnowsTheSystemsForms) {
   const std::vector<CFile> roots = CFile::ListRoots();
   const WString drive = temp.GetAbsolutePath().substr(0, 3).ToUpperCase();
   EXPECT_EQ(std::ranges::count(roots, drive, [](const CFile& r) { return r.GetPath(); }), 1);
+  // Wine keeps the definition of a drive, but doesn't list it.
+  if (!UnderWine()) {
+    ASSERT_TRUE(DefineDosDeviceW(0, KTEXT("A:"), temp.GetPath().c_str()));
+    EXPECT_EQ(CFile::ListRoots().front().GetPath(), KTEXT("A:\\"));
+    EXPECT_TRUE(DefineDosDeviceW(DDD_REMOVE_DEFINITION, KTEXT("A:"), nullptr));
+  }
 
   WString longName = KTEXT("x/..");
   while (longName.Length() < 2000) longName = KTEXT("0123456789\\") + longName;

@@ -239,9 +239,18 @@ TEST_F(IniFile, AnEightBitFileIsConvertedOnceAndLosesNothing) {
     const CIniFile made(PathOf(KTEXT("short")).c_str());
     EXPECT_EQ(m_folder.Read("short.ket"), Utf16(text));
   }
+  {
+    // A character of one byte is one also where those of several would be looked for.
+    const LocaleScope locale(LC_CTYPE, kOneByteLocale);
+    if (!locale.Ok()) GTEST_SKIP() << "no locale of one byte";
+    m_folder.Write("one.ket", kOneByteEuro + std::string("\na=") + kOneByteEuro);
+    const CIniFile one(PathOf(KTEXT("one")).c_str());
+    EXPECT_EQ(m_folder.Read("one.ket"),
+              Utf16("?\r\na=?").replace(2, 2, "\xAC\x20").replace(12, 2, "\xAC\x20"));
+  }
+#ifndef _WIN32
   const LocaleScope locale(LC_CTYPE, kGermanLocale);
   if (!locale.Ok()) return;
-#ifndef _WIN32
   m_folder.Write("utf8.ket", "[S]\na=\xE2\x82\xAC\xF0\x9F\x98\x80\xE2\x82\n");
   const CIniFile utf8(PathOf(KTEXT("utf8")).c_str());
   EXPECT_EQ(utf8.GetKelpString(KTEXT("S"), KTEXT("a"), KTEXT("")),

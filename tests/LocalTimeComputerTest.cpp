@@ -233,8 +233,8 @@ class Searched {
   std::vector<Passage> m_passages;
 };
 
-// Also both changes in one month, on one day or at one hour, and offsets by which they change
-// places.
+// Also both changes in one month, on one day or at one hour, in every year or in some, and offsets
+// by which they change places.
 TEST(LocalTime, AnyRuleIsLookedUpAsBySearch) {
   std::mt19937 random(29);
   const auto rule = [&](WORD month) {
@@ -243,8 +243,14 @@ TEST(LocalTime, AnyRuleIsLookedUpAsBySearch) {
   const auto month = [&] { return static_cast<WORD>(1 + random() % 12); };
   constexpr LONG kBiases[] = {0, -60, 60, -720, -1440, 1440, -35'000, 35'000};
   for (int i = 0; i < 1000; ++i) {
-    const _SYSTEMTIME begin = rule(month());
-    const _SYSTEMTIME end = i % 8 == 0 ? begin : rule(i % 2 == 0 ? begin.wMonth : month());
+    _SYSTEMTIME begin = rule(month());
+    _SYSTEMTIME end = i % 8 == 0 ? begin : rule(i % 2 == 0 ? begin.wMonth : month());
+    // The fourth of a month's weekdays is the last one in some years alone.
+    if (i % 8 == 4) {
+      begin = Rule(end.wMonth, end.wDayOfWeek, 4, 2);
+      end.wDay = 5;
+      end.wHour = 2;
+    }
     const auto zone =
         Zone(i % 3 == 0 ? -720 : 0, kBiases[random() % std::size(kBiases)], begin, end);
     CLocalTimeComputer computer = For(zone);

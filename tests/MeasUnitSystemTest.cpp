@@ -12,6 +12,7 @@
 #include "kelp0lang/CurrMeasUnitInfo.h"
 #include "kelp0lang/MeasUnitChangeContext.h"
 #include "kelp0lang/MeasUnitText.h"
+#include "kelp0lang/SpecialFolder.h"
 #include "tests/MeasureTestFolders.h"
 #include "tests/TestText.h"
 
@@ -426,6 +427,17 @@ TEST(MeasUnitFile, AFailedSaveLeavesTheOldFile) {
   EXPECT_EQ(CountEntries(), entries);
   fs::permissions(DataSupportFolder() / "protected.dat", kWriteAll, fs::perm_options::add);
   EXPECT_TRUE(CMeasUnitSystem(WString(), KTEXT("protected.dat")).SaveConfig());
+  EXPECT_EQ(CountEntries(), entries);
+
+  // Nor what another program keeps open for longer than a save waits.
+  Folders().Write(DataSupportFolder() / "protected.dat", "old");
+  const WString path = kelp::GetProgramDataSupportFolderPath(KTEXT("protected.dat"));
+  const HANDLE held = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                  OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(held, INVALID_HANDLE_VALUE);
+  EXPECT_FALSE(CMeasUnitSystem(WString(), KTEXT("protected.dat")).SaveConfig());
+  CloseHandle(held);
+  EXPECT_EQ(Folders().Read(DataSupportFolder() / "protected.dat"), "old");
   EXPECT_EQ(CountEntries(), entries);
   fs::remove(DataSupportFolder() / "folder.dat");
   fs::remove(DataSupportFolder() / "protected.dat");

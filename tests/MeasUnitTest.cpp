@@ -247,6 +247,9 @@ TEST(UnitSizes, RefuseWhatAFamilyDoesNotHave) {
   EXPECT_EQ(ConvertSpeedSize(1.0, enumSpeedUnits::Metric, kNormal, kSmallest), kNotSet);
   EXPECT_EQ(ConvertSpeedSize(1.0, Unknown<enumSpeedUnits>(2), kNormal, kNormal), kNotSet);
   EXPECT_EQ(ConvertDistSize(8e199, kMetre, kNormal, kSmallest), kNotSet);
+  // The bound of what counts as not set is a value itself.
+  EXPECT_EQ(ConvertDistSize(kelp::kNotSetThreshold, kFoot, kNormal, kSmallest), kNotSet);
+  EXPECT_EQ(ConvertAngleSize(kelp::kNotSetThreshold, kDegree, kNormal, kSmall), kNotSet);
   EXPECT_EQ(ConvertDistSize(9e199, kMetre, kNormal, kSmall), 9e199);
 }
 

@@ -34,9 +34,13 @@ class LocaleScope {
   bool m_ok;
 };
 
-// A locale with a decimal comma.
+// A locale with a decimal comma, and one whose characters have one byte, with its euro sign.
 #ifdef _WIN32
 inline constexpr const char* kGermanLocale = "German_Germany.1252";
+inline constexpr const char* kOneByteLocale = kGermanLocale;
+inline constexpr const char* kOneByteEuro = "\x80";
 #else
 inline constexpr const char* kGermanLocale = "de_DE.UTF-8";
+inline constexpr const char* kOneByteLocale = "de_DE.ISO-8859-15";
+inline constexpr const char* kOneByteEuro = "\xA4";
 #endif

@@ -58,10 +58,6 @@ void CopyPermissions(const WString& from, const WString& to) {
   }
 }
 
-bool IsPassing(DWORD error) {
-  return error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
-}
-
 // A folder and a write-protected file stay. Not every system keeps a move off the latter.
 bool MayBeReplaced(const WString& path) {
   constexpr DWORD kStays = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY;
@@ -109,7 +105,6 @@ bool WholeFile::Commit() {
       m_written = WString();
       return true;
     }
-    if (!IsPassing(GetLastError())) return false;
     Sleep(kPauseMs);
   }
   return false;
