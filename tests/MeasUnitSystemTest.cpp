@@ -432,8 +432,8 @@ TEST(MeasUnitFile, AFailedSaveLeavesTheOldFile) {
   // Nor what another program keeps open for longer than a save waits.
   Folders().Write(DataSupportFolder() / "protected.dat", "old");
   const WString path = kelp::GetProgramDataSupportFolderPath(KTEXT("protected.dat"));
-  const HANDLE held = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                  OPEN_EXISTING, 0, nullptr);
+  const HANDLE held =
+      CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
   ASSERT_NE(held, INVALID_HANDLE_VALUE);
   EXPECT_FALSE(CMeasUnitSystem(WString(), KTEXT("protected.dat")).SaveConfig());
   CloseHandle(held);

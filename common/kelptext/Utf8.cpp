@@ -140,6 +140,11 @@ void EncodeBlocks(const WChar*& unit, const WChar* end, char*& out, const char* 
   }
 }
 
+std::size_t SumOfHalves(__m128i sums) {
+  return static_cast<std::size_t>(_mm_cvtsi128_si64(sums) +
+                                  _mm_cvtsi128_si64(_mm_unpackhi_epi64(sums, sums)));
+}
+
 // Lanes of all ones where bytes[i] >= least, of which least isn't 0.
 __m128i BytesFrom(__m128i bytes, unsigned char least) {
   const __m128i missing = _mm_subs_epu8(_mm_set1_epi8(static_cast<char>(least)), bytes);
@@ -177,10 +182,7 @@ class UnitCounter {
   // Whether each lead byte had as many bytes behind it as it announces and its value needs, and no
   // other bytes stood there.
   bool IsWellFormed() const { return _mm_movemask_epi8(m_wrong) == 0; }
-  std::size_t Units() const {
-    return static_cast<std::size_t>(_mm_cvtsi128_si64(m_units) +
-                                    _mm_cvtsi128_si64(_mm_unpackhi_epi64(m_units, m_units)));
-  }
+  std::size_t Units() const { return SumOfHalves(m_units); }
 
  private:
   __m128i m_wrong = _mm_setzero_si128();
@@ -214,17 +216,19 @@ std::size_t CountBlocks(const unsigned char*& byte, const unsigned char* end) {
   return counter.Units() - cut;
 }
 
-// How many bytes a lead byte begins and which of its own bits count, by its upper five bits.
+// What a lead byte begins, by its upper five bits: its size, and where in four bytes, of which but
+// the first have six bits left, its value stands.
 struct Lead {
   std::uint8_t size;
-  std::uint8_t bits;
+  std::uint8_t shift;
+  std::uint32_t bits;
 };
 constexpr auto kLeads = [] {
   std::array<Lead, 32> leads;
-  leads.fill({1, 0xFF});
-  for (int i = 0xC0 >> 3; i < 0xE0 >> 3; ++i) leads[i] = {2, 0x1F};
-  for (int i = 0xE0 >> 3; i < 0xF0 >> 3; ++i) leads[i] = {3, 0x0F};
-  leads[0xF0 >> 3] = {4, 0x07};
+  leads.fill({1, 18, 0xFF});
+  for (int i = 0xC0 >> 3; i < 0xE0 >> 3; ++i) leads[i] = {2, 12, 0x7FF};
+  for (int i = 0xE0 >> 3; i < 0xF0 >> 3; ++i) leads[i] = {3, 6, 0xFFFF};
+  leads[0xF0 >> 3] = {4, 0, 0x1FFFFF};
   return leads;
 }();
 
@@ -232,14 +236,15 @@ constexpr auto kLeads = [] {
 // sequences of a text; at least four bytes can be read and two units written.
 void DecodeAhead(const unsigned char*& byte, WChar*& out) {
   const Lead lead = kLeads[*byte >> 3];
-  const std::uint32_t all = std::uint32_t{*byte} & lead.bits;
-  const std::uint32_t value =
-      (all << 18 | (byte[1] & 0x3Fu) << 12 | (byte[2] & 0x3Fu) << 6 | (byte[3] & 0x3Fu)) >>
-      (24 - 6 * lead.size);
-  const bool isPair = value >= 0x10000;
-  out[0] = static_cast<WChar>(isPair ? (value >> 10) + 0xD7C0 : value);
-  out[1] = static_cast<WChar>((value & 0x3FF) + 0xDC00);
-  out += 1 + isPair;
+  const std::uint32_t all = std::uint32_t{byte[0]} << 18 | (byte[1] & 0x3Fu) << 12 |
+                            (byte[2] & 0x3Fu) << 6 | (byte[3] & 0x3Fu);
+  const std::uint32_t value = all >> lead.shift & lead.bits;
+  const std::uint32_t pair = ((value >> 10) + 0xD7C0) | ((value & 0x3FF) + 0xDC00) << 16;
+  // All ones for a pair. Of a condition compilers make a branch.
+  const auto isPair = static_cast<std::int32_t>(0xFFFF - value) >> 31;
+  const std::uint32_t units = value ^ ((value ^ pair) & static_cast<std::uint32_t>(isPair));
+  std::memcpy(out, &units, sizeof(units));
+  out += 1 - isPair;
   byte += lead.size;
 }
 
@@ -275,7 +280,7 @@ void DecodeBlocks(const unsigned char*& byte, const unsigned char* end, WChar*& 
 // Bytes of the units at the front, eight at a time, but for blocks with a high surrogate that no
 // low one follows; moves unit to where such a block or the end begins.
 std::size_t EncodedBlocksLength(const WChar*& unit, const WChar* end) {
-  std::size_t length = 0;
+  __m128i sums = _mm_setzero_si128();
   const auto isSurrogate = [](const WChar* units, int first) {
     const __m128i bits = _mm_and_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(units)),
                                        _mm_set1_epi16(static_cast<short>(0xFC00)));
@@ -292,10 +297,9 @@ std::size_t EncodedBlocksLength(const WChar*& unit, const WChar* end) {
     const __m128i below800 = _mm_cmpeq_epi16(_mm_subs_epu16(block, _mm_set1_epi16(0x7FF)), zero);
     const __m128i less = _mm_add_epi16(_mm_add_epi16(below80, below800), _mm_add_epi16(high, high));
     const __m128i bytes = _mm_add_epi16(less, _mm_set1_epi16(3));
-    const __m128i sums = _mm_sad_epu8(bytes, zero);
-    length += static_cast<std::size_t>(_mm_cvtsi128_si32(sums) + _mm_extract_epi16(sums, 4));
+    sums = _mm_add_epi64(sums, _mm_sad_epu8(bytes, zero));
   }
-  return length;
+  return SumOfHalves(sums);
 }
 
 #endif

@@ -203,13 +203,16 @@ class KELP0LANG_API BasicText : public TextHandle {
     return Self();
   }
   S& operator+=(C unit) {
-    const int length = Length();
-    if (length < Capacity() && !IsShared()) {
-      Text()[length] = unit;
-      Text()[length + 1] = 0;
-      Header()->length = length + 1;
+    TextHeader* const header = Header();
+    C* const text = Text();
+    const int length = header->length;
+    if (length < header->capacity && !IsShared()) {
+      text[length] = unit;
+      text[length + 1] = 0;
+      header->length = length + 1;
     } else {
-      Grow(&unit, 1);
+      const C copy = unit;  // else the unit would go through memory in a loop that never grows
+      Grow(&copy, 1);
     }
     return Self();
   }
