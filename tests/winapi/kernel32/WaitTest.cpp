@@ -262,7 +262,7 @@ TEST(Threads, CountTheProcessorsTime) {
   const Handle thread(CreateThread(nullptr, 0, Work, nullptr, 0, nullptr));
   EXPECT_EQ(WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
   const ThreadTimes worked(thread), after(GetCurrentThread());
-  // Wine forgets them with the thread.
+  // Wine forgets it with the thread, or a moment later.
   EXPECT_TRUE(UnderWine() || worked.processor >= 500000);
   EXPECT_GE(worked.exit, worked.creation + 500000);
   EXPECT_GE(after.processor, before.processor);
@@ -271,7 +271,7 @@ TEST(Threads, CountTheProcessorsTime) {
   EXPECT_GT(before.creation, 0x01D00000u * (std::uint64_t{1} << 32)) << "this century";
   const ThreadTimes again(thread);
   EXPECT_EQ(again.exit, worked.exit);
-  EXPECT_EQ(again.processor, worked.processor);
+  EXPECT_TRUE(UnderWine() || again.processor == worked.processor);
 }
 
 // Waits against a model of the rules: a thread at a time makes a random call, whose result the
