@@ -9,9 +9,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <string>
+#include <system_error>
 
 #include "kelp0lang/IniFile.h"
 #include "kelp0lang/SpecialFolder.h"
@@ -22,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kHelper = "OstrandAdmin.exe";
+fs::path helperProgram;
 bool failed = false;
 
 void Report(const char* fault, bool good, const std::string& figures) {
@@ -42,13 +42,11 @@ int EntriesOf(const fs::path& folder) {
   return count;
 }
 
-// What runs as a helper, whoever started it. One that has ended and waits to be reaped has no
-// command line any more.
+// The process of the helper. One that has ended and waits to be reaped has no program any more.
 std::string HelperFolder() {
+  std::error_code ignored;
   for (const auto& process : fs::directory_iterator("/proc")) {
-    std::string program;
-    std::getline(std::ifstream(process.path() / "cmdline"), program, '\0');
-    if (fs::path(program).filename() == kHelper) return process.path();
+    if (fs::read_symlink(process.path() / "exe", ignored) == helperProgram) return process.path();
   }
   return {};
 }
@@ -121,10 +119,6 @@ void NothingIsLeft(const fs::path& runtime) {
 }  // namespace
 
 int main() {
-  if (!HelperFolder().empty()) {
-    std::fprintf(stderr, "a helper runs already\n");
-    return 2;
-  }
   const TempFolder folder;
   const fs::path runtime = folder.Path() / "runtime";
   const fs::path program = folder.Path() / "program";
@@ -133,7 +127,8 @@ int main() {
   }
   fs::permissions(runtime, fs::perms::owner_all);
   setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
-  fs::copy_file(TEST_HELPER, program / kHelper);
+  helperProgram = fs::canonical(program) / "OstrandAdmin.exe";
+  fs::copy_file(TEST_HELPER, helperProgram);
   kelp::FInitializeSpecialFolder(folder.Wide(u"program").c_str(), -1, folder.Wide(u"data").c_str(),
                                  folder.Wide().c_str());
   CIniFile().WriteShort(KTEXT("CATASTO"), KTEXT("TimeOutPdf"), 20);

@@ -49,9 +49,12 @@ BasicAuth surveyor level
 LogLevel Critical
 CONF
 
+# Both are killed outright: a tinyproxy whose other threads get the signal to end doesn't hear of it
+# before its next connection.
+processes=
+trap 'kill -KILL $processes; wait; exit 0' TERM
 tinyproxy -d -c tinyproxy.conf &
-proxy_process=$!
+processes=$!
 nginx -p "$PWD" -e /dev/null -c "$PWD/nginx.conf" &
-nginx_process=$!
-trap 'kill $proxy_process $nginx_process; exit 0' TERM
+processes="$processes $!"
 wait
