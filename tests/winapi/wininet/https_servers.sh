@@ -49,8 +49,7 @@ BasicAuth surveyor level
 LogLevel Critical
 CONF
 
-# Both are killed outright: a tinyproxy whose other threads get the signal to end doesn't hear of it
-# before its next connection.
+# Both are killed outright: tinyproxy was seen to go on after a signal to end, until a second one.
 processes=
 trap 'kill -KILL $processes; wait; exit 0' TERM
 tinyproxy -d -c tinyproxy.conf &
