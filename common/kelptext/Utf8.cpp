@@ -216,8 +216,8 @@ std::size_t CountBlocks(const unsigned char*& byte, const unsigned char* end) {
   return counter.Units() - cut;
 }
 
-// What a lead byte begins, by its upper five bits: its size, and where in four bytes, of which but
-// the first have six bits left, its value stands.
+// What a lead byte begins, by its upper five bits: its size, how far up its value stands where four
+// bytes are joined, and the bits of the value.
 struct Lead {
   std::uint8_t size;
   std::uint8_t shift;
