@@ -26,6 +26,7 @@ XML_SLOW = 'XmlDiff.RandomLayoutsComeOutAsByThePlainModel:XmlParser.LongTextsAnd
 # Each family: the test programs, with a filter of their tests behind a colon, and the sources.
 FAMILIES = {
     'text': ('core_test', 'String'),
+    'utf8': ('core_test:StringUtf8.*', 'common/kelptext/Utf8 common/kelptext/Utf8Dense'),
     'numbers': ('core_test', 'LocaleFree ValueConverter SafeFormat'),
     'legacy': ('core_test', 'LegacyNumber LegacyText LegacyPath LegacyGeometry LegacyFlags'),
     'angles': ('units_test', 'AngleForm FeetInch MeasUnit'),

@@ -532,22 +532,30 @@ TEST(StringUtf8, RoundTripsAllCodePoints) {
   }
 }
 
-// Other units here and there in ASCII, lone surrogates too, where a block meets them at every
-// place; the parts are too short for blocks.
+// Other characters here and there in ASCII or side by side, in half of the rounds with lone
+// surrogates too, where a block meets them at every place; the parts are too short for blocks.
 TEST(StringUtf8, EncodesAsItsPartsDo) {
-  const WChar others[] = {0x80, 0xE8, 0x7FF, 0x800, 0x8001, 0xD83D, 0xDE00, 0xFFFF};
+  const WString others[] = {KTEXT("\x80"),   KTEXT("\xE8"),         KTEXT("\x7FF"),
+                            KTEXT("\x800"),  KTEXT("\x8001"),       KTEXT("\xFFFF"),
+                            KTEXT("\xD7FF"), KTEXT("\xD800\xDC00"), KTEXT("\xDBFF\xDFFF"),
+                            KTEXT("\xD83D"), KTEXT("\xDE00")};
   std::mt19937 random(13);
   for (int round = 0; round < 3000; ++round) {
-    const unsigned rarity = 2 + random() % 60;
+    const unsigned rarity = 1 + random() % 60;
+    const std::size_t kinds = std::size(others) - (round % 2 == 0 ? 2 : 0);
+    const int size = static_cast<int>(random() % 300) + (round % 20 == 0 ? 2048 : 0);
     WString text;
-    WChar* units =
-        text.GetBufferSetLength(static_cast<int>(random() % 300) + (round % 20 == 0 ? 2048 : 0));
-    std::generate(units, units + text.Length(), [&]() -> WChar {
-      return random() % rarity == 0 ? others[random() % 8] : KTEXT('a') + random() % 26;
-    });
+    while (text.Length() < size) {
+      if (random() % rarity == 0) {
+        text += others[random() % kinds];
+      } else {
+        text += static_cast<WChar>(KTEXT('a') + random() % 26);
+      }
+    }
     String parts;
     for (int i = 0; i < text.Length();) {
-      const int count = text.GetChar(i) == 0xD83D ? 2 : 1;
+      const WChar unit = text.GetChar(i);
+      const int count = unit >= 0xD800 && unit <= 0xDBFF ? 2 : 1;
       parts += text.substr(i, count).ToUtf8();
       i += count;
     }

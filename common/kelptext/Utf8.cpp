@@ -6,9 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
+#include "kelptext/Utf8Blocks.h"
+#include "kelptext/Utf8Dense.h"
 
 namespace kelp::detail {
 namespace {
@@ -58,9 +57,6 @@ WChar* PutUtf16(std::uint32_t value, WChar* out) {
 
 #ifdef __SSE2__
 
-// Whole blocks of 16 are worth a look only where the text is plain for a while.
-constexpr std::ptrdiff_t kBlock = 16;
-
 // Sixteen bytes widened to sixteen units; bit i of the result is set where byte i isn't ASCII.
 unsigned WidenBlock(const unsigned char* bytes, WChar* out) {
   const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
@@ -70,16 +66,20 @@ unsigned WidenBlock(const unsigned char* bytes, WChar* out) {
   return static_cast<unsigned>(_mm_movemask_epi8(block));
 }
 
+// Lanes with the top bit set where one of sixteen units isn't ASCII.
+__m128i OtherUnits(__m128i low, __m128i high) {
+  // The saturating sum has that bit from 0x80 on, and the signed pack keeps it.
+  const __m128i gap = _mm_set1_epi16(0x7F80);
+  return _mm_packs_epi16(_mm_adds_epu16(low, gap), _mm_adds_epu16(high, gap));
+}
+
 // Sixteen units narrowed to sixteen bytes; bit i of the result is set where unit i isn't ASCII, and
 // byte i then has no meaning.
 unsigned NarrowBlock(const WChar* units, char* out) {
   const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
   const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + 8));
-  // The saturating sum has its top bit set from 0x80 on, and the signed pack keeps that bit.
-  const __m128i gap = _mm_set1_epi16(0x7F80);
-  const __m128i others = _mm_packs_epi16(_mm_adds_epu16(low, gap), _mm_adds_epu16(high, gap));
   _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(low, high));
-  return static_cast<unsigned>(_mm_movemask_epi8(others));
+  return static_cast<unsigned>(_mm_movemask_epi8(OtherUnits(low, high)));
 }
 
 // A pair of blocks.
@@ -106,6 +106,11 @@ std::ptrdiff_t NarrowAsciiPairs(const WChar* units, char* out, std::ptrdiff_t pa
   return (from - begin) * 8;
 }
 
+bool TakesDensePairs() noexcept {
+  static const bool takes = CanTakeDensePairs();
+  return takes;
+}
+
 // Encodes pairs of blocks while both ends are far enough for whole stores; moves unit and out.
 //
 // The places of the other units are taken from one mask, without a look at the text in between, so
@@ -114,7 +119,8 @@ std::ptrdiff_t NarrowAsciiPairs(const WChar* units, char* out, std::ptrdiff_t pa
 // takes kPair + 1 units, three bytes each but for a pair at the end, whose two take four, and
 // narrows kPair more: it reads 2 * kPair + 1 units and writes 4 * kPair + 1 bytes.
 void EncodeBlocks(const WChar*& unit, const WChar* end, char*& out, const char* outEnd) {
-  constexpr std::ptrdiff_t kPair = 2 * kBlock;
+  const bool takesDense = TakesDensePairs();
+  const WChar* const begin = unit;
   // Much text is ASCII to its end. Once other units have come, more of them will, and this look
   // ahead would cost more than it saves.
   const std::ptrdiff_t ascii =
@@ -124,6 +130,16 @@ void EncodeBlocks(const WChar*& unit, const WChar* end, char*& out, const char* 
   while (end - unit > 2 * kPair && outEnd - out > 4 * kPair) {
     const WChar* const pairEnd = unit + kPair;
     std::uint64_t others = NarrowTwoBlocks(unit, out);
+    // Accents stand alone. Two such units side by side are an emoji, or text in which most are so.
+    const bool dense = (others & others >> 1) != 0;
+    if (dense && takesDense && unit > begin) {
+      const int written = EncodeDensePair(unit, out);
+      if (written != 0) {
+        unit += DensePairSize(unit);
+        out += written;
+        continue;
+      }
+    }
     while (others != 0) {
       const int plain = std::countr_zero(others);
       unit += plain;
@@ -145,42 +161,20 @@ std::size_t SumOfHalves(__m128i sums) {
                                   _mm_cvtsi128_si64(_mm_unpackhi_epi64(sums, sums)));
 }
 
-// Lanes of all ones where bytes[i] >= least, of which least isn't 0.
-__m128i BytesFrom(__m128i bytes, unsigned char least) {
-  const __m128i missing = _mm_subs_epu8(_mm_set1_epi8(static_cast<char>(least)), bytes);
-  return _mm_cmpeq_epi8(missing, _mm_setzero_si128());
-}
-
-__m128i LoadBytes(const unsigned char* bytes) {
-  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-}
-
 // Counts the units that well-formed text decodes to, sixteen bytes at a time, each sequence with
 // its lead byte.
 class UnitCounter {
  public:
   // Reads the three bytes before too.
   void Add(const unsigned char* bytes) {
-    const __m128i block = LoadBytes(bytes);
-    const __m128i before = LoadBytes(bytes - 1);
-    const __m128i fromC0 = BytesFrom(block, 0xC0);
-    const __m128i fromF0 = BytesFrom(block, 0xF0);
-    const __m128i behind = _mm_andnot_si128(fromC0, BytesFrom(block, 0x80));
-    const __m128i wanted = _mm_or_si128(
-        BytesFrom(before, 0xC0),
-        _mm_or_si128(BytesFrom(LoadBytes(bytes - 2), 0xE0), BytesFrom(LoadBytes(bytes - 3), 0xF0)));
-    // F0 and a byte below 0x90 make a value of one unit.
-    const __m128i overlong = _mm_andnot_si128(
-        BytesFrom(block, 0x90), _mm_cmpeq_epi8(before, _mm_set1_epi8(static_cast<char>(0xF0))));
-    m_wrong = _mm_or_si128(m_wrong, _mm_or_si128(_mm_xor_si128(behind, wanted),
-                                                 _mm_or_si128(overlong, BytesFrom(block, 0xF8))));
+    const ByteWindow window(bytes);
+    m_wrong = _mm_or_si128(m_wrong, Misplaced(window));
     // Lanes of all ones take one away from 1, or add one to it.
-    const __m128i units = _mm_sub_epi8(_mm_add_epi8(behind, _mm_set1_epi8(1)), fromF0);
+    const __m128i units = _mm_sub_epi8(_mm_add_epi8(Continuations(window.at), AllBytes(1)),
+                                       BytesFrom(window.at, 0xF0));
     m_units = _mm_add_epi64(m_units, _mm_sad_epu8(units, _mm_setzero_si128()));
   }
 
-  // Whether each lead byte had as many bytes behind it as it announces and its value needs, and no
-  // other bytes stood there.
   bool IsWellFormed() const { return _mm_movemask_epi8(m_wrong) == 0; }
   std::size_t Units() const { return SumOfHalves(m_units); }
 
@@ -253,7 +247,8 @@ void DecodeAhead(const unsigned char*& byte, WChar*& out) {
 // takes kPair + 3 bytes for as many units and widens kPair more.
 void DecodeBlocks(const unsigned char*& byte, const unsigned char* end, WChar*& out,
                   const WChar* outEnd) {
-  constexpr std::ptrdiff_t kPair = 2 * kBlock;
+  const bool takesDense = TakesDensePairs();
+  const unsigned char* const begin = byte;
   const auto widen = [](const unsigned char* from, WChar* to) {
     const unsigned low = WidenBlock(from, to);
     return WidenBlock(from + kBlock, to + kBlock) << kBlock | low;
@@ -261,6 +256,16 @@ void DecodeBlocks(const unsigned char*& byte, const unsigned char* end, WChar*& 
   while (end - byte >= 2 * kPair + 3 && outEnd - out >= 2 * kPair + 3) {
     const unsigned char* const pairEnd = byte + kPair;
     std::uint64_t others = widen(byte, out);
+    // Three such bytes side by side are more than an accent.
+    const bool dense = (others & others >> 1 & others >> 2) != 0;
+    if (dense && takesDense && byte - begin >= 3) {
+      const int written = DecodeDensePair(byte, out);
+      if (written != 0) {
+        byte += DensePairSize(byte);
+        out += written;
+        continue;
+      }
+    }
     while (others != 0) {
       const int plain = std::countr_zero(others);
       byte += plain;
@@ -277,29 +282,48 @@ void DecodeBlocks(const unsigned char*& byte, const unsigned char* end, WChar*& 
   }
 }
 
-// Bytes of the units at the front, eight at a time, but for blocks with a high surrogate that no
-// low one follows; moves unit to where such a block or the end begins.
+__m128i LoadUnits(const WChar* units) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
+}
+
+// Bytes of the pairs of blocks at the front in which every high surrogate has a low one behind it;
+// moves unit behind them.
 std::size_t EncodedBlocksLength(const WChar*& unit, const WChar* end) {
-  __m128i sums = _mm_setzero_si128();
-  const auto isSurrogate = [](const WChar* units, int first) {
-    const __m128i bits = _mm_and_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(units)),
-                                       _mm_set1_epi16(static_cast<short>(0xFC00)));
-    return _mm_cmpeq_epi16(bits, _mm_set1_epi16(static_cast<short>(first)));
-  };
+  const WChar* const begin = unit;
   const __m128i zero = _mm_setzero_si128();
-  for (; end - unit > 8; unit += 8) {
-    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(unit));
-    const __m128i high = isSurrogate(unit, 0xD800);
-    const __m128i low = isSurrogate(unit + 1, 0xDC00);
-    if (_mm_movemask_epi8(_mm_andnot_si128(low, high)) != 0) break;
-    // Three bytes for each unit, less one or two for the small ones; a pair has four.
-    const __m128i below80 = _mm_cmpeq_epi16(_mm_subs_epu16(block, _mm_set1_epi16(0x7F)), zero);
-    const __m128i below800 = _mm_cmpeq_epi16(_mm_subs_epu16(block, _mm_set1_epi16(0x7FF)), zero);
-    const __m128i less = _mm_add_epi16(_mm_add_epi16(below80, below800), _mm_add_epi16(high, high));
-    const __m128i bytes = _mm_add_epi16(less, _mm_set1_epi16(3));
-    sums = _mm_add_epi64(sums, _mm_sad_epu8(bytes, zero));
+  __m128i sums = zero;
+  __m128i due = zero;  // the first lane is set where the last unit was a high surrogate
+  for (; end - unit >= kPair; unit += kPair) {
+    __m128i wrong = zero;
+    __m128i more = zero;
+    __m128i next = due;
+    for (const WChar* block = unit; block < unit + kPair; block += kBlock) {
+      const __m128i units = LoadUnits(block);
+      const __m128i others = LoadUnits(block + 8);
+      const __m128i upper = _mm_packus_epi16(_mm_srli_epi16(units, 8), _mm_srli_epi16(others, 8));
+      const __m128i kind = _mm_and_si128(upper, AllBytes(0xFC));
+      const __m128i high = _mm_cmpeq_epi8(kind, AllBytes(0xD8));
+      const __m128i low = _mm_cmpeq_epi8(kind, AllBytes(0xDC));
+      wrong =
+          _mm_or_si128(wrong, _mm_andnot_si128(low, _mm_or_si128(next, _mm_slli_si128(high, 1))));
+      next = _mm_srli_si128(high, 15);
+      // A byte more from 0x80 on and one from 0x800 on, of which a high surrogate loses both: a
+      // pair has four.
+      const __m128i from80 = _mm_cmplt_epi8(OtherUnits(units, others), zero);
+      const __m128i from800 = BytesFrom(upper, 0x08);
+      const __m128i gained = _mm_sub_epi8(_mm_add_epi8(high, high), _mm_add_epi8(from80, from800));
+      more = _mm_add_epi8(more, gained);
+    }
+    if (_mm_movemask_epi8(wrong) != 0) break;
+    due = next;
+    sums = _mm_add_epi64(sums, _mm_sad_epu8(more, zero));
   }
-  return SumOfHalves(sums);
+  std::size_t length = static_cast<std::size_t>(unit - begin) + SumOfHalves(sums);
+  if (_mm_movemask_epi8(due) != 0) {
+    --unit;
+    --length;
+  }
+  return length;
 }
 
 #endif
