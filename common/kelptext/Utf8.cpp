@@ -119,7 +119,6 @@ bool TakesDensePairs() noexcept {
 // takes kPair + 1 units, three bytes each but for a pair at the end, whose two take four, and
 // narrows kPair more: it reads 2 * kPair + 1 units and writes 4 * kPair + 1 bytes.
 void EncodeBlocks(const WChar*& unit, const WChar* end, char*& out, const char* outEnd) {
-  const bool takesDense = TakesDensePairs();
   const WChar* const begin = unit;
   // Much text is ASCII to its end. Once other units have come, more of them will, and this look
   // ahead would cost more than it saves.
@@ -132,7 +131,7 @@ void EncodeBlocks(const WChar*& unit, const WChar* end, char*& out, const char* 
     std::uint64_t others = NarrowTwoBlocks(unit, out);
     // Accents stand alone. Two such units side by side are an emoji, or text in which most are so.
     const bool dense = (others & others >> 1) != 0;
-    if (dense && takesDense && unit > begin) {
+    if (dense && unit > begin && TakesDensePairs()) {
       const int written = EncodeDensePair(unit, out);
       if (written != 0) {
         unit += DensePairSize(unit);
@@ -247,7 +246,6 @@ void DecodeAhead(const unsigned char*& byte, WChar*& out) {
 // takes kPair + 3 bytes for as many units and widens kPair more.
 void DecodeBlocks(const unsigned char*& byte, const unsigned char* end, WChar*& out,
                   const WChar* outEnd) {
-  const bool takesDense = TakesDensePairs();
   const unsigned char* const begin = byte;
   const auto widen = [](const unsigned char* from, WChar* to) {
     const unsigned low = WidenBlock(from, to);
@@ -258,7 +256,7 @@ void DecodeBlocks(const unsigned char*& byte, const unsigned char* end, WChar*& 
     std::uint64_t others = widen(byte, out);
     // Three such bytes side by side are more than an accent.
     const bool dense = (others & others >> 1 & others >> 2) != 0;
-    if (dense && takesDense && byte - begin >= 3) {
+    if (dense && byte - begin >= 3 && TakesDensePairs()) {
       const int written = DecodeDensePair(byte, out);
       if (written != 0) {
         byte += DensePairSize(byte);
