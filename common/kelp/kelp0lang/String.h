@@ -331,14 +331,17 @@ class KELP0LANG_API BasicText : public TextHandle {
   const S& Self() const noexcept { return static_cast<const S&>(*this); }
   // text may point into this string.
   void AppendUnits(const C* text, std::int64_t count) {
-    const std::int64_t newLength = Length() + count;
-    if (newLength > Capacity() || IsShared()) {
+    TextHeader* const header = Header();
+    C* const own = Text();
+    const std::int64_t length = header->length;
+    const std::int64_t newLength = length + count;
+    if (newLength > header->capacity || IsShared()) {
       Grow(text, count);
       return;
     }
-    std::memmove(Text() + Length(), text, static_cast<std::size_t>(count) * sizeof(C));
-    Text()[newLength] = 0;
-    Header()->length = static_cast<std::int32_t>(newLength);
+    std::memmove(own + length, text, static_cast<std::size_t>(count) * sizeof(C));
+    own[newLength] = 0;
+    header->length = static_cast<std::int32_t>(newLength);
   }
   // Appends into a buffer of its own and of exact size.
   void Grow(const C* text, std::int64_t count);
