@@ -499,6 +499,16 @@ TEST(StringUtf8, EncodesPairsAndLoneSurrogates) {
                                         "A")),
             "\xF0\x91\xA1\x81");
   EXPECT_EQ(String::ConvertToUtf8(nullptr), String());
+
+  // In text that is measured before, at every place of a block; a low one stands near.
+  for (std::size_t place = 0; place < 64; ++place) {
+    std::basic_string<WChar> units(3000, KTEXT('a'));
+    units[place] = 0xD83D;
+    units[place + 2] = 0xDE00;
+    std::string bytes(2999, 'a');
+    bytes.replace(place, 2, "\xF0\x91\xA1\xA1\xED\xB8\x80");
+    ASSERT_EQ(WString(units.c_str()).ToUtf8(), bytes.c_str()) << place;
+  }
 }
 
 // All code points, alone and in text long enough for blocks and for two passes.
@@ -583,14 +593,15 @@ std::u16string DecodedByHand(const std::string& bytes) {
 // Sequences whole, cut short and overlong, and stray bytes, in text of one pass and of two.
 TEST(StringUtf8, DecodesByItsStepsWhateverTheBytes) {
   const std::string pieces[] = {
-      "plain text",       "\xC3\xA0", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xF0\x90\x80\x80",
-      "\xF0\x8F\xBF\xBF", "\x80",     "\xC3",         "\xE2\x82",         "\xF0\x9F",
-      "\xF8\x88",         "\xFF",     "\xC0\xC3"};
+      "plain text",   "\xC3\xA0",         "\xDF\xBF",         "\xE0\xA0\x80",     "\xE2\x82\xAC",
+      "\xEF\xBF\xBF", "\xF0\x9F\x98\x80", "\xF0\x90\x80\x80", "\xF0\x8F\xBF\xBF", "\x80",
+      "\xC3",         "\xE2\x82",         "\xF0\x9F",         "\xF8\x88",         "\xFF",
+      "\xC0\xC3"};
   std::mt19937 random(17);
   for (int round = 0; round < 6000; ++round) {
     const std::size_t size = round % 3 == 0 ? 2049 + random() % 80 : random() % 120;
     // Mostly well-formed text, which is counted in blocks, and text of all kinds.
-    const std::size_t kinds = round % 2 == 0 ? 5 : std::size(pieces);
+    const std::size_t kinds = round % 2 == 0 ? 8 : std::size(pieces);
     std::string bytes;
     while (bytes.size() < size) bytes += pieces[random() % kinds];
     if (round % 4 == 0) bytes.resize(size);

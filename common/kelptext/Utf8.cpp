@@ -59,7 +59,7 @@ WChar* PutUtf16(std::uint32_t value, WChar* out) {
 
 // Sixteen bytes widened to sixteen units; bit i of the result is set where byte i isn't ASCII.
 unsigned WidenBlock(const unsigned char* bytes, WChar* out) {
-  const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+  const __m128i block = LoadBytes(bytes);
   const __m128i zero = _mm_setzero_si128();
   _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(block, zero));
   _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 8), _mm_unpackhi_epi8(block, zero));
@@ -76,8 +76,8 @@ __m128i OtherUnits(__m128i low, __m128i high) {
 // Sixteen units narrowed to sixteen bytes; bit i of the result is set where unit i isn't ASCII, and
 // byte i then has no meaning.
 unsigned NarrowBlock(const WChar* units, char* out) {
-  const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
-  const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + 8));
+  const __m128i low = LoadUnits(units);
+  const __m128i high = LoadUnits(units + 8);
   _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(low, high));
   return static_cast<unsigned>(_mm_movemask_epi8(OtherUnits(low, high)));
 }
@@ -280,48 +280,53 @@ void DecodeBlocks(const unsigned char*& byte, const unsigned char* end, WChar*& 
   }
 }
 
-__m128i LoadUnits(const WChar* units) {
-  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
-}
+// Counts the bytes that units encode to beyond one for each, sixteen at a time, where every high
+// surrogate has a low one behind it.
+class ByteCounter {
+ public:
+  void Add(const WChar* units) {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i first = LoadUnits(units);
+    const __m128i second = LoadUnits(units + 8);
+    const __m128i upper = _mm_packus_epi16(_mm_srli_epi16(first, 8), _mm_srli_epi16(second, 8));
+    const __m128i kind = _mm_and_si128(upper, AllBytes(0xFC));
+    const __m128i high = _mm_cmpeq_epi8(kind, AllBytes(0xD8));
+    const __m128i low = _mm_cmpeq_epi8(kind, AllBytes(0xDC));
+    const __m128i wanted = _mm_or_si128(m_due, _mm_slli_si128(high, 1));
+    m_wrong = _mm_or_si128(m_wrong, _mm_andnot_si128(low, wanted));
+    m_due = _mm_srli_si128(high, 15);
+    // A byte more from 0x80 on and one from 0x800 on, of which a high surrogate loses both: a pair
+    // has four.
+    const __m128i from80 = _mm_cmplt_epi8(OtherUnits(first, second), zero);
+    const __m128i from800 = BytesFrom(upper, 0x08);
+    const __m128i more = _mm_sub_epi8(_mm_add_epi8(high, high), _mm_add_epi8(from80, from800));
+    m_more = _mm_add_epi64(m_more, _mm_sad_epu8(more, zero));
+  }
 
-// Bytes of the pairs of blocks at the front in which every high surrogate has a low one behind it;
-// moves unit behind them.
+  bool IsWellFormed() const { return _mm_movemask_epi8(m_wrong) == 0; }
+  // Whether the last unit is a high surrogate, of which nothing is counted.
+  bool IsCut() const { return _mm_movemask_epi8(m_due) != 0; }
+  std::size_t More() const { return SumOfHalves(m_more); }
+
+ private:
+  __m128i m_wrong = _mm_setzero_si128();
+  __m128i m_due = _mm_setzero_si128();  // the first lane is set where a low surrogate is to come
+  __m128i m_more = _mm_setzero_si128();
+};
+
+// Bytes of the pairs of blocks at the front that a ByteCounter can count; moves unit behind them.
 std::size_t EncodedBlocksLength(const WChar*& unit, const WChar* end) {
   const WChar* const begin = unit;
-  const __m128i zero = _mm_setzero_si128();
-  __m128i sums = zero;
-  __m128i due = zero;  // the first lane is set where the last unit was a high surrogate
+  ByteCounter counter;
   for (; end - unit >= kPair; unit += kPair) {
-    __m128i wrong = zero;
-    __m128i more = zero;
-    __m128i next = due;
-    for (const WChar* block = unit; block < unit + kPair; block += kBlock) {
-      const __m128i units = LoadUnits(block);
-      const __m128i others = LoadUnits(block + 8);
-      const __m128i upper = _mm_packus_epi16(_mm_srli_epi16(units, 8), _mm_srli_epi16(others, 8));
-      const __m128i kind = _mm_and_si128(upper, AllBytes(0xFC));
-      const __m128i high = _mm_cmpeq_epi8(kind, AllBytes(0xD8));
-      const __m128i low = _mm_cmpeq_epi8(kind, AllBytes(0xDC));
-      wrong =
-          _mm_or_si128(wrong, _mm_andnot_si128(low, _mm_or_si128(next, _mm_slli_si128(high, 1))));
-      next = _mm_srli_si128(high, 15);
-      // A byte more from 0x80 on and one from 0x800 on, of which a high surrogate loses both: a
-      // pair has four.
-      const __m128i from80 = _mm_cmplt_epi8(OtherUnits(units, others), zero);
-      const __m128i from800 = BytesFrom(upper, 0x08);
-      const __m128i gained = _mm_sub_epi8(_mm_add_epi8(high, high), _mm_add_epi8(from80, from800));
-      more = _mm_add_epi8(more, gained);
-    }
-    if (_mm_movemask_epi8(wrong) != 0) break;
-    due = next;
-    sums = _mm_add_epi64(sums, _mm_sad_epu8(more, zero));
+    ByteCounter further = counter;
+    further.Add(unit);
+    further.Add(unit + kBlock);
+    if (!further.IsWellFormed()) break;
+    counter = further;
   }
-  std::size_t length = static_cast<std::size_t>(unit - begin) + SumOfHalves(sums);
-  if (_mm_movemask_epi8(due) != 0) {
-    --unit;
-    --length;
-  }
-  return length;
+  if (counter.IsCut()) --unit;
+  return static_cast<std::size_t>(unit - begin) + counter.More();
 }
 
 #endif

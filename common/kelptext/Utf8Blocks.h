@@ -5,12 +5,19 @@
 
 #include <emmintrin.h>
 
-#include <cstddef>
+#include "kelptext/WideChar.h"
 
 namespace kelp::detail {
 
 inline constexpr int kBlock = 16;
 inline constexpr int kPair = 2 * kBlock;
+
+inline __m128i LoadBytes(const unsigned char* bytes) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+}
+inline __m128i LoadUnits(const WChar* units) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
+}
 
 inline __m128i AllBytes(int value) {
   return _mm_set1_epi8(static_cast<char>(value));
@@ -30,14 +37,12 @@ inline __m128i Continuations(__m128i bytes) {
 struct ByteWindow {
   // Reads the three bytes before too.
   explicit ByteWindow(const unsigned char* bytes)
-      : at(Load(bytes)), back1(Load(bytes - 1)), back2(Load(bytes - 2)), back3(Load(bytes - 3)) {}
+      : at(LoadBytes(bytes)),
+        back1(LoadBytes(bytes - 1)),
+        back2(LoadBytes(bytes - 2)),
+        back3(LoadBytes(bytes - 3)) {}
 
   __m128i at, back1, back2, back3;
-
- private:
-  static __m128i Load(const unsigned char* bytes) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-  }
 };
 
 // Lanes of all ones where text isn't well-formed: each lead byte has as many bytes behind it as it

@@ -33,8 +33,8 @@ KELP_ALWAYS_INLINE __m128i AllUnits(int value) {
 // Every unit becomes some of the three bytes E0 | x >> 12, 80 | (x >> 6 & 3F), 80 | (x & 3F) of 16
 // bits x, which stand in a lane of 32 bits: the last, the last two or all of them; a high surrogate
 // the first two, and a low one the last two. These are the places of four units. Bit i of the key
-// is set where unit i has no first byte, or is a high surrogate, bit 4 + i where it has one byte,
-// or is a high surrogate.
+// is set where unit i has no first byte; bit 4 + i where it has the last alone, or, as a high
+// surrogate, the first two.
 constexpr auto kEncodedPlaces = [] {
   std::array<Places, 256> all{};
   for (unsigned key = 0; key < all.size(); ++key) {
@@ -62,8 +62,8 @@ KELP_DENSE KELP_ALWAYS_INLINE char* PutEncoded(__m128i lanes, unsigned key, char
 // Encodes eight units. Sets lanes of wrong where a low surrogate and a high one before it don't go
 // together.
 KELP_DENSE KELP_ALWAYS_INLINE char* EncodeEight(const WChar* units, char* out, __m128i& wrong) {
-  const __m128i unit = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
-  const __m128i before = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units - 1));
+  const __m128i unit = LoadUnits(units);
+  const __m128i before = LoadUnits(units - 1);
   const __m128i sort = _mm_and_si128(unit, AllUnits(0xFC00));
   const __m128i high = _mm_cmpeq_epi16(sort, AllUnits(0xD800));
   const __m128i low = _mm_cmpeq_epi16(_mm_and_si128(before, AllUnits(0xFC00)), AllUnits(0xD800));
